@@ -10,21 +10,21 @@
 
 namespace tarn::VOD {
 
-template <typename Function>
-struct ParametersOf;
+template <typename Function, std::size_t Index>
+struct OutParameter;
 
-template <typename Result, typename... Parameters>
-struct ParametersOf<Result (*)(Parameters...)> {
-  using Type = std::tuple<Parameters...>;
+template <typename Result, typename... Parameters, std::size_t Index>
+struct OutParameter<Result(Parameters...), Index> {
+  using Type = std::remove_pointer_t<std::tuple_element_t<Index, std::tuple<Parameters...>>>;
 };
 
 /**
- * The type of the value that a platform function stores through one of its pointer parameters. SDKs differ in the integer
- * types they chose, so we take the type from the function itself.
+ * The type of the object that a platform function fills through its pointer parameter at `Index`, counted from 0:
+ * `OutParameterType<decltype(video_object_detection_subscriber_get_version), 0> major{}`. Platforms differ in their
+ * integer types, so the library takes them from the platform's own declaration.
  */
-template <auto function, std::size_t parameter>
-using PlatformValue =
-    std::remove_pointer_t<std::tuple_element_t<parameter, typename ParametersOf<decltype(function)>::Type>>;
+template <typename Function, std::size_t Index>
+using OutParameterType = typename OutParameter<Function, Index>::Type;
 
 }  // namespace tarn::VOD
 

@@ -13,8 +13,8 @@
 namespace tarn::VOD {
 
 /**
- * Names by id, in ascending order of the ids: made once, then only read. The ids lie side by side, apart from the names, so
- * that a look-up stays within a cache line or two.
+ * Names by id, in ascending order of the ids: made once, then only read. The ids lie side by side, apart from the
+ * names, so that a look-up stays within a cache line or two.
  */
 template <typename Id>
 class NameTable {

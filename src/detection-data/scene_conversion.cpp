@@ -45,7 +45,8 @@ std::optional<std::string> valueName(const ::VOD::Attribute& attribute, const Sc
   if (attribute.has_class_case() == ::VOD::Attribute::HAS_CLASS_NOT_SET) {
     return std::nullopt;
   }
-  const std::string* const name = findName(names.attributeClasses, AttributeClassId{attribute.type(), attribute.class_()});
+  const std::string* const name =
+      findName(names.attributeClasses, AttributeClassId{attribute.type(), attribute.class_()});
   return name != nullptr ? std::optional<std::string>(*name) : std::nullopt;
 }
 

@@ -21,8 +21,9 @@ namespace tarn::VOD {
 using MissingAttributeType = void (*)(std::uint32_t type);
 
 /**
- * Turns a scene into the record for the application: ids become names, in the scene's order; detections and classifications
- * of classes that have no name here are dropped, and so are events of an unknown action and attributes of an unknown type.
+ * Turns a scene into the record for the application: ids become names, in the scene's order; detections and
+ * classifications of classes that have no name here are dropped, and so are events of an unknown action and attributes
+ * of an unknown type.
  */
 std::unique_ptr<DetectionData> convertScene(const ::VOD::Scene& scene, const SceneNames& names,
                                             MissingAttributeType missingAttributeType);

@@ -30,8 +30,8 @@ using AttributeTypeNames = NameTable<std::uint32_t>;
 using AttributeClassNames = NameTable<AttributeClassId>;
 
 /**
- * What the ids in one camera's scenes mean. The tables never change once they are made: whoever holds them may read them
- * without a lock, whatever is put in their place meanwhile. Null stands for an empty table.
+ * What the ids in one camera's scenes mean. The tables never change once they are made: whoever holds them may read
+ * them without a lock, whatever is put in their place meanwhile. Null stands for an empty table.
  */
 struct SceneNames {
   std::shared_ptr<const ClassNames> classes;

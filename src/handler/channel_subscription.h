@@ -24,9 +24,9 @@ struct ChannelSubscription {
   DetectionCallback callback;
 
   /**
-   * The platform gets this number's address as its user data, and reads it at times that we don't control: a callback may
-   * already be on its way when the subscription ends. So the number itself stands among the process-wide state and outlives
-   * every record.
+   * The platform gets this number's address as its user data, and reads it at times that we don't control: a callback
+   * may already be on its way when the subscription ends. So the number itself stands among the process-wide state and
+   * outlives every record.
    */
   std::int32_t& camera;
 
@@ -41,9 +41,9 @@ struct ChannelSubscription {
 using SubscriptionMap = std::map<int, std::unique_ptr<ChannelSubscription>>;
 
 /**
- * Keeps records that are no longer needed until `handlerMutex` is released: with a record goes the application's callable,
- * and the destructors of what it captured may take locks of the application. Declared before the lock, it ends after it.
- * Adding cannot fail.
+ * Keeps records that are no longer needed until `handlerMutex` is released: with a record goes the application's
+ * callable, and the destructors of what it captured may take locks of the application. Declared before the lock, it
+ * ends after it. Adding cannot fail.
  */
 class DiscardedSubscriptions {
  public:
@@ -67,7 +67,8 @@ class DiscardedSubscriptions {
 };
 
 /** Puts a record into a registry map, in the place of one that may be there for its camera. Cannot fail. */
-inline void store(SubscriptionMap& registry, SubscriptionMap::node_type record, DiscardedSubscriptions& discarded) noexcept {
+inline void store(SubscriptionMap& registry, SubscriptionMap::node_type record,
+                  DiscardedSubscriptions& discarded) noexcept {
   auto result = registry.insert(std::move(record));
   if (!result.inserted) {
     std::swap(result.position->second, result.node.mapped());

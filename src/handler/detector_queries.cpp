@@ -71,7 +71,9 @@ DetectorInformation Handler::getDetectorInformation(int camera) {
   return DetectorInformation(readDetectorInformationForCamera(camera));
 }
 
-DetectorInformation getDetectorInformation() { return Handler::getDetectorInformation(1); }
+DetectorInformation getDetectorInformation() {
+  return Handler::getDetectorInformation(1);
+}
 
 std::set<std::string> Handler::getSupportedClasses() {
   const HandlerLock lock(handlerMutex);

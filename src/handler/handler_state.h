@@ -15,8 +15,8 @@
 #include <mutex>
 #include <thread>
 
-// All process-wide state of the library, grouped by what guards it. Defined in one file, because the order of destruction
-// matters there.
+// All process-wide state of the library, grouped by what guards it. Defined in one file, because the order of
+// destruction matters there.
 
 namespace tarn::VOD {
 
@@ -44,7 +44,8 @@ extern SubscriptionMap activeSubscriptions TARNVOD_GUARDED_BY(handlerMutex);
 /** Cameras to be retried; their records have no subscriber. */
 extern SubscriptionMap pendingSubscriptions TARNVOD_GUARDED_BY(handlerMutex);
 
-/** The names that each camera's detector gave its attributes. A table is replaced, never changed; null is an empty one. */
+/** The names that each camera's detector gave its attributes. A table is replaced, never changed; null is an empty one.
+ */
 extern std::map<int, std::shared_ptr<const AttributeTypeNames>> attributeTypeNames TARNVOD_GUARDED_BY(handlerMutex);
 extern std::map<int, std::shared_ptr<const AttributeClassNames>> attributeClassNames TARNVOD_GUARDED_BY(handlerMutex);
 

@@ -37,10 +37,10 @@ Receiver copyReceiver(const void* userData) {
   if (active == activeSubscriptions.end()) {
     return {};
   }
-  return {camera,
-          active->second->callback,
-          {active->second->classIdsToNames, findTable(attributeTypeNames, camera),
-           findTable(attributeClassNames, camera)}};
+  return {
+      camera,
+      active->second->callback,
+      {active->second->classIdsToNames, findTable(attributeTypeNames, camera), findTable(attributeClassNames, camera)}};
 }
 
 void parse(::VOD::Scene& scene, const std::uint8_t* buffer, std::int32_t length) {

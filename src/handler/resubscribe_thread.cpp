@@ -23,8 +23,8 @@ void retryPendingSubscriptions() {
   DiscardedSubscriptions discarded;
   DetectionCallback callback;  // destroyed after the lock is released, as the discarded records are
   const HandlerLock lock(handlerMutex);
-  // Walks by camera number instead of by iterator: a platform that calls back from inside its functions can change the map
-  // under our feet, the mutex being recursive.
+  // Walks by camera number instead of by iterator: a platform that calls back from inside its functions can change the
+  // map under our feet, the mutex being recursive.
   for (auto next = pendingSubscriptions.begin(); next != pendingSubscriptions.end();) {
     const int camera = next->first;
     callback = next->second->callback;

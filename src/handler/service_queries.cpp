@@ -11,10 +11,12 @@
 
 namespace tarn::VOD {
 
-bool Handler::isDlpuEnabled() { return video_object_detection_subscriber_service_is_enabled(); }
+bool Handler::isDlpuEnabled() {
+  return video_object_detection_subscriber_service_is_enabled();
+}
 
 std::uint32_t Handler::getNumberOfChannels() {
-  PlatformValue<&video_object_detection_subscriber_get_nbr_channels, 0> count = 0;
+  OutParameterType<decltype(video_object_detection_subscriber_get_nbr_channels), 0> count = 0;
   if (video_object_detection_subscriber_get_nbr_channels(&count) != 0) {
     syslog(LOG_ERR, "Unable to get number of channels from video_object_detection_subscriber\n");
     return 0;
@@ -23,7 +25,7 @@ std::uint32_t Handler::getNumberOfChannels() {
 }
 
 std::uint32_t Handler::getNumberOfSimultaneousChannels() {
-  PlatformValue<&video_object_detection_subscriber_get_nbr_channels_simultaneously, 0> count = 0;
+  OutParameterType<decltype(video_object_detection_subscriber_get_nbr_channels_simultaneously), 0> count = 0;
   if (video_object_detection_subscriber_get_nbr_channels_simultaneously(&count) != 0) {
     syslog(LOG_ERR, "Unable to get number of simultaneous channels from video_object_detection_subscriber\n");
     return 0;
@@ -32,8 +34,8 @@ std::uint32_t Handler::getNumberOfSimultaneousChannels() {
 }
 
 std::string Handler::getServiceVersion() {
-  PlatformValue<&video_object_detection_subscriber_get_version, 0> major = 0;
-  PlatformValue<&video_object_detection_subscriber_get_version, 1> minor = 0;
+  OutParameterType<decltype(video_object_detection_subscriber_get_version), 0> major = 0;
+  OutParameterType<decltype(video_object_detection_subscriber_get_version), 1> minor = 0;
   if (const int result = video_object_detection_subscriber_get_version(&major, &minor); result != 0) {
     syslog(LOG_ERR, "Failed to get the version of the vod lib: %d\n", result);
     return {};

@@ -35,8 +35,8 @@ void detectionCallback(Byte* buffer, Length length, UserData* userData) {
 }
 
 /**
- * The record is made inside a map's node, so that moving it into a registry map later cannot fail. The callable is moved
- * in last: whatever fails before, it stays the caller's.
+ * The record is made inside a map's node, so that moving it into a registry map later cannot fail. The callable is
+ * moved in last: whatever fails before, it stays the caller's.
  */
 SubscriptionMap::node_type makeSubscription(int camera, DetectionCallback& callback,
                                             const std::optional<VodChannelConfiguration>& channelConfiguration)
@@ -49,7 +49,8 @@ SubscriptionMap::node_type makeSubscription(int camera, DetectionCallback& callb
   return single.extract(camera);
 }
 
-std::shared_ptr<const ClassNames> makeClassNames(const Classifications& supported, const std::set<std::string>& classes) {
+std::shared_ptr<const ClassNames> makeClassNames(const Classifications& supported,
+                                                 const std::set<std::string>& classes) {
   return std::make_shared<const ClassNames>(mapClassIdsToNames(supported, classes));
 }
 
@@ -88,7 +89,8 @@ void subscribe(ChannelSubscription& subscription) {
   if (subscription.channelConfiguration) {
     configureRegion(subscription);
   }
-  require(video_object_detection_subscriber_subscribe(subscription.subscriber) == 0, "Failed to subscribe to vod data.");
+  require(video_object_detection_subscriber_subscribe(subscription.subscriber) == 0,
+          "Failed to subscribe to vod data.");
 }
 
 /** Gives back what a failed attempt got from the platform; there is nothing to be done about failures here. */
@@ -115,8 +117,8 @@ void logFailure(const char* failure) TARNVOD_REQUIRES(handlerMutex) {
 
 }  // namespace
 
-bool subscribeChannel(const HandlerLock& lock, DiscardedSubscriptions& discarded, int camera, DetectionCallback& callback,
-                      const std::set<std::string>& classes,
+bool subscribeChannel(const HandlerLock& lock, DiscardedSubscriptions& discarded, int camera,
+                      DetectionCallback& callback, const std::set<std::string>& classes,
                       const std::optional<VodChannelConfiguration>& channelConfiguration) {
   SubscriptionMap::node_type record = makeSubscription(camera, callback, channelConfiguration);
   ChannelSubscription& subscription = *record.mapped();

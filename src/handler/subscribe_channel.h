@@ -15,15 +15,15 @@
 namespace tarn::VOD {
 
 /**
- * Subscribes a camera, or updates the callback and the classes of one that is subscribed already. A failure is logged and
- * the camera parked among the pending ones.
+ * Subscribes a camera, or updates the callback and the classes of one that is subscribed already. A failure is logged
+ * and the camera parked among the pending ones.
  *
  * @param callback  moved from; destroyed by the caller, after it has released the lock
  * @return whether the camera is subscribed
  * @throw std::system_error, std::bad_alloc, what copying the callback throws  and then nothing of this attempt is left
  */
-bool subscribeChannel(const HandlerLock& lock, DiscardedSubscriptions& discarded, int camera, DetectionCallback& callback,
-                      const std::set<std::string>& classes,
+bool subscribeChannel(const HandlerLock& lock, DiscardedSubscriptions& discarded, int camera,
+                      DetectionCallback& callback, const std::set<std::string>& classes,
                       const std::optional<VodChannelConfiguration>& channelConfiguration)
     TARNVOD_REQUIRES(handlerMutex);
 

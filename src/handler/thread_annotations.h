@@ -16,7 +16,8 @@
 
 namespace tarn::VOD {
 
-/** A standard mutex that clang's analysis knows. `lock` throws `std::system_error` with the error number when it fails. */
+/** A standard mutex that clang's analysis knows. `lock` throws `std::system_error` with the error number when it fails.
+ */
 template <typename Mutex>
 class TARNVOD_ANNOTATION(capability("mutex")) AnnotatedMutex {
  public:
