@@ -59,9 +59,9 @@ const std::vector<HandlerCall> calls = {
 };
 
 INSTANTIATE_TEST_SUITE_P(EveryFunction, ACallback, testing::Combine(testing::ValuesIn(calls), testing::Bool()),
-                         [](const auto& info) {
-                           return std::get<0>(info.param).name +
-                                  std::string(std::get<1>(info.param) ? "OnAPlatformThatWaits" : "OnOneThatDoesNot");
+                         [](const auto& test) {
+                           return std::get<0>(test.param).name +
+                                  std::string(std::get<1>(test.param) ? "OnAPlatformThatWaits" : "OnOneThatDoesNot");
                          });
 
 using ACallbackInsideSubscribe = HandlerTest;
