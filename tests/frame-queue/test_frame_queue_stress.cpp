@@ -9,6 +9,7 @@
 
 #include <chrono>
 #include <map>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -56,13 +57,22 @@ void empty(FrameQueue& queue, Tally& tally) {
 
 class ManyThreads : public testing::TestWithParam<FrameQueuePolicy> {};
 
+std::string nameOf(const testing::TestParamInfo<FrameQueuePolicy>& test) {
+  switch (test.param) {
+    case FrameQueuePolicy::KeepLatest:
+      return "KeepLatest";
+    case FrameQueuePolicy::DropOldest:
+      return "DropOldest";
+    case FrameQueuePolicy::DropNewest:
+      return "DropNewest";
+  }
+  return "Unknown";
+}
+
 INSTANTIATE_TEST_SUITE_P(UnderEachPolicy, ManyThreads,
                          testing::Values(FrameQueuePolicy::KeepLatest, FrameQueuePolicy::DropOldest,
                                          FrameQueuePolicy::DropNewest),
-                         [](const auto& test) {
-                           const char* const names[] = {"KeepLatest", "DropOldest", "DropNewest"};
-                           return names[static_cast<int>(test.param)];
-                         });
+                         nameOf);
 
 TEST_P(ManyThreads, LoseNoFrameUncountedAndKeepEachCamerasOrder) {
   FrameQueue queue{4, GetParam()};
