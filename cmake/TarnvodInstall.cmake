@@ -45,5 +45,6 @@ endif()
 
 # The pkg-config module finds the prefix from where it lies itself.
 file(RELATIVE_PATH TARNVOD_PREFIX_FROM_MODULE "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
+string(REGEX REPLACE "/$" "" TARNVOD_PREFIX_FROM_MODULE "${TARNVOD_PREFIX_FROM_MODULE}")
 configure_file(cmake/tarnvod.pc.in "${PROJECT_BINARY_DIR}/tarnvod.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/tarnvod.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)

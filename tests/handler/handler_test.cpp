@@ -67,6 +67,7 @@ HandlerTest::~HandlerTest() {
   Handler::deinitialize();
   vod::host::liftAllFaults();
   for (int camera = 0; camera <= lastTestedCamera; ++camera) {
+    Handler::teardown(camera);  // the pending record of a failed update, or else the active one
     Handler::teardown(camera);
   }
   EXPECT_EQ(vod::host::liveSubscribers(), 0);
