@@ -1,0 +1,74 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#include "call_journal.h"
+
+#include <chrono>
+#include <stdexcept>
+#include <utility>
+
+namespace vod::host {
+
+std::uint64_t CallJournal::begin(const Call& call) {
+  const std::lock_guard lock(mutex_);
+  if (!recording_) {
+    return 0;
+  }
+  calls_.push_back(call);
+  ++changes_;
+  changed_.notify_all();
+  return firstNumber_ + calls_.size() - 1;
+}
+
+void CallJournal::end(std::uint64_t number, Call&& call) noexcept {
+  const std::lock_guard lock(mutex_);
+  if (number < firstNumber_) {
+    return;
+  }
+  calls_[number - firstNumber_] = std::move(call);
+  ++changes_;
+  changed_.notify_all();
+}
+
+void CallJournal::record(bool enabled) {
+  const std::lock_guard lock(mutex_);
+  recording_ = enabled;
+}
+
+bool CallJournal::isRecording() const {
+  const std::lock_guard lock(mutex_);
+  return recording_;
+}
+
+void CallJournal::clear() {
+  const std::lock_guard lock(mutex_);
+  firstNumber_ += calls_.size();
+  calls_.clear();
+  ++changes_;
+  changed_.notify_all();
+}
+
+std::vector<Call> CallJournal::calls() const {
+  const std::lock_guard lock(mutex_);
+  return calls_;
+}
+
+void CallJournal::waitFor(const std::function<bool(const std::vector<Call>&)>& predicate) {
+  const auto deadline = std::chrono::steady_clock::now() + waitTimeout;
+  std::unique_lock lock(mutex_);
+  while (true) {
+    const std::uint64_t seen = changes_;
+    const std::vector<Call> calls = calls_;
+    // A predicate may ask the journal itself.
+    lock.unlock();
+    if (predicate(calls)) {
+      return;
+    }
+    lock.lock();
+    if (!changed_.wait_until(lock, deadline, [&] { return changes_ != seen; })) {
+      throw std::runtime_error("the awaited calls have not come; the journal:\n" + lines(calls));
+    }
+  }
+}
+
+}  // namespace vod::host

@@ -1,0 +1,47 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#ifndef VOD_HOST_CALL_JOURNAL_H
+#define VOD_HOST_CALL_JOURNAL_H
+
+#include <vod_host.h>
+
+#include <condition_variable>
+#include <cstdint>
+#include <functional>
+#include <mutex>
+#include <vector>
+
+namespace vod::host {
+
+/** All calls in the order in which they began. Thread-safe. */
+class CallJournal {
+ public:
+  /** Enters a call; the number is for `end`. */
+  std::uint64_t begin(const Call& call);
+  /** Puts the call, now with its result, in the place of its beginning, unless the journal was cleared in between. */
+  void end(std::uint64_t number, Call&& call) noexcept;
+
+  void record(bool enabled);
+  bool isRecording() const;
+  void clear();
+  std::vector<Call> calls() const;
+  /** @throw std::runtime_error  when it does not come true within `waitTimeout` */
+  void waitFor(const std::function<bool(const std::vector<Call>&)>& predicate);
+
+ private:
+  mutable std::mutex mutex_;
+  std::condition_variable changed_;
+  // Guarded by mutex_:
+  bool recording_ = false;
+  std::vector<Call> calls_;
+  std::uint64_t firstNumber_ = 1;
+  std::uint64_t changes_ = 0;
+};
+
+/** The texts of calls, one a line, for messages. */
+std::string lines(const std::vector<Call>& calls);
+
+}  // namespace vod::host
+
+#endif

@@ -1,0 +1,55 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#ifndef VOD_HOST_DELIVERY_THREAD_H
+#define VOD_HOST_DELIVERY_THREAD_H
+
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <mutex>
+#include <thread>
+
+namespace vod::host {
+
+/** A thread of the platform: runs tasks, which call callbacks, one after the other. */
+class DeliveryThread {
+ public:
+  using Task = std::function<void()>;
+
+  DeliveryThread();
+  /** Waits for the task that runs; those that have not begun are gone. Not to be called on the thread itself. */
+  ~DeliveryThread();
+  DeliveryThread(const DeliveryThread&) = delete;
+  DeliveryThread& operator=(const DeliveryThread&) = delete;
+
+  void post(Task task);
+  /**
+   * Waits until every task posted before the call has returned, or never will run.
+   *
+   * @return false when the limit has passed first
+   */
+  bool drain(std::chrono::milliseconds limit);
+  /** Runs a task here, after those already posted, and returns when it has returned. The thread must outlive the call.
+   */
+  void run(const Task& task);
+
+ private:
+  void loop();
+
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  // Guarded by mutex_:
+  std::deque<Task> tasks_;
+  std::uint64_t posted_ = 0;
+  std::uint64_t done_ = 0;
+  bool ending_ = false;
+  // Last, so that it starts when all else is there.
+  std::thread thread_;
+};
+
+}  // namespace vod::host
+
+#endif

@@ -1,0 +1,27 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#include "detector_information_check.h"
+
+#include <tarnvod/video_object_detection.pb.h>
+
+#include "field_walk.h"
+#include "recording/recording.h"
+
+namespace vod::host {
+
+std::string readSoundDetectorInformation(const std::string& folder) {
+  std::string bytes = recording::readDetectorInformation(folder);
+  const std::size_t sound = walkFields(bytes, [](const Field& field) {
+    VOD::DetectorInformation message;
+    return message.ParseFromArray(field.bytes.data(), static_cast<int>(field.bytes.size()));
+  });
+  if (sound < bytes.size()) {
+    const std::string file = std::filesystem::path(folder) / recording::detectorInformationFileName;
+    throw recording::RecordingError(
+        toString(recording::Damage{file, static_cast<std::int64_t>(sound), "not a part of detector information"}));
+  }
+  return bytes;
+}
+
+}  // namespace vod::host

@@ -1,0 +1,72 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#include "environment.h"
+
+#include <charconv>
+#include <cmath>
+#include <cstdlib>
+#include <stdexcept>
+#include <string_view>
+
+#include "installed_recordings.h"
+
+namespace vod::host {
+
+namespace {
+
+[[noreturn]] void refuse(const char* variable, const std::string& value, const char* expected) {
+  throw std::invalid_argument(std::string(variable) + " is \"" + value + "\"; it must be " + expected);
+}
+
+std::vector<std::string> readFolders() {
+  const char* const value = std::getenv("TARNVOD_HOST_RECORDINGS");
+  if (value == nullptr) {
+    return installedRecordings();
+  }
+  std::vector<std::string> folders;
+  const std::string_view list = value;
+  for (std::size_t begin = 0; begin <= list.size();) {
+    const std::size_t end = std::min(list.find(':', begin), list.size());
+    if (begin == end) {
+      refuse("TARNVOD_HOST_RECORDINGS", value, "folders separated by colons, none of them empty");
+    }
+    folders.emplace_back(list.substr(begin, end - begin));
+    begin = end + 1;
+  }
+  return folders;
+}
+
+std::optional<double> readPace() {
+  const char* const value = std::getenv("TARNVOD_HOST_PACE");
+  if (value == nullptr) {
+    return 1.0;
+  }
+  const std::string_view text = value;
+  if (text == "max") {
+    return std::nullopt;
+  }
+  double pace = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), pace);
+  if (error != std::errc() || end != text.data() + text.size() || !std::isfinite(pace) || pace <= 0) {
+    refuse("TARNVOD_HOST_PACE", value, "a positive number or \"max\"");
+  }
+  return pace;
+}
+
+bool readLoop() {
+  const char* const value = std::getenv("TARNVOD_HOST_LOOP");
+  const std::string_view text = value == nullptr ? "1" : value;
+  if (text != "0" && text != "1") {
+    refuse("TARNVOD_HOST_LOOP", value, "0 or 1");
+  }
+  return text == "1";
+}
+
+}  // namespace
+
+Environment readEnvironment() {
+  return {readFolders(), {readPace(), readLoop()}};
+}
+
+}  // namespace vod::host

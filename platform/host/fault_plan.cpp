@@ -1,0 +1,118 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#include "fault_plan.h"
+
+#include <algorithm>
+#include <condition_variable>
+#include <limits>
+#include <utility>
+
+namespace vod::host {
+
+Fault::Fault(Function function) : function_(function) {}
+
+Fault& Fault::onCall(int call) {
+  first_ = last_ = call;
+  return *this;
+}
+
+Fault& Fault::fromCall(int call) {
+  first_ = call;
+  last_ = std::numeric_limits<int>::max();
+  return *this;
+}
+
+Fault& Fault::failsWith(int code) {
+  code_ = code;
+  return *this;
+}
+
+Fault& Fault::isDelayedBy(std::chrono::milliseconds delay) {
+  delay_ = delay;
+  return *this;
+}
+
+Fault& Fault::runs(std::function<void()> action) {
+  action_ = std::move(action);
+  return *this;
+}
+
+Fault& Fault::waitsAt(Gate gate) {
+  gate_ = std::move(gate);
+  return *this;
+}
+
+Fault& Fault::bringsServiceUp() {
+  bringsServiceUp_ = true;
+  return *this;
+}
+
+namespace {
+
+/** Not by nanosleep, which the tests of the library replace. */
+void pause(std::chrono::milliseconds time) {
+  std::mutex mutex;
+  std::condition_variable never;
+  std::unique_lock lock(mutex);
+  never.wait_for(lock, time, [] { return false; });
+}
+
+}  // namespace
+
+int FaultPlan::add(const Fault& fault) {
+  const std::lock_guard lock(mutex_);
+  planned_.push_back({++lastNumber_, fault});
+  return lastNumber_;
+}
+
+void FaultPlan::remove(int number) {
+  const std::lock_guard lock(mutex_);
+  planned_.erase(std::remove_if(planned_.begin(), planned_.end(),
+                                [number](const Planned& planned) { return planned.number == number; }),
+                 planned_.end());
+}
+
+void FaultPlan::clear() {
+  const std::lock_guard lock(mutex_);
+  planned_.clear();
+}
+
+std::optional<int> FaultPlan::meet(Function function, const std::function<void()>& bringServiceUp) {
+  std::optional<int> code;
+  for (const Fault& fault : count(function)) {
+    if (fault.action_) {
+      fault.action_();
+    }
+    if (fault.gate_) {
+      fault.gate_->pass();
+    }
+    if (fault.delay_.count() > 0) {
+      pause(fault.delay_);
+    }
+    if (fault.bringsServiceUp_) {
+      bringServiceUp();
+    }
+    if (!code) {
+      code = fault.code_;
+    }
+  }
+  return code;
+}
+
+std::vector<Fault> FaultPlan::count(Function function) {
+  const std::lock_guard lock(mutex_);
+  std::vector<Fault> met;
+  for (Planned& planned : planned_) {
+    if (planned.fault.function_ != function) {
+      continue;
+    }
+    ++planned.calls;
+    if (planned.fault.first_ <= planned.calls && planned.calls <= planned.fault.last_) {
+      met.push_back(planned.fault);
+    }
+  }
+  return met;
+}
+
+}  // namespace vod::host

@@ -1,0 +1,169 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+/**
+ * @file
+ * The part of the host platform's control interface that is about single calls of the C functions: faults that meet
+ * them, and the journal that keeps them. `<vod_host.h>` includes it.
+ */
+
+#ifndef VOD_HOST_CALLS_H
+#define VOD_HOST_CALLS_H
+
+#include <chrono>
+#include <cstddef>
+#include <functional>
+#include <iosfwd>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+/** Marks what the host platform exports beside the C interface. */
+#define VOD_HOST_EXPORT __attribute__((visibility("default")))
+
+namespace vod::host {
+
+/** How long a function of the control interface waits before it throws. */
+inline constexpr std::chrono::seconds waitTimeout{30};
+
+// ---- The C functions, by name ----
+
+/** One for each function of the C interface. */
+enum class Function {
+  Create,
+  Delete,
+  Subscribe,
+  Unsubscribe,
+  SetGetDetectionCallback,
+  SetTeardownCallback,
+  SetReceiveEmptyHits,
+  UseChannelConfiguration,
+  SetChannelConfiguration,
+  GetInformation,
+  GetNbrChannels,
+  GetNbrChannelsSimultaneously,
+  GetVersion,
+  ServiceIsEnabled,
+};
+inline constexpr std::size_t functionCount = 14;
+
+/** The C name without its prefix: `set_receive_empty_hits`. */
+VOD_HOST_EXPORT const char* name(Function function);
+VOD_HOST_EXPORT std::ostream& operator<<(std::ostream& out, Function function);
+
+// ---- Faults ----
+
+/** A known place at which a call waits until the test lets it go on. Copies are the same gate. Opened also by `reset`.
+ */
+class VOD_HOST_EXPORT Gate {
+ public:
+  Gate();
+  /** Waits until a call stands at the gate, or has stood there. */
+  void waitUntilReached() const;
+  /** Lets the calls at the gate go on, and all that come later. */
+  void open() const;
+  /** Stands at the gate until it is open. Faults do this; a test's own callback may do so too. */
+  void pass() const;
+  /** Opens every gate there is. */
+  static void openAll();
+
+ private:
+  struct State;
+  struct List;
+  explicit Gate(std::shared_ptr<State> state);
+
+  std::shared_ptr<State> state_;
+};
+
+/**
+ * What happens to which calls of a function. Calls are counted from 1, beginning when the fault is planned; without a
+ * choice it is the first. All that is set happens, in this order and before the call does its work: run, gate, delay,
+ * service up, failure.
+ */
+class VOD_HOST_EXPORT Fault {
+ public:
+  explicit Fault(Function function);
+
+  Fault& onCall(int call);
+  /** This call and all after it, until the fault is lifted. */
+  Fault& fromCall(int call);
+  /** All calls until the fault is lifted. */
+  Fault& always() { return fromCall(1); }
+
+  /**
+   * The call returns this code and does nothing, except that `delete` still releases the subscriber. A code of 0 lets
+   * the call succeed without doing anything. `service_is_enabled` returns whether the code is not 0.
+   */
+  Fault& failsWith(int code);
+  Fault& isDelayedBy(std::chrono::milliseconds delay);
+  /** Runs on the calling thread, with no lock of the platform held. */
+  Fault& runs(std::function<void()> action);
+  Fault& waitsAt(Gate gate);
+  /** The service comes back while the call runs; with a failure: too late for this one. */
+  Fault& bringsServiceUp();
+
+ private:
+  friend class FaultPlan;
+  Function function_;
+  int first_ = 1;
+  int last_ = 1;
+  std::optional<int> code_;
+  std::chrono::milliseconds delay_{0};
+  std::function<void()> action_;
+  std::optional<Gate> gate_;
+  bool bringsServiceUp_ = false;
+};
+
+/** Adds a fault to the plan; the number is for `lift`. Of several that meet one call all happen, and the first code
+ * counts. */
+VOD_HOST_EXPORT int plan(const Fault& fault);
+/** Takes a fault out of the plan. Calls that already stand at its gate stay there until the gate opens. */
+VOD_HOST_EXPORT void lift(int fault);
+VOD_HOST_EXPORT void liftAllFaults();
+
+// ---- The journal ----
+
+/** One call of the C interface. */
+struct VOD_HOST_EXPORT Call {
+  Function function;
+  /** The subscriber's number: for `create` the new one; 0 where there is none, or when the handle is not a live one. */
+  int subscriber = 0;
+  /** Of `create` and `set_channel_configuration`. */
+  std::optional<int> channel;
+  /** Of the two functions that take a flag. */
+  std::optional<bool> flag;
+  /** The bytes given to `set_channel_configuration`. */
+  std::string bytes;
+  /** The user data given to `create`. */
+  void* userData = nullptr;
+  /** What the call returned; none while it runs. */
+  std::optional<int> result;
+
+  /**
+   * The call with its arguments on one line: `create(channel=0)`, `subscribe(#1)`, `set_receive_empty_hits(#1, true)`,
+   * `set_channel_configuration(channel=0, roi=[0.1, 0.2, 0.3, 0.4])`, `get_information(#2)`, `get_version()`. A
+   * configuration without a region prints as its bytes in hexadecimal; a handle that is not a live one as `#gone`, a
+   * null one as `null`.
+   */
+  std::string text() const;
+  /** Set by the platform: how `text` names the handle. */
+  std::string handle;
+};
+VOD_HOST_EXPORT std::ostream& operator<<(std::ostream& out, const Call& call);
+
+/** The texts of all calls since the journal was cleared, in the order in which they began. */
+VOD_HOST_EXPORT std::vector<std::string> journal();
+/** The same calls with all that is known of them. */
+VOD_HOST_EXPORT std::vector<Call> calls();
+VOD_HOST_EXPORT void clearJournal();
+/** Whether calls are recorded: not in a process that never called `reset`. Frames never are. */
+VOD_HOST_EXPORT void recordCalls(bool enabled);
+/** Waits until the predicate is true of the calls; it is asked at once and whenever a call begins or returns. */
+VOD_HOST_EXPORT void waitForCalls(const std::function<bool(const std::vector<Call>&)>& predicate);
+/** Waits until so many calls of the function have returned since the journal was cleared. */
+VOD_HOST_EXPORT void waitForReturned(Function function, int count);
+
+}  // namespace vod::host
+
+#endif

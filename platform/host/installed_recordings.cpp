@@ -1,0 +1,34 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#include "installed_recordings.h"
+
+#include <dlfcn.h>
+
+#include <filesystem>
+#include <system_error>
+
+namespace vod::host {
+
+namespace {
+
+/** Where this library is, links resolved; the recordings lie at a fixed place relative to it, wherever both were put.
+ */
+std::filesystem::path libraryFolder() {
+  Dl_info info{};
+  if (::dladdr(reinterpret_cast<const void*>(&installedRecordings), &info) == 0 || info.dli_fname == nullptr) {
+    return {};
+  }
+  std::error_code ignored;  // What cannot be resolved is tried as it is.
+  const std::filesystem::path library = std::filesystem::weakly_canonical(info.dli_fname, ignored);
+  return (library.empty() ? std::filesystem::path(info.dli_fname) : library).parent_path();
+}
+
+}  // namespace
+
+std::vector<std::string> installedRecordings() {
+  const std::filesystem::path folder = (libraryFolder() / VOD_HOST_RECORDINGS_FROM_LIBRARY).lexically_normal();
+  return {folder / "street", folder / "street-mirrored"};
+}
+
+}  // namespace vod::host

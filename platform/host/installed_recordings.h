@@ -1,0 +1,17 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#ifndef VOD_HOST_INSTALLED_RECORDINGS_H
+#define VOD_HOST_INSTALLED_RECORDINGS_H
+
+#include <string>
+#include <vector>
+
+namespace vod::host {
+
+/** The recordings that are installed with this library, one for each channel, whether or not they are there. */
+std::vector<std::string> installedRecordings();
+
+}  // namespace vod::host
+
+#endif

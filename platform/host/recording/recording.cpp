@@ -1,0 +1,40 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#include "recording/recording.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+
+namespace vod::recording {
+
+std::string toString(const Damage& damage) {
+  return damage.file + ": offset " + std::to_string(damage.offset) + ": " + damage.what;
+}
+
+std::ostream& operator<<(std::ostream& out, const Damage& damage) {
+  return out << toString(damage);
+}
+
+std::string readDetectorInformation(const std::filesystem::path& folder) {
+  const std::string file = folder / detectorInformationFileName;
+  std::ifstream stream(file, std::ios::binary);
+  if (!stream) {
+    throw RecordingError(file + ": " + std::strerror(errno));
+  }
+  // One byte more than allowed tells a file of the greatest length from a longer one.
+  std::string bytes;
+  for (char block[4096]; stream.read(block, sizeof block), stream.gcount() > 0 && bytes.size() <= maximumMessageSize;) {
+    bytes.append(block, static_cast<std::size_t>(stream.gcount()));
+  }
+  if (stream.bad()) {
+    throw RecordingError(file + ": cannot be read");
+  }
+  if (bytes.size() > maximumMessageSize) {
+    throw RecordingError(file + ": longer than the " + std::to_string(maximumMessageSize) + " bytes allowed");
+  }
+  return bytes;
+}
+
+}  // namespace vod::recording

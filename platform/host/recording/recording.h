@@ -1,0 +1,56 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+/**
+ * @file
+ * A recording: a folder that holds what one camera's service said. Its detector information stands in
+ * `detector-information.pb`, its scenes in `scenes.pb`, each preceded by its length as a varint. What the messages hold
+ * is of no interest here: bytes go in and the same bytes come out.
+ */
+
+#ifndef VOD_RECORDING_RECORDING_H
+#define VOD_RECORDING_RECORDING_H
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <ostream>
+#include <stdexcept>
+#include <string>
+
+namespace vod::recording {
+
+inline constexpr const char* detectorInformationFileName = "detector-information.pb";
+inline constexpr const char* scenesFileName = "scenes.pb";
+
+/** The longest message that is read or written: far beyond any scene, and a bound on memory for a damaged length. */
+inline constexpr std::size_t maximumMessageSize = 16U << 20U;
+
+/** Something in a recording that cannot be read. */
+struct Damage {
+  std::string file;
+  /** In bytes from the start of the file, where the message begins that is damaged. */
+  std::int64_t offset = 0;
+  std::string what;
+};
+
+/** One line: `FILE: offset N: WHAT`. */
+std::string toString(const Damage& damage);
+std::ostream& operator<<(std::ostream& out, const Damage& damage);
+
+/** A recording that cannot be opened or written; `what()` is one line that names the file. */
+class RecordingError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/**
+ * The bytes of a recording's detector information.
+ *
+ * @throw RecordingError  when the file is missing, cannot be read or is longer than `maximumMessageSize`
+ */
+std::string readDetectorInformation(const std::filesystem::path& folder);
+
+}  // namespace vod::recording
+
+#endif

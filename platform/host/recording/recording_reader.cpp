@@ -1,0 +1,94 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#include "recording/recording_reader.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <utility>
+
+namespace vod::recording {
+
+using google::protobuf::io::CodedInputStream;
+
+namespace {
+
+std::unique_ptr<std::istream> openScenes(const std::filesystem::path& file) {
+  auto stream = std::make_unique<std::ifstream>(file, std::ios::binary);
+  if (!*stream) {
+    throw RecordingError(file.string() + ": " + std::strerror(errno));
+  }
+  return stream;
+}
+
+}  // namespace
+
+RecordingReader::RecordingReader(const std::filesystem::path& folder)
+    : RecordingReader(openScenes(folder / scenesFileName), folder / scenesFileName) {}
+
+RecordingReader::RecordingReader(std::unique_ptr<std::istream> source, std::string name, std::size_t maximumSize)
+    : source_(std::move(source)), name_(std::move(name)), maximumSize_(maximumSize), stream_(source_.get()) {}
+
+NextScene RecordingReader::next() {
+  if (last_) {
+    return *last_;
+  }
+  NextScene scene = readNext();
+  if (!std::holds_alternative<RecordedScene>(scene)) {
+    last_ = scene;
+  }
+  return scene;
+}
+
+NextScene RecordingReader::readNext() {
+  offset_ = stream_.ByteCount();
+  // A coded stream counts no further than 2 GB: each message gets its own, which gives back what it did not use.
+  CodedInputStream input(&stream_);
+  const void* data = nullptr;
+  int size = 0;
+  if (!input.GetDirectBufferPointer(&data, &size)) {
+    return endOrReadError();
+  }
+  std::uint32_t length = 0;
+  if (auto damage = readLength(input, length)) {
+    return *std::move(damage);
+  }
+  RecordedScene scene;
+  scene.offset = offset_;
+  // Grows with what is really there, whatever the prefix says.
+  if (!input.ReadString(&scene.bytes, static_cast<int>(length))) {
+    return damageHere("a message of " + std::to_string(length) + " bytes is cut off after " +
+                      std::to_string(scene.bytes.size()));
+  }
+  return scene;
+}
+
+std::optional<Damage> RecordingReader::readLength(CodedInputStream& input, std::uint32_t& length) const {
+  std::uint64_t prefix = 0;
+  if (!input.ReadVarint64(&prefix)) {
+    char following = 0;
+    const bool tooLong = input.ReadRaw(&following, 1);
+    return damageHere(tooLong ? "the length of a message is not a valid varint"
+                              : "the file ends within the length of a message");
+  }
+  if (prefix > maximumSize_) {
+    return damageHere("a message of " + std::to_string(prefix) + " bytes is longer than the " +
+                      std::to_string(maximumSize_) + " bytes allowed");
+  }
+  length = static_cast<std::uint32_t>(prefix);
+  return std::nullopt;
+}
+
+NextScene RecordingReader::endOrReadError() const {
+  if (source_->bad()) {
+    return damageHere("cannot be read");
+  }
+  return EndOfRecording();
+}
+
+Damage RecordingReader::damageHere(std::string what) const {
+  return {name_, offset_, std::move(what)};
+}
+
+}  // namespace vod::recording

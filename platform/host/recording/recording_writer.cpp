@@ -1,0 +1,102 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#include "recording/recording_writer.h"
+
+#include <fcntl.h>
+#include <google/protobuf/io/coded_stream.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <system_error>
+
+#include "recording/recording.h"
+
+namespace vod::recording {
+
+using google::protobuf::io::CodedOutputStream;
+
+namespace {
+
+[[noreturn]] void fail(const std::filesystem::path& file, int error) {
+  throw RecordingError(file.string() + ": " + std::strerror(error));
+}
+
+int createFile(const std::filesystem::path& file) {
+  constexpr mode_t permissions = 0666;
+  const int descriptor = ::open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_APPEND | O_CLOEXEC, permissions);
+  if (descriptor < 0) {
+    fail(file, errno);
+  }
+  return descriptor;
+}
+
+/** Returns 0 or what went wrong. */
+int writeAll(int descriptor, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
+    if (written < 0 && errno != EINTR) {
+      return errno;
+    }
+    bytes.remove_prefix(written < 0 ? 0 : static_cast<std::size_t>(written));
+  }
+  return 0;
+}
+
+void checkSize(const std::filesystem::path& file, std::string_view message) {
+  if (message.size() > maximumMessageSize) {
+    throw RecordingError(file.string() + ": a message of " + std::to_string(message.size()) +
+                         " bytes is longer than the " + std::to_string(maximumMessageSize) + " bytes allowed");
+  }
+}
+
+void writeDetectorInformation(const std::filesystem::path& file, std::string_view bytes) {
+  checkSize(file, bytes);
+  const int descriptor = createFile(file);
+  const int error = writeAll(descriptor, bytes);
+  if (::close(descriptor) != 0 || error != 0) {
+    fail(file, error != 0 ? error : errno);
+  }
+}
+
+std::string delimited(std::string_view message) {
+  std::array<std::uint8_t, 5> prefix{};
+  const std::uint8_t* const end =
+      CodedOutputStream::WriteVarint32ToArray(static_cast<std::uint32_t>(message.size()), prefix.data());
+  std::string bytes(static_cast<const std::uint8_t*>(prefix.data()), end);
+  return bytes.append(message);
+}
+
+}  // namespace
+
+RecordingWriter::RecordingWriter(const std::filesystem::path& folder, std::string_view detectorInformation)
+    : scenesFile_(folder / scenesFileName) {
+  std::error_code error;
+  std::filesystem::create_directories(folder, error);
+  if (error) {
+    throw RecordingError(folder.string() + ": " + error.message());
+  }
+  writeDetectorInformation(folder / detectorInformationFileName, detectorInformation);
+  scenes_ = createFile(scenesFile_);
+}
+
+RecordingWriter::~RecordingWriter() {
+  ::close(scenes_);
+}
+
+void RecordingWriter::append(std::string_view scene) {
+  checkSize(scenesFile_, scene);
+  const std::string bytes = delimited(scene);
+  if (const int error = writeAll(scenes_, bytes)) {
+    // A disk that is full takes a part; what follows it could not be read.
+    if (::ftruncate(scenes_, size_) != 0) {
+      throw RecordingError(scenesFile_.string() + ": " + std::strerror(error) + ", and its last message is cut off");
+    }
+    fail(scenesFile_, error);
+  }
+  size_ += static_cast<std::int64_t>(bytes.size());
+}
+
+}  // namespace vod::recording

@@ -1,0 +1,60 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#ifndef VOD_HOST_REPLAYER_H
+#define VOD_HOST_REPLAYER_H
+
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+
+#include "playback.h"
+
+namespace vod::host {
+
+/** A thread that plays one recording at a time. */
+class Replayer {
+ public:
+  /** Delivers a scene of the replay of that number; returns when the callbacks have. */
+  using Deliver = std::function<void(int replay, const std::string& scene)>;
+
+  explicit Replayer(Deliver deliver);
+  /** Stops and waits for the delivery that may run. Not to be called on the thread itself. */
+  ~Replayer();
+  Replayer(const Replayer&) = delete;
+  Replayer& operator=(const Replayer&) = delete;
+
+  /** Plays this instead of what is playing; `replay`, never 0, is handed to `Deliver`. */
+  void start(int replay, std::unique_ptr<Playback> playback);
+  void stop();
+  /**
+   * Waits until what was started has been delivered to its end.
+   *
+   * @return false when the limit has passed first
+   */
+  bool waitForEnd(std::chrono::milliseconds limit);
+
+ private:
+  void loop();
+  void play(int replay, Playback& playback);
+  bool waitUntilDue(int replay, std::chrono::steady_clock::time_point due);
+
+  const Deliver deliver_;
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  // Guarded by mutex_:
+  std::unique_ptr<Playback> next_;
+  int replay_ = 0;
+  bool ended_ = false;
+  bool ending_ = false;
+  // Last, so that it starts when all else is there.
+  std::thread thread_;
+};
+
+}  // namespace vod::host
+
+#endif

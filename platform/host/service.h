@@ -1,0 +1,113 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#ifndef VOD_HOST_SERVICE_H
+#define VOD_HOST_SERVICE_H
+
+#include <vod_host.h>
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "call_journal.h"
+#include "fault_plan.h"
+#include "service_state.h"
+
+namespace vod::host {
+
+/** What the C functions return beside 0. */
+namespace status {
+constexpr int ok = 0;
+constexpr int serviceDown = -1;
+constexpr int noSuchChannel = -2;
+constexpr int badHandle = -3;
+constexpr int badArgument = -4;
+constexpr int badRecording = -5;
+constexpr int alreadySubscribed = -6;
+constexpr int outOfMemory = -7;
+}  // namespace status
+
+/** What the test wants to run around every call of the C interface. */
+struct CallObserver {
+  std::atomic<void (*)()> entering{nullptr};
+  std::atomic<void (*)()> leaving{nullptr};
+};
+
+/**
+ * The service of this process. All functions are thread-safe; none holds a lock while a callback runs.
+ *
+ * Locks are taken in this order: the service's, then that of a subscriber, a thread or the journal.
+ */
+class Service {
+ public:
+  /** Never destroyed: its threads may still run while the process ends. */
+  static Service& instance();
+
+  FaultPlan faults;
+  CallJournal journal;
+  CallObserver observer;
+
+  // ---- For the C interface ----
+
+  int create(Handle* handle, void* userData, int channel, int& number);
+  int release(Handle* handle);
+  int subscribe(const std::shared_ptr<Subscriber>& subscriber);
+  int unsubscribe(const std::shared_ptr<Subscriber>& subscriber);
+  int setChannelConfiguration(int channel, const std::string& configuration, std::string& error);
+  int information(const Subscriber& subscriber, std::optional<std::string>& bytes, std::size_t& length,
+                  std::string& error);
+  int channelCounts(ServiceState::Counts& counts);
+  /** Null, and counted, when the handle is not a live one. */
+  std::shared_ptr<Subscriber> find(Handle handle);
+  /** How the journal names the handle; `number` becomes the subscriber's, if there is one. */
+  std::string describe(Handle handle, int& number);
+
+  // ---- For the control interface ----
+
+  void reset();
+  void makeChannel(int channel);
+  void requireChannel(int channel);
+  void changeChannel(int channel, const std::function<void(ChannelState&)>& change);
+  /** Reads or changes a setting. */
+  void access(const std::function<void(ServiceState&)>& access);
+  void feedFromRecording(int channel, std::string folder, Replay replay);
+
+  void push(int channel, std::string bytes, Frame frame);
+  void deliverHere(int channel, const Frame& frame);
+  void dropSubscriptions(int channel);
+  void takeDown();
+  void bringUp();
+
+  void drain();
+  void waitForEndOfRecording(int channel);
+
+ private:
+  using Lock = std::unique_lock<std::mutex>;
+
+  void configure(const Lock& lock);
+  ChannelState* findChannel(const Lock& lock, int channel);
+  ChannelState& channelAt(const Lock& lock, int channel);
+  int join(const std::shared_ptr<Subscriber>& subscriber, int subscription);
+  void leave(const Lock& lock, const std::shared_ptr<Subscriber>& subscriber);
+  void waitForCallbacks(Subscriber& subscriber, Function function);
+
+  int startReplay(const Lock& lock, int number, ChannelState& channel);
+  void stopReplay(const Lock& lock, ChannelState& channel);
+  void deliverReplayed(int channel, int replay, const std::string& scene);
+  void drop(const Lock& lock, ChannelState& channel);
+  DeliveryThread& threadOf(const Lock& lock, ChannelState& channel);
+
+  std::mutex mutex_;
+  // Guarded by mutex_:
+  ServiceState state_;
+  std::uintptr_t lastHandle_ = 0;
+  int lastReplay_ = 0;
+};
+
+}  // namespace vod::host
+
+#endif

@@ -1,0 +1,288 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+// What the C interface asks of the service.
+
+#include <algorithm>
+#include <filesystem>
+#include <stdexcept>
+#include <system_error>
+#include <utility>
+
+#include "detector_information_check.h"
+#include "diagnostics.h"
+#include "environment.h"
+#include "service.h"
+
+namespace vod::host {
+
+namespace {
+
+/**
+ * A handle that was never given out before: nobody looks behind it, and a handle that is used after `delete` is
+ * recognised whatever was created since.
+ */
+Handle handleOf(std::uintptr_t number) {
+  constexpr std::uintptr_t alignment = 16;  // As if there were something behind it.
+  return reinterpret_cast<Handle>(number * alignment);
+}
+
+bool isThere(const std::string& folder) {
+  std::error_code error;
+  if (std::filesystem::is_directory(folder, error)) {
+    return true;
+  }
+  report(folder + ": " + (error ? error.message() : "not a recording folder"));
+  return false;
+}
+
+}  // namespace
+
+int Service::create(Handle* handle, void* userData, int channel, int& number) {
+  if (handle == nullptr) {
+    return status::badArgument;
+  }
+  const Lock lock(mutex_);
+  if (state_.isDown) {
+    return status::serviceDown;
+  }
+  const ChannelState* const served = findChannel(lock, channel);
+  if (served == nullptr) {
+    return status::noSuchChannel;
+  }
+  if (served->folder && !isThere(*served->folder)) {
+    return status::badRecording;
+  }
+  const auto subscriber = std::make_shared<Subscriber>(state_.lastSubscriber + 1, channel, userData);
+  if (journal.isRecording()) {
+    state_.known.push_back(subscriber);
+  }
+  state_.subscribers.emplace(handleOf(lastHandle_ + 1), subscriber);
+  *handle = handleOf(++lastHandle_);
+  number = ++state_.lastSubscriber;
+  return status::ok;
+}
+
+int Service::release(Handle* handle) {
+  if (handle == nullptr) {
+    return status::badArgument;
+  }
+  std::shared_ptr<Subscriber> subscriber;
+  {
+    const Lock lock(mutex_);
+    const auto entry = state_.subscribers.find(*handle);
+    if (entry == state_.subscribers.end()) {
+      ++state_.callsWithBadHandles;
+      return status::badHandle;
+    }
+    subscriber = std::move(entry->second);
+    state_.subscribers.erase(entry);
+    leave(lock, subscriber);
+    subscriber->close();
+  }
+  *handle = nullptr;
+  waitForCallbacks(*subscriber, Function::Delete);
+  return status::ok;
+}
+
+int Service::subscribe(const std::shared_ptr<Subscriber>& subscriber) {
+  std::optional<std::string> scene;
+  {
+    const Lock lock(mutex_);
+    if (state_.isDown) {
+      return status::serviceDown;
+    }
+    scene = state_.sceneDuringSubscribe;
+  }
+  const int subscription = subscriber->subscribe();
+  if (subscription == 0) {
+    return status::alreadySubscribed;
+  }
+  if (scene) {
+    subscriber->deliver(subscription, frameOf(*scene), std::nullopt);
+  }
+  const int result = join(subscriber, subscription);
+  if (result != status::ok) {
+    subscriber->unsubscribe();
+  }
+  return result;
+}
+
+int Service::join(const std::shared_ptr<Subscriber>& subscriber, int subscription) {
+  const Lock lock(mutex_);
+  if (state_.isDown) {
+    return status::serviceDown;
+  }
+  ChannelState* const channel = findChannel(lock, subscriber->channel());
+  if (channel == nullptr) {
+    return status::noSuchChannel;
+  }
+  if (channel->targets->empty() && channel->folder) {
+    if (const int result = startReplay(lock, subscriber->channel(), *channel); result != status::ok) {
+      return result;
+    }
+  }
+  auto targets = *channel->targets;
+  targets.push_back({subscriber, subscription});
+  channel->targets = std::make_shared<std::vector<Target>>(std::move(targets));
+  return status::ok;
+}
+
+int Service::unsubscribe(const std::shared_ptr<Subscriber>& subscriber) {
+  {
+    const Lock lock(mutex_);
+    leave(lock, subscriber);
+    subscriber->unsubscribe();
+  }
+  waitForCallbacks(*subscriber, Function::Unsubscribe);
+  return status::ok;
+}
+
+void Service::leave(const Lock& lock, const std::shared_ptr<Subscriber>& subscriber) {
+  const auto channel = state_.channels.find(subscriber->channel());
+  if (channel == state_.channels.end()) {
+    return;
+  }
+  auto targets = *channel->second.targets;
+  targets.erase(std::remove_if(targets.begin(), targets.end(),
+                               [&](const Target& target) { return target.subscriber == subscriber; }),
+                targets.end());
+  if (targets.empty()) {
+    stopReplay(lock, channel->second);
+  }
+  channel->second.targets = std::make_shared<std::vector<Target>>(std::move(targets));
+}
+
+void Service::waitForCallbacks(Subscriber& subscriber, Function function) {
+  Lock lock(mutex_);
+  const bool waits = state_.waitsForCallbacks;
+  const auto limit = state_.waitLimit;
+  lock.unlock();
+  if (waits && !subscriber.waitForCallbacks(limit)) {
+    report(std::string(name(function)) + ": a callback of subscriber #" + std::to_string(subscriber.number()) +
+           " still runs after " + std::to_string(limit.count()) + " ms; no longer waiting for it");
+  }
+}
+
+int Service::setChannelConfiguration(int channel, const std::string& configuration, std::string& error) {
+  const Lock lock(mutex_);
+  if (state_.isDown) {
+    error = "the service is down";
+    return status::serviceDown;
+  }
+  ChannelState* const configured = findChannel(lock, channel);
+  if (configured == nullptr) {
+    error = "no such channel";
+    return status::noSuchChannel;
+  }
+  const auto read = readChannelConfiguration(configuration);
+  if (!read) {
+    error = "not a channel configuration";
+    return status::badArgument;
+  }
+  configured->region = read->region;
+  return status::ok;
+}
+
+int Service::information(const Subscriber& subscriber, std::optional<std::string>& bytes, std::size_t& length,
+                         std::string& error) {
+  std::string folder;
+  {
+    const Lock lock(mutex_);
+    if (state_.isDown) {
+      error = "the service is down";
+      return status::serviceDown;
+    }
+    const ChannelState* const channel = findChannel(lock, subscriber.channel());
+    if (channel == nullptr) {
+      error = "no such channel";
+      return status::noSuchChannel;
+    }
+    if (channel->nullInformation) {
+      length = 0;
+      return status::ok;
+    }
+    if (channel->information || !channel->folder) {
+      bytes = channel->information.value_or("");
+      length = channel->reportedInformationLength.value_or(bytes->size());
+      return status::ok;
+    }
+    folder = *channel->folder;
+  }
+  try {
+    bytes = readSoundDetectorInformation(folder);
+    length = bytes->size();
+    return status::ok;
+  } catch (const std::runtime_error& failure) {
+    error = failure.what();
+    report(error);
+    return status::badRecording;
+  }
+}
+
+int Service::channelCounts(ServiceState::Counts& counts) {
+  const Lock lock(mutex_);
+  if (state_.isDown) {
+    return status::serviceDown;
+  }
+  configure(lock);
+  if (!state_.counts && !state_.configurationError.empty()) {
+    report(state_.configurationError);
+    return status::noSuchChannel;
+  }
+  const auto channels = static_cast<std::uint32_t>(state_.channels.size());
+  counts = state_.counts.value_or(ServiceState::Counts{channels, channels});
+  return status::ok;
+}
+
+void Service::configure(const Lock& /*held*/) {
+  if (state_.isConfigured) {
+    return;
+  }
+  state_.isConfigured = true;
+  try {
+    const Environment environment = readEnvironment();
+    for (const std::string& folder : environment.folders) {
+      ChannelState& channel = state_.channels[static_cast<int>(state_.channels.size())];
+      channel.folder = folder;
+      channel.replay = environment.replay;
+    }
+  } catch (const std::invalid_argument& error) {
+    state_.configurationError = error.what();
+  }
+}
+
+ChannelState* Service::findChannel(const Lock& lock, int channel) {
+  configure(lock);
+  if (!state_.configurationError.empty()) {
+    report(state_.configurationError);
+    return nullptr;
+  }
+  const auto found = state_.channels.find(channel);
+  return found == state_.channels.end() ? nullptr : &found->second;
+}
+
+std::shared_ptr<Subscriber> Service::find(Handle handle) {
+  const Lock lock(mutex_);
+  const auto found = state_.subscribers.find(handle);
+  if (found == state_.subscribers.end()) {
+    ++state_.callsWithBadHandles;
+    return nullptr;
+  }
+  return found->second;
+}
+
+std::string Service::describe(Handle handle, int& number) {
+  if (handle == nullptr) {
+    return "null";
+  }
+  const Lock lock(mutex_);
+  const auto found = state_.subscribers.find(handle);
+  if (found == state_.subscribers.end()) {
+    return "#gone";
+  }
+  number = found->second->number();
+  return '#' + std::to_string(number);
+}
+
+}  // namespace vod::host

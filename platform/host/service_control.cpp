@@ -1,0 +1,89 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+// What the control interface asks of the service.
+
+#include <stdexcept>
+#include <utility>
+
+#include "callback_exceptions.h"
+#include "service.h"
+
+namespace vod::host {
+
+Service& Service::instance() {
+  static auto& service = *new Service;
+  return service;
+}
+
+void Service::reset() {
+  faults.clear();
+  Gate::openAll();
+  ServiceState gone;
+  {
+    const Lock lock(mutex_);
+    std::swap(gone, state_);
+  }
+  for (const auto& [handle, subscriber] : gone.subscribers) {
+    subscriber->close();
+  }
+  for (auto& [number, channel] : gone.channels) {
+    // Before the threads: it may wait for the one that all channels share.
+    channel.replayer.reset();
+  }
+  for (const auto& [handle, subscriber] : gone.subscribers) {
+    if (!subscriber->waitForCallbacks(waitTimeout)) {
+      throw std::runtime_error("a callback of subscriber #" + std::to_string(subscriber->number()) +
+                               " has not returned; the journal:\n" + lines(journal.calls()));
+    }
+  }
+  observer.entering = nullptr;
+  observer.leaving = nullptr;
+  callbackExceptions.areCaught = false;
+  callbackExceptions.caught = 0;
+  journal.clear();
+  journal.record(true);
+}
+
+void Service::makeChannel(int channel) {
+  const Lock lock(mutex_);
+  state_.isConfigured = true;
+  state_.channels.try_emplace(channel);
+}
+
+void Service::requireChannel(int channel) {
+  const Lock lock(mutex_);
+  configure(lock);
+  channelAt(lock, channel);
+}
+
+ChannelState& Service::channelAt(const Lock& /*held*/, int channel) {
+  const auto found = state_.channels.find(channel);
+  if (found == state_.channels.end()) {
+    throw std::out_of_range("there is no channel " + std::to_string(channel));
+  }
+  return found->second;
+}
+
+void Service::changeChannel(int channel, const std::function<void(ChannelState&)>& change) {
+  const Lock lock(mutex_);
+  change(channelAt(lock, channel));
+}
+
+void Service::feedFromRecording(int number, std::string folder, Replay replay) {
+  const Lock lock(mutex_);
+  ChannelState& channel = channelAt(lock, number);
+  stopReplay(lock, channel);
+  channel.folder = std::move(folder);
+  channel.replay = replay;
+  if (!channel.targets->empty() && startReplay(lock, number, channel) != status::ok) {
+    throw std::runtime_error(*channel.folder + ": cannot be played");
+  }
+}
+
+void Service::access(const std::function<void(ServiceState&)>& access) {
+  const Lock lock(mutex_);
+  access(state_);
+}
+
+}  // namespace vod::host

@@ -1,0 +1,85 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#ifndef VOD_HOST_SERVICE_STATE_H
+#define VOD_HOST_SERVICE_STATE_H
+
+#include <vod_host.h>
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "delivery_thread.h"
+#include "replayer.h"
+#include "scene_filter.h"
+#include "subscriber.h"
+
+namespace vod::host {
+
+using Handle = video_object_detection_subscriber_st*;
+
+/** Whom a scene or a teardown is meant for. */
+struct Target {
+  std::shared_ptr<Subscriber> subscriber;
+  int subscription;
+};
+/** Replaced, never changed: scenes on their way share it. */
+using Targets = std::shared_ptr<const std::vector<Target>>;
+
+struct ChannelState {
+  std::optional<std::string> information;
+  std::optional<std::size_t> reportedInformationLength;
+  bool nullInformation = false;
+
+  std::optional<std::string> folder;
+  Replay replay;
+
+  /** The channel's configuration. */
+  std::optional<Region> region;
+  Targets targets = std::make_shared<std::vector<Target>>();
+
+  std::shared_ptr<DeliveryThread> thread;
+  std::shared_ptr<Replayer> replayer;
+  /** The replay whose scenes are delivered; 0 when there is none. */
+  int replayNumber = 0;
+};
+
+/** All that `reset` returns to its beginning, settings and what they govern. */
+struct ServiceState {
+  std::map<int, ChannelState> channels;
+  /** Whether the channels are decided, by the control interface or by the environment. */
+  bool isConfigured = false;
+  std::string configurationError;
+
+  std::map<Handle, std::shared_ptr<Subscriber>> subscribers;
+  /** Those created while calls were recorded, also the deleted ones. */
+  std::vector<std::shared_ptr<Subscriber>> known;
+  int lastSubscriber = 0;
+  int callsWithBadHandles = 0;
+
+  bool isDown = false;
+  bool isEnabled = true;
+  int major = 1;
+  int minor = 0;
+  struct Counts {
+    std::uint32_t channels, simultaneously;
+  };
+  std::optional<Counts> counts;
+
+  bool waitsForCallbacks = true;
+  std::chrono::milliseconds waitLimit = callbackWaitLimit;
+  Threads threads = Threads::OnePerChannel;
+  std::optional<std::string> sceneDuringSubscribe;
+  bool teardownBesideDetection = false;
+
+  /** The thread of all channels, and that of hostile teardowns. */
+  std::shared_ptr<DeliveryThread> sharedThread;
+  std::shared_ptr<DeliveryThread> teardownThread;
+};
+
+}  // namespace vod::host
+
+#endif

@@ -1,0 +1,88 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#ifndef VOD_HOST_SUBSCRIBER_H
+#define VOD_HOST_SUBSCRIBER_H
+
+#include <vod_host.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <optional>
+#include <thread>
+#include <vector>
+
+#include "scene_filter.h"
+
+namespace vod::host {
+
+/**
+ * One connection to a channel. Its callbacks never run side by side, except that a hostile teardown may run beside a
+ * detection. All functions are thread-safe; callbacks run without its lock.
+ *
+ * A subscription is a number that `subscribe` gives out: what was meant for an earlier subscription, or for a
+ * subscriber that has been deleted, does not arrive.
+ */
+class Subscriber {
+ public:
+  Subscriber(int number, int channel, void* userData) : number_(number), channel_(channel), userData_(userData) {}
+
+  int number() const { return number_; }
+  int channel() const { return channel_; }
+
+  void setDetectionCallback(video_object_detection_subscriber_detection_callback callback);
+  void setTeardownCallback(video_object_detection_subscriber_teardown_callback callback);
+  void setReceiveEmptyHits(bool enabled);
+  void setUseChannelConfiguration(bool enabled);
+
+  /** Begins a subscription and returns it; 0 when there is one already, or when the subscriber has been deleted. */
+  int subscribe();
+  /** Ends the subscription: no callback of it starts any more. */
+  void unsubscribe();
+  /** Ends the subscription, and there will be no other one. */
+  void close();
+
+  /**
+   * Waits until no callback runs on another thread; does not wait when called from inside one.
+   *
+   * @return false when the limit has passed first
+   */
+  bool waitForCallbacks(std::chrono::milliseconds limit);
+
+  void deliver(int subscription, const Frame& frame, const std::optional<Region>& region);
+  enum class Order { AfterRunningCallback, BesideRunningCallback };
+  void tearDown(int subscription, Order order);
+
+  Registration registration() const;
+
+ private:
+  struct Settings {
+    video_object_detection_subscriber_detection_callback detection = nullptr;
+    video_object_detection_subscriber_teardown_callback teardown = nullptr;
+    bool receiveEmptyHits = false;
+    bool useChannelConfiguration = false;
+  };
+  class Running;
+
+  void callDetection(const Settings& settings, const Frame& frame, const std::optional<Region>& region) const;
+  bool runsHere() const;
+  bool runsElsewhere() const;
+
+  const int number_;
+  const int channel_;
+  void* const userData_;
+
+  mutable std::mutex mutex_;
+  std::condition_variable changed_;
+  // Guarded by mutex_:
+  Settings settings_;
+  int subscription_ = 0;
+  int lastSubscription_ = 0;
+  bool closed_ = false;
+  std::vector<std::thread::id> running_;
+};
+
+}  // namespace vod::host
+
+#endif

@@ -1,0 +1,44 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#ifndef TARNVOD_DETECTION_DATA_SCENE_NAMES_H
+#define TARNVOD_DETECTION_DATA_SCENE_NAMES_H
+
+#include "detection-data/name_table.h"
+
+#include <cstdint>
+#include <memory>
+
+namespace tarn::VOD {
+
+/** One value of one attribute type; ordered by type, then by value. */
+struct AttributeClassId {
+  std::uint32_t type;
+  std::uint32_t value;
+
+  friend bool operator<(const AttributeClassId& left, const AttributeClassId& right) {
+    return left.order() < right.order();
+  }
+
+ private:
+  std::uint64_t order() const { return (std::uint64_t{type} << 32U) | value; }
+};
+
+/** The requested classes only, so that a look-up is the filter too. */
+using ClassNames = NameTable<std::int32_t>;
+using AttributeTypeNames = NameTable<std::uint32_t>;
+using AttributeClassNames = NameTable<AttributeClassId>;
+
+/**
+ * What the ids in one camera's scenes mean. The tables never change once they are made: whoever holds them may read
+ * them without a lock, whatever is put in their place meanwhile. Null stands for an empty table.
+ */
+struct SceneNames {
+  std::shared_ptr<const ClassNames> classes;
+  std::shared_ptr<const AttributeTypeNames> attributeTypes;
+  std::shared_ptr<const AttributeClassNames> attributeClasses;
+};
+
+}  // namespace tarn::VOD
+
+#endif

@@ -1,0 +1,20 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#ifndef TARNVOD_HANDLER_DETECTOR_QUERIES_H
+#define TARNVOD_HANDLER_DETECTOR_QUERIES_H
+
+#include <tarnvod/video_object_detection.pb.h>
+
+namespace tarn::VOD {
+
+/**
+ * Asks the service for a camera's detector information, through the camera's own subscriber or else a temporary one.
+ *
+ * @throw std::runtime_error  when the camera is not subscribed and the service cannot be reached
+ */
+::VOD::DetectorInformation readDetectorInformationForCamera(int camera);
+
+}  // namespace tarn::VOD
+
+#endif

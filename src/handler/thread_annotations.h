@@ -1,0 +1,49 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#ifndef TARNVOD_HANDLER_THREAD_ANNOTATIONS_H
+#define TARNVOD_HANDLER_THREAD_ANNOTATIONS_H
+
+// clang checks at compile time that what a mutex guards is touched only while it is held; other compilers see nothing.
+#if defined(__clang__)
+#define TARNVOD_ANNOTATION(name) __attribute__((name))
+#else
+#define TARNVOD_ANNOTATION(name)
+#endif
+
+#define TARNVOD_GUARDED_BY(mutex) TARNVOD_ANNOTATION(guarded_by(mutex))
+#define TARNVOD_REQUIRES(mutex) TARNVOD_ANNOTATION(requires_capability(mutex))
+
+namespace tarn::VOD {
+
+/** A standard mutex that clang's analysis knows. `lock` throws `std::system_error` with the error number when it fails.
+ */
+template <typename Mutex>
+class TARNVOD_ANNOTATION(capability("mutex")) AnnotatedMutex {
+ public:
+  void lock() TARNVOD_ANNOTATION(acquire_capability()) { mutex_.lock(); }
+  void unlock() TARNVOD_ANNOTATION(release_capability()) { mutex_.unlock(); }
+
+ private:
+  Mutex mutex_;
+};
+
+/** Holds a mutex for a scope. Helpers that need the mutex held take this as an argument, so that the call proves it. */
+template <typename Mutex>
+class TARNVOD_ANNOTATION(scoped_lockable) ScopedLock {
+ public:
+  explicit ScopedLock(AnnotatedMutex<Mutex>& mutex) TARNVOD_ANNOTATION(acquire_capability(mutex)) : mutex_(mutex) {
+    mutex_.lock();
+  }
+  ~ScopedLock() TARNVOD_ANNOTATION(release_capability()) { mutex_.unlock(); }
+
+  ScopedLock(const ScopedLock&) = delete;
+  ScopedLock& operator=(const ScopedLock&) = delete;
+
+ private:
+  AnnotatedMutex<Mutex>& mutex_;
+};
+
+}  // namespace tarn::VOD
+
+#endif

@@ -1,0 +1,45 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#include "printing.h"
+
+namespace tarn::VOD::printing {
+namespace {
+
+bool isControlCharacter(unsigned char byte) {
+  return byte < 0x20 || byte == 0x7F;
+}
+
+void printEscaped(std::ostream& out, unsigned char byte) {
+  constexpr char digits[] = "0123456789abcdef";
+  out << "\\x" << digits[byte >> 4U] << digits[byte & 0xFU];
+}
+
+}  // namespace
+
+std::ostream& printEnumerator(std::ostream& out, int number, std::initializer_list<const char*> names) {
+  const bool listed = number >= 0 && static_cast<std::size_t>(number) < names.size();
+  const char* const name = listed ? names.begin()[number] : nullptr;
+  return name != nullptr ? out << name : out << number;
+}
+
+std::ostream& printEnumerator(std::ostream& out, int number, const std::string& name) {
+  return name.empty() ? out << number : out << name;
+}
+
+void print(std::ostream& out, const std::string& text) {
+  out << '"';
+  for (const char character : text) {
+    const auto byte = static_cast<unsigned char>(character);
+    if (isControlCharacter(byte)) {
+      printEscaped(out, byte);
+    } else if (character == '"' || character == '\\') {
+      out << '\\' << character;
+    } else {
+      out << character;
+    }
+  }
+  out << '"';
+}
+
+}  // namespace tarn::VOD::printing

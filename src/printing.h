@@ -1,0 +1,99 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#ifndef TARNVOD_PRINTING_H
+#define TARNVOD_PRINTING_H
+
+#include <initializer_list>
+#include <map>
+#include <optional>
+#include <ostream>
+#include <set>
+#include <string>
+#include <vector>
+
+/** How the library's values become text: one line each, whatever bytes the names in them hold. */
+namespace tarn::VOD::printing {
+
+/** Prints the name at the number's place in the list, or the number where the list has no name for it. */
+std::ostream& printEnumerator(std::ostream& out, int number, std::initializer_list<const char*> names);
+
+/** Prints the name, or the number if the name is empty. */
+std::ostream& printEnumerator(std::ostream& out, int number, const std::string& name);
+
+/** Prints the text in quotation marks, with control characters escaped so that it stays on its line. */
+void print(std::ostream& out, const std::string& text);
+
+template <typename Value>
+void print(std::ostream& out, const Value& value) {
+  out << value;
+}
+
+template <typename Value>
+void print(std::ostream& out, const std::optional<Value>& value) {
+  if (value) {
+    print(out, *value);
+  } else {
+    out << "none";
+  }
+}
+
+template <typename List>
+void printList(std::ostream& out, const List& list) {
+  const char* separator = "";
+  out << '[';
+  for (const auto& element : list) {
+    out << separator;
+    print(out, element);
+    separator = ", ";
+  }
+  out << ']';
+}
+
+template <typename Value>
+void print(std::ostream& out, const std::vector<Value>& list) {
+  printList(out, list);
+}
+
+template <typename Value>
+void print(std::ostream& out, const std::set<Value>& list) {
+  printList(out, list);
+}
+
+template <typename Value>
+void print(std::ostream& out, const std::map<std::string, Value>& map) {
+  const char* separator = "";
+  out << '{';
+  for (const auto& [key, value] : map) {
+    out << separator;
+    print(out, key);
+    out << ": ";
+    print(out, value);
+    separator = ", ";
+  }
+  out << '}';
+}
+
+/** Prints a record: `Name{member: value, other: value}`. */
+class Record {
+ public:
+  Record(std::ostream& out, const char* name) : out_(out) { out_ << name << '{'; }
+
+  template <typename Value>
+  Record& member(const char* name, const Value& value) {
+    out_ << separator_ << name << ": ";
+    print(out_, value);
+    separator_ = ", ";
+    return *this;
+  }
+
+  std::ostream& end() { return out_ << '}'; }
+
+ private:
+  std::ostream& out_;
+  const char* separator_ = "";
+};
+
+}  // namespace tarn::VOD::printing
+
+#endif

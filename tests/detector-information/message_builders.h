@@ -1,0 +1,47 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#ifndef TARNVOD_TESTS_MESSAGE_BUILDERS_H
+#define TARNVOD_TESTS_MESSAGE_BUILDERS_H
+
+#include <tarnvod/video_object_detection.pb.h>
+
+#include <initializer_list>
+#include <string>
+
+namespace tarn::test {
+
+/** Adds a class and returns it, to be filled further. */
+inline ::VOD::ObjectClass& addClass(::VOD::DetectorInformation& message, std::uint32_t id, const std::string& name,
+                                    std::initializer_list<std::uint32_t> attributeTypes = {}) {
+  auto& objectClass = *message.add_object_classes();
+  objectClass.set_id(id);
+  objectClass.set_name(name);
+  for (const auto type : attributeTypes) {
+    objectClass.add_attribute_type_ids(type);
+  }
+  return objectClass;
+}
+
+/** Adds a calibration to a class. */
+inline void addCalibration(::VOD::ObjectClass& objectClass, float a, float b, float c) {
+  auto& calibration = *objectClass.add_calibrations();
+  calibration.set_coefficient_a(a);
+  calibration.set_coefficient_b(b);
+  calibration.set_coefficient_c(c);
+}
+
+/** Adds an attribute type with its values. */
+inline void addAttributeType(::VOD::DetectorInformation& message, std::uint32_t id, const std::string& name,
+                             std::initializer_list<const char*> values) {
+  auto& type = *message.add_attribute_types();
+  type.set_id(id);
+  type.set_name(name);
+  for (const char* const value : values) {
+    type.add_attribute_classes()->set_name(value);
+  }
+}
+
+}  // namespace tarn::test
+
+#endif

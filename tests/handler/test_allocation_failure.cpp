@@ -1,0 +1,173 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+// The n-th allocation fails, for each n: nothing leaks, the registry stays consistent, and the next call works.
+
+#include "handler/handler_test.h"
+#include "support/allocation_failure.h"
+
+#include <atomic>
+#include <functional>
+#include <optional>
+
+namespace tarn::test {
+namespace {
+
+using testing::ElementsAre;
+
+class MemoryRunningOut : public HandlerTest {
+ protected:
+  /**
+   * Tries a call again and again, each time with the next allocation failing, until it gets through; after each failure
+   * looks whether all is well.
+   */
+  static void atEachAllocation(const std::function<void()>& call, const std::function<void()>& expectAllWell) {
+    std::size_t number = 0;
+    bool failed = true;
+    while (failed) {
+      ++number;
+      bool threw = false;
+      {
+        const AllocationFailure failure(number);
+        try {
+          call();
+        } catch (const std::bad_alloc&) {
+          threw = true;
+        }
+        failed = failure.happened();
+      }
+      EXPECT_TRUE(!threw || failed) << "allocation " << number;
+      expectAllWell();
+    }
+    EXPECT_GT(number, 1U) << "nothing was allocated at all";
+  }
+};
+
+TEST_F(MemoryRunningOut, InASetUpLeavesNoSubscriberAndTheNextSetUpWorks) {
+  const std::set<std::string> classes = {"human"};
+  const VOD::DetectionCallback callback = inbox_.callback();
+  vod::host::recordCalls(false);
+  atEachAllocation(
+      [&] {
+        Handler::setup(1, callback, classes, VOD::VodChannelConfiguration{0, 0, 1, 1});
+      },
+      [&] {
+        Handler::teardown(1);
+        Handler::teardown(1);
+        EXPECT_EQ(vod::host::liveSubscribers(), 0);
+        EXPECT_TRUE(setUp(1, classes));
+        EXPECT_THAT(classesAfter(1, sceneOf({1, 5})), ElementsAre(ElementsAre("human")));
+        Handler::teardown(1);
+      });
+}
+
+TEST_F(MemoryRunningOut, InAnUpdateLeavesTheCameraAsItWasOrUpdated) {
+  setUp(1, {"human"});
+  const std::set<std::string> classes = {"car"};
+  const VOD::DetectionCallback callback = inbox_.callback();
+  atEachAllocation([&] { Handler::setup(1, callback, classes); },
+                   [&] {
+                     EXPECT_THAT(classesAfter(1, sceneOf({1, 5})),
+                                 testing::AnyOf(ElementsAre(ElementsAre("human")), ElementsAre(ElementsAre("car"))));
+                     EXPECT_EQ(vod::host::liveSubscribers(), 1);
+                   });
+  EXPECT_THAT(classesAfter(1, sceneOf({1, 5})), ElementsAre(ElementsAre("car")));
+}
+
+TEST_F(MemoryRunningOut, WhileAFrameIsConvertedLosesThatFrameOnly) {
+  setUp(1);
+  int frames = 0;
+  Handler::setup(1, [&frames](auto&&, int) { ++frames; }, {"human"});
+  ::VOD::Scene scene;
+  ::VOD::Detection& detection = *scene.add_detections();
+  detection.set_class_id(1);
+  detection.add_attributes()->set_type(10);
+  detection.mutable_attributes(0)->set_class_(1);
+  detection.add_classifications()->set_class_(1);
+  detection.mutable_classifications(0)->set_score(3);
+  scene.add_events()->add_object_ids(4);
+  const std::string bytes = scene.SerializeAsString();
+  const vod::host::Registration live = vod::host::registration(2);
+  atEachAllocation(
+      [&] {
+        live.detection(reinterpret_cast<const std::uint8_t*>(bytes.data()), static_cast<std::int32_t>(bytes.size()),
+                       live.userData);
+      },
+      [] {});
+  EXPECT_EQ(frames, 1) << "only the attempt that had all its memory";
+}
+
+TEST_F(MemoryRunningOut, InTheQueriesLeavesNothingBehind) {
+  const auto expectAllWell = [] {
+    EXPECT_EQ(vod::host::liveSubscribers(), 0);
+    EXPECT_EQ(Handler::getSupportedAttributes().size(), 3U);
+  };
+  vod::host::recordCalls(false);
+  atEachAllocation([] { Handler::getDetectorInformation(1); }, expectAllWell);
+  atEachAllocation([] { Handler::getSupportedClasses(); }, expectAllWell);
+  atEachAllocation([] { Handler::getSupportedAttributes(); }, expectAllWell);
+}
+
+TEST_F(MemoryRunningOut, DoesNotMatterWhenACameraIsTornDownOrDropped) {
+  setUp(1);
+  setUp(2);
+  const vod::host::Registration dropped = vod::host::registration(5);
+  vod::host::recordCalls(false);
+  vod::host::plan(Fault(Function::Unsubscribe).always().failsWith(0));
+  vod::host::plan(Fault(Function::Delete).always().failsWith(0));
+  const AllocationFailure failure(1);
+  Handler::teardown(1);
+  dropped.teardown(dropped.userData);
+  EXPECT_FALSE(failure.happened()) << "moving a record from map to map needs no memory";
+}
+
+/** A callable that, once armed, lets an allocation of the thread that copies it next fail. */
+struct FailingWhenCopied {
+  struct Plan {
+    std::size_t number = 0;
+    std::atomic<bool> armed = false;
+    std::optional<AllocationFailure> failure;
+  };
+
+  explicit FailingWhenCopied(Plan& thePlan, VOD::DetectionCallback thenCalled)
+      : plan(thePlan), callback(std::move(thenCalled)) {}
+  FailingWhenCopied(const FailingWhenCopied& other) : plan(other.plan), callback(other.callback) {
+    if (plan.armed.exchange(false)) {
+      plan.failure.emplace(plan.number);
+    }
+  }
+  void operator()(std::unique_ptr<VOD::DetectionData> frame, int camera) const { callback(std::move(frame), camera); }
+
+  Plan& plan;
+  VOD::DetectionCallback callback;
+};
+
+TEST_F(MemoryRunningOut, InARetryKeepsTheCameraPendingForTheNextRound) {
+  vod::host::recordCalls(false);
+  retryOnce();
+  FailingWhenCopied::Plan plan;
+  bool failed = true;
+  while (failed) {
+    ++plan.number;
+    const int down = vod::host::plan(Fault(Function::Subscribe).always().failsWith(1));
+    Handler::setup(1, FailingWhenCopied(plan, inbox_.callback()), {"human"});
+    vod::host::lift(down);
+    plan.armed = true;
+    sleep_.release();
+    sleep_.waitUntilAsleep();
+    ASSERT_TRUE(plan.failure);
+    failed = plan.failure->happened();
+    plan.failure.reset();
+
+    sleep_.release();
+    sleep_.waitUntilAsleep();
+    EXPECT_EQ(vod::host::channel(0).subscriptions().size(), 1U) << "allocation " << plan.number;
+    EXPECT_EQ(vod::host::liveSubscribers(), 1);
+    EXPECT_EQ(classesAfter(1, sceneOf({1, 5})).size(), 1U);
+    Handler::teardown(1);
+  }
+  EXPECT_GT(plan.number, 1U);
+}
+
+}  // namespace
+}  // namespace tarn::test

@@ -1,0 +1,290 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#include "handler/handler_test.h"
+
+namespace tarn::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+class ASubscribedCamera : public HandlerTest {
+ protected:
+  ASubscribedCamera() { setUp(1, {"human", "car"}); }
+
+  /** The frame that a scene becomes. */
+  VOD::DetectionData frameOf(const ::VOD::Scene& scene) {
+    vod::host::channel(0).deliverScene(scene.SerializeAsString());
+    return inbox_.last();
+  }
+};
+
+TEST_F(ASubscribedCamera, DeliversEveryMemberOfADetection) {
+  ::VOD::Scene scene;
+  scene.set_timestamp(0xFFFFFFFFFFFFFFFF);
+  ::VOD::Detection& detection = *scene.add_detections();
+  detection.set_coord_1(-0.5F);
+  detection.set_coord_2(0.25F);
+  detection.set_coord_3(1.5F);
+  detection.set_coord_4(1e30F);
+  detection.set_object_id(4000000000);
+  detection.set_class_id(5);
+  detection.set_score(77);
+  detection.set_status(::VOD::Detection::TRACKED_CONFIDENT);
+  ::VOD::Attribute& attribute = *detection.add_attributes();
+  attribute.set_type(10);
+  attribute.set_class_(2);
+  attribute.set_score(9);
+  ::VOD::Classification& classification = *detection.add_classifications();
+  classification.set_class_(1);
+  classification.set_score(8);
+
+  const VOD::DetectionData expected(
+      0xFFFFFFFFFFFFFFFF,
+      {VOD::Data(-0.5F, 0.25F, 1.5F, 1e30F, 4000000000, "car", 77, VOD::DetectionStatus::TrackedConfident,
+                 {VOD::Attribute("colour", "blue", 9)}, {VOD::Classification("human", 8)})},
+      {});
+  EXPECT_EQ(frameOf(scene), expected);
+}
+
+TEST_F(ASubscribedCamera, DeliversTheCameraNumberNotTheChannel) {
+  vod::host::channel(0).deliverScene("");
+  ASSERT_THAT(inbox_.received(), SizeIs(1));
+  EXPECT_EQ(inbox_.received()[0].camera, 1);
+}
+
+TEST_F(ASubscribedCamera, DeliversOnlyRequestedClassesInTheirOrder) {
+  EXPECT_THAT(classesAfter(1, sceneOf({7, 5, 99, 1, 5})), ElementsAre(ElementsAre("car", "human", "car")));
+  EXPECT_THAT(log_.lines(), IsEmpty());
+}
+
+TEST_F(ASubscribedCamera, DeliversAnEmptyBufferAsAnEmptyFrame) {
+  vod::host::channel(0).pushSceneOfLength("", 0);
+  vod::host::drain();
+  EXPECT_EQ(inbox_.last(), VOD::DetectionData(0, {}, {}));
+}
+
+TEST_F(ASubscribedCamera, DeliversWhatATruncatedBufferStillHolds) {
+  const std::string whole = sceneOf({1, 5}, 1234);
+  vod::host::channel(0).deliverScene(whole.substr(0, whole.size() - 1));
+  EXPECT_EQ(inbox_.last().timestamp, 1234U);
+  ASSERT_FALSE(inbox_.last().detections.empty());
+  EXPECT_EQ(inbox_.last().detections[0].className, "human");
+}
+
+TEST_F(ASubscribedCamera, DeliversOneFrameForEveryPrefixOfAScene) {
+  const std::string whole = sceneOf({1, 5, 1}, 1234);
+  for (std::size_t length = 0; length <= whole.size(); ++length) {
+    inbox_.clear();
+    vod::host::channel(0).deliverScene(whole.substr(0, length));
+    EXPECT_EQ(inbox_.size(), 1U) << length;
+  }
+}
+
+TEST_F(ASubscribedCamera, DeliversANegativeLengthAsAnEmptyFrame) {
+  vod::host::channel(0).pushSceneOfLength(sceneOf({1}), -1);
+  vod::host::drain();
+  EXPECT_EQ(inbox_.last(), VOD::DetectionData(0, {}, {}));
+}
+
+TEST_F(ASubscribedCamera, IgnoresANullBuffer) {
+  vod::host::channel(0).pushNullScene();
+  vod::host::channel(0).pushNullScene(5);
+  vod::host::drain();
+  EXPECT_EQ(inbox_.size(), 0U);
+  EXPECT_THAT(log_.lines(), IsEmpty());
+}
+
+TEST_F(ASubscribedCamera, IgnoresNullUserData) {
+  const std::uint8_t byte = 0;
+  vod::host::registration(2).detection(&byte, 0, nullptr);
+  EXPECT_EQ(inbox_.size(), 0U);
+}
+
+TEST_F(ASubscribedCamera, DropsAnAttributeWithoutATypeNameAndLogsIt) {
+  ::VOD::Scene scene;
+  ::VOD::Detection& detection = *scene.add_detections();
+  detection.set_class_id(1);
+  detection.add_attributes()->set_type(42);
+  detection.add_attributes()->set_type(10);
+  detection.add_attributes()->set_type(42);
+  EXPECT_THAT(frameOf(scene).detections[0].attributes,
+              ElementsAre(VOD::Attribute("colour", std::nullopt, std::nullopt)));
+  const LogLine line{LOG_ERR, "Missing vod attribute string for attribute type id 42\n"};
+  EXPECT_THAT(log_.lines(), ElementsAre(line, line));
+  frameOf(scene);
+  EXPECT_EQ(log_.count(line), 4U) << "in every frame";
+}
+
+TEST_F(ASubscribedCamera, LogsNothingOfTheAttributesOfAClassThatWasNotRequested) {
+  ::VOD::Scene scene;
+  ::VOD::Detection& detection = *scene.add_detections();
+  detection.set_class_id(7);
+  detection.add_attributes()->set_type(42);
+  EXPECT_THAT(frameOf(scene).detections, IsEmpty());
+  EXPECT_THAT(log_.lines(), IsEmpty());
+}
+
+TEST_F(ASubscribedCamera, KeepsAnAttributeWhoseValueHasNoName) {
+  ::VOD::Scene scene;
+  ::VOD::Detection& detection = *scene.add_detections();
+  detection.set_class_id(1);
+  ::VOD::Attribute& unnamed = *detection.add_attributes();
+  unnamed.set_type(10);
+  unnamed.set_class_(99);
+  ::VOD::Attribute& ofAnotherType = *detection.add_attributes();
+  ofAnotherType.set_type(20);
+  ofAnotherType.set_class_(2);
+  ofAnotherType.set_score(0);
+  EXPECT_THAT(frameOf(scene).detections[0].attributes, ElementsAre(VOD::Attribute("colour", std::nullopt, std::nullopt),
+                                                                   VOD::Attribute("hat", std::nullopt, 0)));
+  EXPECT_THAT(log_.lines(), IsEmpty());
+}
+
+TEST_F(ASubscribedCamera, DropsClassificationsWithoutClassWithoutScoreOrOfAClassThatWasNotRequested) {
+  ::VOD::Scene scene;
+  ::VOD::Detection& detection = *scene.add_detections();
+  detection.set_class_id(1);
+  detection.add_classifications()->set_score(1);   // no class
+  detection.add_classifications()->set_class_(1);  // no score
+  ::VOD::Classification& notRequested = *detection.add_classifications();
+  notRequested.set_class_(7);
+  notRequested.set_score(1);
+  ::VOD::Classification& good = *detection.add_classifications();
+  good.set_class_(5);
+  good.set_score(0);
+  EXPECT_THAT(frameOf(scene).detections[0].classifications, ElementsAre(VOD::Classification("car", 0)));
+  EXPECT_THAT(log_.lines(), IsEmpty());
+}
+
+TEST_F(ASubscribedCamera, TakesStatusesItDoesNotKnowForUntracked) {
+  ::VOD::Scene scene;
+  for (const int status : {0, 1, 2, 3, 7, -1}) {
+    ::VOD::Detection& detection = *scene.add_detections();
+    detection.set_class_id(1);
+    detection.set_status(static_cast<::VOD::Detection_DetectionStatus>(status));
+  }
+  std::vector<VOD::DetectionStatus> statuses;
+  for (const VOD::Data& detection : frameOf(scene).detections) {
+    statuses.push_back(detection.status);
+  }
+  using Status = VOD::DetectionStatus;
+  EXPECT_THAT(statuses, ElementsAre(Status::Untracked, Status::TrackedUnconfident, Status::TrackedConfident,
+                                    Status::Untracked, Status::Untracked, Status::Untracked));
+}
+
+TEST_F(ASubscribedCamera, DropsEventsOfAnUnknownAction) {
+  ::VOD::Scene scene;
+  for (const int action : {0, 1, 2, -1}) {
+    ::VOD::Event& event = *scene.add_events();
+    event.set_action(static_cast<::VOD::EventAction>(action));
+    event.set_object_id(-action);
+  }
+  EXPECT_THAT(frameOf(scene).events, ElementsAre(VOD::VodEvent(VOD::EventAction::Delete, 0, {}),
+                                                 VOD::VodEvent(VOD::EventAction::Connect, -1, {})));
+}
+
+TEST_F(ASubscribedCamera, KeepsTheIdsOfAnEventInTheirOrderWithDuplicates) {
+  ::VOD::Scene scene;
+  ::VOD::Event& event = *scene.add_events();
+  event.set_action(::VOD::EVENT_CONNECT);
+  for (const int id : {5, 3, -1, 5}) {
+    event.add_object_ids(id);
+  }
+  EXPECT_THAT(frameOf(scene).events, ElementsAre(VOD::VodEvent(VOD::EventAction::Connect, 0, {5, 3, -1, 5})));
+}
+
+TEST_F(ASubscribedCamera, TakesAnEventWithoutAnActionForADelete) {
+  ::VOD::Scene scene;
+  scene.add_events()->set_object_id(3);
+  EXPECT_THAT(frameOf(scene).events, ElementsAre(VOD::VodEvent(VOD::EventAction::Delete, 3, {})));
+}
+
+TEST_F(ASubscribedCamera, ReceivesFramesWithoutDetections) {
+  vod::host::channel(0).pushScene("");
+  vod::host::drain();
+  EXPECT_EQ(inbox_.size(), 1U) << "empty hits are asked for";
+}
+
+TEST_F(ASubscribedCamera, WithoutClassesStillReceivesEvents) {
+  setUp(1, {});
+  ::VOD::Scene scene;
+  scene.add_detections()->set_class_id(1);
+  scene.add_events()->set_object_id(3);
+  const VOD::DetectionData frame = frameOf(scene);
+  EXPECT_THAT(frame.detections, IsEmpty());
+  EXPECT_THAT(frame.events, SizeIs(1));
+}
+
+TEST_F(ASubscribedCamera, WithAnEmptyCallableGetsNothingParsed) {
+  Handler::setup(1, nullptr, {"human"});
+  ::VOD::Scene scene;
+  ::VOD::Detection& detection = *scene.add_detections();
+  detection.set_class_id(1);
+  detection.add_attributes()->set_type(42);
+  vod::host::channel(0).deliverScene(scene.SerializeAsString());
+  EXPECT_THAT(log_.lines(), IsEmpty()) << "the unknown attribute would have been logged";
+}
+
+TEST_F(ASubscribedCamera, ComparesClassIdsAsSignedNumbers) {
+  ::VOD::DetectorInformation information;
+  information.add_object_classes()->set_name("ghost");
+  information.mutable_object_classes(0)->set_id(0xFFFFFFFE);
+  vod::host::channel(0).detectorInformation(information.SerializeAsString());
+  setUp(1, {"ghost"});
+  EXPECT_THAT(classesAfter(1, sceneOf({0xFFFFFFFE, 2})), ElementsAre(ElementsAre("ghost")));
+}
+
+TEST_F(ASubscribedCamera, NamesAttributesByItsOwnDetector) {
+  ::VOD::DetectorInformation other;
+  other.ParseFromString(detectorBytes());
+  other.mutable_attribute_types(0)->set_name("paint");
+  vod::host::channel(1).detectorInformation(other.SerializeAsString());
+  setUp(2);
+  ::VOD::Scene scene;
+  scene.add_detections()->set_class_id(1);
+  scene.mutable_detections(0)->add_attributes()->set_type(10);
+  EXPECT_EQ(frameOf(scene).detections[0].attributes[0].typeName, "colour");
+  vod::host::channel(1).deliverScene(scene.SerializeAsString());
+  EXPECT_EQ(inbox_.last().detections[0].attributes[0].typeName, "paint");
+}
+
+TEST_F(ASubscribedCamera, CopiesTheCallableForEveryFrame) {
+  std::vector<int> counts;
+  Handler::setup(1, [&counts, count = 0](auto&&, int) mutable { counts.push_back(++count); }, {"human"});
+  vod::host::channel(0).deliverScene("").deliverScene("");
+  EXPECT_THAT(counts, ElementsAre(1, 1)) << "each frame meets the callable as it was set up";
+}
+
+TEST_F(ASubscribedCamera, GivesTheFrameToTheApplicationForGood) {
+  std::unique_ptr<VOD::DetectionData> kept;
+  Handler::setup(1, [&kept](auto frame, int) { kept = std::move(frame); }, {"human"});
+  vod::host::channel(0).deliverScene(sceneOf({1}, 5));
+  Handler::teardown(1);
+  ASSERT_NE(kept, nullptr);
+  EXPECT_EQ(kept->timestamp, 5U);
+}
+
+TEST_F(ASubscribedCamera, LetsAnExceptionOfTheCallbackPassAndGoesOn) {
+  vod::host::catchCallbackExceptions(true);
+  Handler::setup(1, [](auto&&, int) { throw std::logic_error("from the application"); }, {"human"});
+  vod::host::channel(0).deliverScene(sceneOf({1}));
+  EXPECT_EQ(vod::host::caughtCallbackExceptions(), 1);
+  setUp(1);
+  EXPECT_THAT(classesAfter(1, sceneOf({1})), ElementsAre(ElementsAre("human")));
+}
+
+TEST_F(ASubscribedCamera, ThatIsTornDownReceivesNothingMore) {
+  const vod::host::Registration registration = vod::host::registration(2);
+  Handler::teardown(1);
+  const std::string scene = sceneOf({1});
+  registration.detection(reinterpret_cast<const std::uint8_t*>(scene.data()), static_cast<std::int32_t>(scene.size()),
+                         registration.userData);
+  EXPECT_EQ(inbox_.size(), 0U);
+  EXPECT_THAT(log_.lines(), IsEmpty());
+}
+
+}  // namespace
+}  // namespace tarn::test
