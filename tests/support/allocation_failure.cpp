@@ -58,6 +58,13 @@ std::size_t AllocationFailure::count() const {
 
 }  // namespace tarn::test
 
+/** Told to the leak checker: Protocol Buffers lose the element that they are adding to a list when the list cannot
+ * grow. */
+extern "C" const char* __lsan_default_suppressions();
+extern "C" const char* __lsan_default_suppressions() {
+  return "leak:google::protobuf::internal::RepeatedPtrFieldBase::Add";
+}
+
 // All forms but the aligned ones, so that no allocation of a sanitizer's own operators is released by ours.
 void* operator new(std::size_t size) {
   return tarn::test::allocateOrThrow(size);
