@@ -59,9 +59,10 @@ const std::vector<HandlerCall> calls = {
 };
 
 INSTANTIATE_TEST_SUITE_P(EveryFunction, ACallback, testing::Combine(testing::ValuesIn(calls), testing::Bool()),
-                         [](const auto& test) {
-                           return std::get<0>(test.param).name +
-                                  std::string(std::get<1>(test.param) ? "OnAPlatformThatWaits" : "OnOneThatDoesNot");
+                         [](const auto& instance) {
+                           return std::get<0>(instance.param).name + std::string(std::get<1>(instance.param)
+                                                                                     ? "OnAPlatformThatWaits"
+                                                                                     : "OnOneThatDoesNot");
                          });
 
 using ACallbackInsideSubscribe = HandlerTest;
