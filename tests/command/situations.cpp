@@ -80,14 +80,17 @@ void writeTo(const std::filesystem::path& file, const std::string& bytes) {
     event->set_object_id(7);
     event->add_object_ids(9);
   }
-  result.mutable_unknown_fields()->append("\xA2\x06\x02hi");  // field 100, two bytes
   return result;
+}
+
+std::string sceneBytes(int number) {
+  return scene(number).SerializeAsString() + "\xA2\x06\x02hi";  // field 100, two bytes
 }
 
 void makeRecording(const std::filesystem::path& folder) {
   vod::recording::RecordingWriter writer(folder, detector().SerializeAsString());
   for (int number = 0; number < framesInRecording; ++number) {
-    writer.append(scene(number).SerializeAsString());
+    writer.append(sceneBytes(number));
   }
 }
 
