@@ -14,7 +14,7 @@ mark_as_advanced(VideoObjectDetectionSubscriber_INCLUDE_DIR VideoObjectDetection
 include(FindPackageHandleStandardArgs)
 find_package_handle_standard_args(VideoObjectDetectionSubscriber
   REQUIRED_VARS VideoObjectDetectionSubscriber_LIBRARY VideoObjectDetectionSubscriber_INCLUDE_DIR
-  REASON_FAILURE_MESSAGE "Set VOD_SDK_ROOT to the device SDK's root: the folder whose include/ holds video_object_detection_subscriber.h and whose lib/ holds libvideo_object_detection_subscriber.so.")
+  REASON_FAILURE_MESSAGE "Set VOD_SDK_ROOT to the device SDK's root.")
 
 if(VideoObjectDetectionSubscriber_FOUND AND NOT TARGET tarnvod::platform)
   add_library(tarnvod::platform SHARED IMPORTED GLOBAL)

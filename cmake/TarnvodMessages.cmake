@@ -2,6 +2,9 @@
 # SPDX-License-Identifier: MIT
 
 include(TarnvodProtobuf)
+if(NOT Protobuf_FOUND)
+  message(FATAL_ERROR "Protocol Buffers were not found: install the library's development files and its compiler, protoc.")
+endif()
 
 # The message classes are generated once, under the name by which applications include them, and compiled by whoever
 # needs a copy: the library (which exports them) and the host platform (which keeps its own to itself).

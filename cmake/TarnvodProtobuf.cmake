@@ -2,8 +2,9 @@
 # SPDX-License-Identifier: MIT
 
 # Finds Protocol Buffers: by its own CMake package where there is one (the versions that build on Abseil need it), else
-# by CMake's module. Both give protobuf::libprotobuf-lite and protobuf::protoc. The installed package uses this file too.
+# by CMake's module. Both give protobuf::libprotobuf-lite and protobuf::protoc. The installed package uses this file too;
+# whoever includes it tells what it means that Protobuf_FOUND is false.
 find_package(Protobuf CONFIG QUIET)
 if(NOT Protobuf_FOUND)
-  find_package(Protobuf MODULE REQUIRED)
+  find_package(Protobuf MODULE QUIET)
 endif()

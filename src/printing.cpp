@@ -3,6 +3,8 @@
 
 #include "printing.h"
 
+#include <string_view>
+
 namespace tarn::VOD::printing {
 namespace {
 
@@ -11,7 +13,7 @@ bool isControlCharacter(unsigned char byte) {
 }
 
 void printEscaped(std::ostream& out, unsigned char byte) {
-  constexpr char digits[] = "0123456789abcdef";
+  constexpr std::string_view digits = "0123456789abcdef";
   out << "\\x" << digits[byte >> 4U] << digits[byte & 0xFU];
 }
 

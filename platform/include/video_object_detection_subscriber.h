@@ -22,6 +22,8 @@
 #include <stddef.h>
 #include <stdint.h>
 
+#pragma GCC visibility push(default)
+
 #ifdef __cplusplus
 extern "C" {
 #endif
@@ -127,5 +129,7 @@ bool video_object_detection_subscriber_service_is_enabled(void);
 #ifdef __cplusplus
 }
 #endif
+
+#pragma GCC visibility pop
 
 #endif

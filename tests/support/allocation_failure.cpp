@@ -16,9 +16,10 @@ std::atomic<Watch> watch{Watch::Nobody};
 std::atomic<std::size_t> allocations{0};
 std::atomic<std::size_t> failing{AllocationFailure::none};
 thread_local bool isMarkedThread = false;
+thread_local bool isPaused = false;
 
 bool isWatched() {
-  const auto watched = watch.load();
+  const auto watched = isPaused ? Watch::Nobody : watch.load();
   return watched == Watch::Everybody || (watched == Watch::MarkedThread && isMarkedThread);
 }
 
@@ -52,11 +53,26 @@ AllocationFailure::~AllocationFailure() {
   isMarkedThread = false;
 }
 
+void AllocationFailure::pause() {
+  isPaused = true;
+}
+
+void AllocationFailure::resume() {
+  isPaused = false;
+}
+
 std::size_t AllocationFailure::count() const {
   return allocations;
 }
 
 }  // namespace tarn::test
+
+/** Told to the leak checker: Protocol Buffers lose the element that they are adding to a list when the list cannot
+ * grow. */
+extern "C" const char* __lsan_default_suppressions();
+extern "C" const char* __lsan_default_suppressions() {
+  return "leak:google::protobuf::internal::RepeatedPtrFieldBase::Add";
+}
 
 // All forms but the aligned ones, so that no allocation of a sanitizer's own operators is released by ours.
 void* operator new(std::size_t size) {

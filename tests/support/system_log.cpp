@@ -26,7 +26,7 @@ Journal& journal() {
   return instance;
 }
 
-std::string formatted(const char* format, std::va_list arguments) {
+__attribute__((format(printf, 1, 0))) std::string formatted(const char* format, std::va_list arguments) {
   std::va_list again;
   va_copy(again, arguments);
   std::string text(static_cast<std::size_t>(std::vsnprintf(nullptr, 0, format, arguments)), '\0');
@@ -35,7 +35,7 @@ std::string formatted(const char* format, std::va_list arguments) {
   return text;
 }
 
-void append(int priority, const char* format, std::va_list arguments) {
+__attribute__((format(printf, 2, 0))) void append(int priority, const char* format, std::va_list arguments) {
   auto& log = journal();
   const std::lock_guard lock(log.mutex);
   log.lines.push_back({priority, formatted(format, arguments)});

@@ -13,6 +13,7 @@ namespace {
 
 /** An enumeration with its generated functions, and its names in the order of their numbers. */
 struct ComputeChip {
+  static constexpr const char* typeName = "ComputeChip";
   using Type = VOD::ComputeChip;
   static bool isValid(int number) { return VOD::ComputeChip_IsValid(number); }
   static std::string name(Type value) { return std::string(VOD::ComputeChip_Name(value)); }
@@ -24,6 +25,7 @@ struct ComputeChip {
 };
 
 struct ReIDStatus {
+  static constexpr const char* typeName = "ReIDStatus";
   using Type = VOD::ReIDStatus;
   static bool isValid(int number) { return VOD::ReIDStatus_IsValid(number); }
   static std::string name(Type value) { return std::string(VOD::ReIDStatus_Name(value)); }
@@ -32,6 +34,7 @@ struct ReIDStatus {
 };
 
 struct FisheyeMountingPosition {
+  static constexpr const char* typeName = "FisheyeMountingPosition";
   using Type = VOD::FisheyeMountingPosition;
   static bool isValid(int number) { return VOD::FisheyeMountingPosition_IsValid(number); }
   static std::string name(Type value) { return std::string(VOD::FisheyeMountingPosition_Name(value)); }
@@ -42,6 +45,7 @@ struct FisheyeMountingPosition {
 };
 
 struct DetectionStatus {
+  static constexpr const char* typeName = "DetectionStatus";
   using Type = VOD::Detection_DetectionStatus;
   static bool isValid(int number) { return VOD::Detection_DetectionStatus_IsValid(number); }
   static std::string name(Type value) { return std::string(VOD::Detection_DetectionStatus_Name(value)); }
@@ -50,6 +54,7 @@ struct DetectionStatus {
 };
 
 struct EventAction {
+  static constexpr const char* typeName = "EventAction";
   using Type = VOD::EventAction;
   static bool isValid(int number) { return VOD::EventAction_IsValid(number); }
   static std::string name(Type value) { return std::string(VOD::EventAction_Name(value)); }
@@ -60,7 +65,13 @@ struct EventAction {
 template <typename Enumeration>
 class AWireEnumeration : public testing::Test {};
 using Enumerations = testing::Types<ComputeChip, ReIDStatus, FisheyeMountingPosition, DetectionStatus, EventAction>;
-TYPED_TEST_SUITE(AWireEnumeration, Enumerations);
+struct NameOfEnumeration {
+  template <typename Enumeration>
+  static std::string GetName(int /*index*/) {
+    return Enumeration::typeName;
+  }
+};
+TYPED_TEST_SUITE(AWireEnumeration, Enumerations, NameOfEnumeration);
 
 TYPED_TEST(AWireEnumeration, NamesItsNumbersFromZeroWithoutGaps) {
   const auto names = TypeParam::names();

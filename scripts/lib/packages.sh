@@ -1,0 +1,33 @@
+# SPDX-FileCopyrightText: 2026 The tarnvod authors
+# SPDX-License-Identifier: MIT
+#
+# To be sourced: require_packages.
+
+is_installed() {
+  [[ $(dpkg-query --show --showformat='${db:Status-Status}' "$1" 2>/dev/null) == installed ]]
+}
+
+# require_packages NAME...: installs those Debian packages that are missing; does nothing when none is. Elsewhere than on
+# Debian and its descendants it leaves this to whoever runs the script, and the build tells what it does not find.
+require_packages() {
+  command -v dpkg-query >/dev/null || return 0
+
+  local missing=() name
+  for name in "$@"; do
+    is_installed "$name" || missing+=("$name")
+  done
+  [[ ${#missing[@]} -gt 0 ]] || return 0
+
+  local as_root=()
+  if [[ $(id -u) -ne 0 ]]; then
+    if ! command -v sudo >/dev/null; then
+      echo "missing packages, which only root can install: ${missing[*]}" >&2
+      return 1
+    fi
+    as_root=(sudo)
+  fi
+  echo "installing ${missing[*]}"
+  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get update --quiet --quiet
+  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+    apt-get install --quiet --quiet --yes --no-install-recommends "${missing[@]}"
+}
