@@ -10,6 +10,7 @@ function(tarnvod_footprint)
     return()
   endif()
   foreach(target IN LISTS ARGN)
+    # The objects hold machine code as well, for tools that read them without the compiler's help.
     target_compile_options(${target} PRIVATE -O2 -fno-semantic-interposition -flto=auto -ffat-lto-objects)
     get_target_property(type ${target} TYPE)
     if(type STREQUAL "SHARED_LIBRARY")
