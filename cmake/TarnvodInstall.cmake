@@ -33,6 +33,7 @@ if(TARNVOD_PLATFORM STREQUAL "host")
     FILES
       platform/include/video_object_detection_subscriber.h
       platform/host/include/vod_host.h
+      platform/host/include/vod_host_calls.h
     TYPE INCLUDE COMPONENT host-platform)
   set(TARNVOD_PLATFORM_CFLAGS "")
   set(TARNVOD_PLATFORM_LIBS "-lvideo_object_detection_subscriber")

@@ -20,7 +20,10 @@ namespace tarn::VOD {
 
 /** A region of interest: four numbers in the service's box convention, passed on unchanged and in this order. */
 struct VodChannelConfiguration {
-  float coord1, coord2, coord3, coord4;
+  float coord1;  ///< first number
+  float coord2;  ///< second number
+  float coord3;  ///< third number
+  float coord4;  ///< fourth number
 };
 
 /**
@@ -107,8 +110,9 @@ class TARNVOD_EXPORT Handler {
    * configuration given then is ignored.
    *
    * A failure is told in the system log (the first of a run of failures, then every fifth after it) and the set-up is
-   * retried by the thread that `initialize` starts, until it succeeds or `teardown` gives it up. A set-up that failed
-   * because of an unsupported class is retried without any class: it then receives frames without detections.
+   * retried by the thread that `initialize` starts, until it succeeds or `teardown` gives it up. What failed before the
+   * classes were found to be supported (one of them is not, or the service could not be reached) is retried without any
+   * class: the camera then receives frames without detections until it is set up again.
    *
    * @param camera    the camera, counted from 1
    * @param callback  receives the frames; kept, and released by the time `teardown` returns, unless a frame is just being
@@ -116,7 +120,8 @@ class TARNVOD_EXPORT Handler {
    * @param classes   names of the classes to receive, in lower case, out of `getSupportedClasses`; none means no detections
    * @param channelConfiguration  the region of interest, if the detector shall look at a part of the image only
    * @return true when the camera is subscribed, false when that failed and will be retried
-   * @throw std::system_error, std::bad_alloc, what copying the callback throws  and then nothing has been set up
+   * @throw std::system_error, std::bad_alloc, what copying the callback throws  and then nothing has been set up, and a
+   *        retry that was pending is given up
    */
   static bool setup(int camera, DetectionCallback callback, const std::set<std::string>& classes,
                     const std::optional<VodChannelConfiguration>& channelConfiguration);

@@ -19,35 +19,31 @@ const std::string* findName(const std::shared_ptr<const Table>& table, const Id&
   return table ? table->find(id) : nullptr;
 }
 
-/** Makes room for all that may still come, once, and only if anything is kept at all. */
+/** Makes room for all that may come, once, and only when the first record is kept. */
 template <typename Records>
-void reserveOnce(Records& records, int remaining) {
-  if (records.capacity() == 0) {
-    records.reserve(static_cast<std::size_t>(remaining));
+void reserveOnce(Records& records, int most) {
+  if (records.empty()) {
+    records.reserve(static_cast<std::size_t>(most));
   }
 }
 
 std::vector<VodEvent> convertEvents(const ::VOD::Scene& scene) {
   std::vector<VodEvent> events;
-  for (int i = 0; i < scene.events_size(); ++i) {
-    const ::VOD::Event& event = scene.events(i);
+  for (const ::VOD::Event& event : scene.events()) {
     if (event.action() != ::VOD::EVENT_DELETE && event.action() != ::VOD::EVENT_CONNECT) {
       continue;
     }
-    reserveOnce(events, scene.events_size() - i);
+    reserveOnce(events, scene.events_size());
     events.emplace_back(static_cast<EventAction>(event.action()), event.object_id(),
                         std::vector<int>(event.object_ids().begin(), event.object_ids().end()));
   }
   return events;
 }
 
-std::optional<std::string> valueName(const ::VOD::Attribute& attribute, const SceneNames& names) {
-  if (attribute.has_class_case() == ::VOD::Attribute::HAS_CLASS_NOT_SET) {
-    return std::nullopt;
-  }
-  const std::string* const name =
-      findName(names.attributeClasses, AttributeClassId{attribute.type(), attribute.class_()});
-  return name != nullptr ? std::optional<std::string>(*name) : std::nullopt;
+const std::string* findValueName(const ::VOD::Attribute& attribute, const SceneNames& names) {
+  return attribute.has_class_case() == ::VOD::Attribute::kClass
+             ? findName(names.attributeClasses, AttributeClassId{attribute.type(), attribute.class_()})
+             : nullptr;
 }
 
 std::optional<std::uint32_t> scoreOf(const ::VOD::Attribute& attribute) {
@@ -55,26 +51,25 @@ std::optional<std::uint32_t> scoreOf(const ::VOD::Attribute& attribute) {
                                                                 : std::nullopt;
 }
 
-std::vector<Attribute> convertAttributes(const ::VOD::Detection& detection, const SceneNames& names,
-                                         MissingAttributeType missingAttributeType) {
-  std::vector<Attribute> attributes;
-  for (int i = 0; i < detection.attributes_size(); ++i) {
-    const ::VOD::Attribute& attribute = detection.attributes(i);
+void convertAttributes(const ::VOD::Detection& detection, const SceneNames& names,
+                       MissingAttributeType missingAttributeType, std::vector<Attribute>& attributes) {
+  for (const ::VOD::Attribute& attribute : detection.attributes()) {
     const std::string* const typeName = findName(names.attributeTypes, attribute.type());
     if (typeName == nullptr) {
       missingAttributeType(attribute.type());
       continue;
     }
-    reserveOnce(attributes, detection.attributes_size() - i);
-    attributes.emplace_back(*typeName, valueName(attribute, names), scoreOf(attribute));
+    reserveOnce(attributes, detection.attributes_size());
+    Attribute& record = attributes.emplace_back(*typeName, std::nullopt, scoreOf(attribute));
+    if (const std::string* const valueName = findValueName(attribute, names)) {
+      record.className = *valueName;
+    }
   }
-  return attributes;
 }
 
-std::vector<Classification> convertClassifications(const ::VOD::Detection& detection, const SceneNames& names) {
-  std::vector<Classification> classifications;
-  for (int i = 0; i < detection.classifications_size(); ++i) {
-    const ::VOD::Classification& classification = detection.classifications(i);
+void convertClassifications(const ::VOD::Detection& detection, const SceneNames& names,
+                            std::vector<Classification>& classifications) {
+  for (const ::VOD::Classification& classification : detection.classifications()) {
     if (classification.has_class_case() == ::VOD::Classification::HAS_CLASS_NOT_SET ||
         classification.has_score_case() == ::VOD::Classification::HAS_SCORE_NOT_SET) {
       continue;
@@ -83,10 +78,9 @@ std::vector<Classification> convertClassifications(const ::VOD::Detection& detec
     if (className == nullptr) {
       continue;
     }
-    reserveOnce(classifications, detection.classifications_size() - i);
-    classifications.emplace_back(*className, classification.score());
+    reserveOnce(classifications, detection.classifications_size());
+    classifications.emplace_back(std::nullopt, classification.score()).className = *className;
   }
-  return classifications;
 }
 
 DetectionStatus convertStatus(::VOD::Detection_DetectionStatus status) {
@@ -103,17 +97,18 @@ DetectionStatus convertStatus(::VOD::Detection_DetectionStatus status) {
 std::vector<Data> convertDetections(const ::VOD::Scene& scene, const SceneNames& names,
                                     MissingAttributeType missingAttributeType) {
   std::vector<Data> detections;
-  for (int i = 0; i < scene.detections_size(); ++i) {
-    const ::VOD::Detection& detection = scene.detections(i);
+  for (const ::VOD::Detection& detection : scene.detections()) {
     const std::string* const className = findName(names.classes, static_cast<std::int32_t>(detection.class_id()));
     if (className == nullptr) {
       continue;
     }
-    reserveOnce(detections, scene.detections_size() - i);
-    detections.emplace_back(detection.coord_1(), detection.coord_2(), detection.coord_3(), detection.coord_4(),
-                            detection.object_id(), *className, detection.score(), convertStatus(detection.status()),
-                            convertAttributes(detection, names, missingAttributeType),
-                            convertClassifications(detection, names));
+    reserveOnce(detections, scene.detections_size());
+    Data& record =
+        detections.emplace_back(detection.coord_1(), detection.coord_2(), detection.coord_3(), detection.coord_4(),
+                                detection.object_id(), *className, detection.score(), convertStatus(detection.status()),
+                                std::vector<Attribute>(), std::vector<Classification>());
+    convertAttributes(detection, names, missingAttributeType, record.attributes);
+    convertClassifications(detection, names, record.classifications);
   }
   return detections;
 }

@@ -16,12 +16,11 @@ struct AttributeClassId {
   std::uint32_t type;
   std::uint32_t value;
 
-  friend bool operator<(const AttributeClassId& left, const AttributeClassId& right) {
-    return left.order() < right.order();
-  }
+  explicit operator std::uint64_t() const { return (std::uint64_t{type} << 32U) | value; }
 
- private:
-  std::uint64_t order() const { return (std::uint64_t{type} << 32U) | value; }
+  friend bool operator<(const AttributeClassId& left, const AttributeClassId& right) {
+    return static_cast<std::uint64_t>(left) < static_cast<std::uint64_t>(right);
+  }
 };
 
 /** The requested classes only, so that a look-up is the filter too. */

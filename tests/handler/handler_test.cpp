@@ -53,9 +53,9 @@ std::string sceneOf(const std::vector<std::uint32_t>& classIds, std::uint64_t ti
 HandlerTest::HandlerTest() {
   // A success first: it ends the run of failures that an earlier test may have left behind.
   vod::host::reset();
-  vod::host::channel(0);
-  Handler::setup(1, nullptr, {});
-  Handler::teardown(1);
+  vod::host::channel(lastTestedCamera - 1);
+  Handler::setup(lastTestedCamera, nullptr, {});
+  Handler::teardown(lastTestedCamera);
 
   vod::host::reset();
   vod::host::channel(0).detectorInformation(detectorBytes());
@@ -67,6 +67,7 @@ HandlerTest::~HandlerTest() {
   Handler::deinitialize();
   vod::host::liftAllFaults();
   for (int camera = 0; camera <= lastTestedCamera; ++camera) {
+    Handler::teardown(camera);  // the pending record of a failed update, or else the active one
     Handler::teardown(camera);
   }
   EXPECT_EQ(vod::host::liveSubscribers(), 0);

@@ -13,6 +13,7 @@
 #include <tarnvod/tarnvod.h>
 #include <vod_host.h>
 
+#include <cstdlib>
 #include <optional>
 #include <set>
 #include <string>
@@ -54,6 +55,22 @@ class HandlerTest : public testing::Test {
   SystemLog log_;
   RetrySleep sleep_;
   Inbox inbox_;
+};
+
+/** What the library knows of attributes lasts as long as the process, so some tests need one of their own. */
+class AFreshProcess : public HandlerTest {
+ protected:
+  AFreshProcess() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
+
+  /** Runs the body of a test there; what fails in it is printed and fails the test. */
+  void expectWell(void (*body)()) {
+    EXPECT_EXIT(
+        {
+          body();
+          std::_Exit(HasFailure() ? 1 : 0);
+        },
+        testing::ExitedWithCode(0), "");
+  }
 };
 
 }  // namespace tarn::test

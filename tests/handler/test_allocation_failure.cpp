@@ -15,38 +15,39 @@ namespace {
 
 using testing::ElementsAre;
 
+/**
+ * Tries a call again and again, each time with the next allocation failing, until it gets through; after each failure
+ * looks whether all is well.
+ */
+void atEachAllocation(const std::function<void()>& call, const std::function<void()>& expectAllWell) {
+  std::size_t number = 0;
+  bool failed = true;
+  while (failed) {
+    ++number;
+    bool threw = false;
+    {
+      const AllocationFailure failure(number);
+      try {
+        call();
+      } catch (const std::bad_alloc&) {
+        threw = true;
+      }
+      failed = failure.happened();
+    }
+    EXPECT_EQ(threw, failed) << "allocation " << number;
+    expectAllWell();
+  }
+  EXPECT_GT(number, 1U) << "nothing was allocated at all";
+}
+
 class MemoryRunningOut : public HandlerTest {
  protected:
-  /**
-   * Tries a call again and again, each time with the next allocation failing, until it gets through; after each failure
-   * looks whether all is well.
-   */
-  static void atEachAllocation(const std::function<void()>& call, const std::function<void()>& expectAllWell) {
-    std::size_t number = 0;
-    bool failed = true;
-    while (failed) {
-      ++number;
-      bool threw = false;
-      {
-        const AllocationFailure failure(number);
-        try {
-          call();
-        } catch (const std::bad_alloc&) {
-          threw = true;
-        }
-        failed = failure.happened();
-      }
-      EXPECT_TRUE(!threw || failed) << "allocation " << number;
-      expectAllWell();
-    }
-    EXPECT_GT(number, 1U) << "nothing was allocated at all";
-  }
+  MemoryRunningOut() { vod::host::aroundCalls(AllocationFailure::pause, AllocationFailure::resume); }
 };
 
 TEST_F(MemoryRunningOut, InASetUpLeavesNoSubscriberAndTheNextSetUpWorks) {
   const std::set<std::string> classes = {"human"};
   const VOD::DetectionCallback callback = inbox_.callback();
-  vod::host::recordCalls(false);
   atEachAllocation(
       [&] {
         Handler::setup(1, callback, classes, VOD::VodChannelConfiguration{0, 0, 1, 1});
@@ -97,24 +98,23 @@ TEST_F(MemoryRunningOut, WhileAFrameIsConvertedLosesThatFrameOnly) {
   EXPECT_EQ(frames, 1) << "only the attempt that had all its memory";
 }
 
-TEST_F(MemoryRunningOut, InTheQueriesLeavesNothingBehind) {
-  const auto expectAllWell = [] {
-    EXPECT_EQ(vod::host::liveSubscribers(), 0);
-    EXPECT_EQ(Handler::getSupportedAttributes().size(), 3U);
-  };
-  vod::host::recordCalls(false);
+void runOutOfMemoryInTheQueries() {
+  vod::host::aroundCalls(AllocationFailure::pause, AllocationFailure::resume);
+  const auto expectAllWell = [] { EXPECT_EQ(vod::host::liveSubscribers(), 0); };
   atEachAllocation([] { Handler::getDetectorInformation(1); }, expectAllWell);
   atEachAllocation([] { Handler::getSupportedClasses(); }, expectAllWell);
   atEachAllocation([] { Handler::getSupportedAttributes(); }, expectAllWell);
+  EXPECT_EQ(Handler::getSupportedAttributes().size(), 3U);
+}
+
+TEST_F(AFreshProcess, WhoseMemoryRunsOutInTheQueriesLeavesNothingBehind) {
+  expectWell(runOutOfMemoryInTheQueries);
 }
 
 TEST_F(MemoryRunningOut, DoesNotMatterWhenACameraIsTornDownOrDropped) {
   setUp(1);
   setUp(2);
   const vod::host::Registration dropped = vod::host::registration(5);
-  vod::host::recordCalls(false);
-  vod::host::plan(Fault(Function::Unsubscribe).always().failsWith(0));
-  vod::host::plan(Fault(Function::Delete).always().failsWith(0));
   const AllocationFailure failure(1);
   Handler::teardown(1);
   dropped.teardown(dropped.userData);
@@ -143,7 +143,6 @@ struct FailingWhenCopied {
 };
 
 TEST_F(MemoryRunningOut, InARetryKeepsTheCameraPendingForTheNextRound) {
-  vod::host::recordCalls(false);
   retryOnce();
   FailingWhenCopied::Plan plan;
   bool failed = true;

@@ -3,8 +3,6 @@
 
 #include "handler/handler_test.h"
 
-#include <cstdlib>
-
 namespace tarn::test {
 namespace {
 
@@ -120,20 +118,6 @@ TEST_F(ADetectorQuery, ForTheClassesIsForCameraOne) {
   EXPECT_EQ(Handler::getSupportedClasses(), (std::set<std::string>{"bus", "car", "human"}));
 }
 
-/** What is known of attributes lasts as long as the process, so these tests need one of their own. */
-class AFreshProcess : public HandlerTest {
- protected:
-  AFreshProcess() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
-};
-
-#define EXPECT_IN_A_FRESH_PROCESS(statement) \
-  EXPECT_EXIT(                               \
-      {                                      \
-        statement;                           \
-        std::_Exit(HasFailure() ? 1 : 0);    \
-      },                                     \
-      testing::ExitedWithCode(0), "")
-
 void askTwice() {
   const auto attributes = Handler::getSupportedAttributes();
   EXPECT_THAT(attributes, UnorderedElementsAre(Pair("colour", ElementsAre("blue", "red")),
@@ -145,7 +129,7 @@ void askTwice() {
 }
 
 TEST_F(AFreshProcess, ReadsTheAttributesOfCameraOneOnce) {
-  EXPECT_IN_A_FRESH_PROCESS(askTwice());
+  expectWell(askTwice);
 }
 
 void askADetectorWithoutValues() {
@@ -158,7 +142,7 @@ void askADetectorWithoutValues() {
 }
 
 TEST_F(AFreshProcess, AsksADetectorWhoseAttributesHaveNoValuesEachTime) {
-  EXPECT_IN_A_FRESH_PROCESS(askADetectorWithoutValues());
+  expectWell(askADetectorWithoutValues);
 }
 
 void askWhileTheServiceIsDown() {
@@ -169,7 +153,7 @@ void askWhileTheServiceIsDown() {
 }
 
 TEST_F(AFreshProcess, ThrowsWhenTheAttributesCannotBeReadAndReadsThemLater) {
-  EXPECT_IN_A_FRESH_PROCESS(askWhileTheServiceIsDown());
+  expectWell(askWhileTheServiceIsDown);
 }
 
 using TheAttributesOfCameraOne = HandlerTest;

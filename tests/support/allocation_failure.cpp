@@ -16,9 +16,10 @@ std::atomic<Watch> watch{Watch::Nobody};
 std::atomic<std::size_t> allocations{0};
 std::atomic<std::size_t> failing{AllocationFailure::none};
 thread_local bool isMarkedThread = false;
+thread_local bool isPaused = false;
 
 bool isWatched() {
-  const auto watched = watch.load();
+  const auto watched = isPaused ? Watch::Nobody : watch.load();
   return watched == Watch::Everybody || (watched == Watch::MarkedThread && isMarkedThread);
 }
 
@@ -50,6 +51,14 @@ AllocationFailure::AllocationFailure(std::size_t number, Threads threads) : numb
 AllocationFailure::~AllocationFailure() {
   watch = Watch::Nobody;
   isMarkedThread = false;
+}
+
+void AllocationFailure::pause() {
+  isPaused = true;
+}
+
+void AllocationFailure::resume() {
+  isPaused = false;
 }
 
 std::size_t AllocationFailure::count() const {

@@ -42,6 +42,10 @@ class AllocationFailure {
   /** Whether the failure has happened. */
   bool happened() const { return number_ != none && count() >= number_; }
 
+  /** Leaves out what the calling thread allocates until `resume`: for code that is not under test. */
+  static void pause();
+  static void resume();
+
  private:
   std::size_t number_;
 };

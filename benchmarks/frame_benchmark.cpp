@@ -1,0 +1,68 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+// Time: each road of each sample, from the detector's information to the model, and the set-up of a camera.
+
+#include "roads.h"
+#include "sample_scenes.h"
+
+#include <benchmark/benchmark.h>
+#include <tarnvod/detector_information.h>
+#include <tarnvod/handler.h>
+#include <vod_host.h>
+
+#include <memory>
+
+namespace tarn::VOD::bench {
+namespace {
+
+void takeRoad(benchmark::State& state, const Road& road, const Sample& sample) {
+  const Walk walk = road.prepare(sample);
+  for (auto _ : state) {
+    walk();
+  }
+}
+
+void makeModel(benchmark::State& state) {
+  const ::VOD::DetectorInformation message = sampleDetector();
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(DetectorInformation(message));
+  }
+}
+
+void setUpCamera(benchmark::State& state) {
+  vod::host::channel(0).detectorInformation(sampleDetector().SerializeAsString());
+  vod::host::recordCalls(false);
+  const std::set<std::string> classes = sampleClasses();
+  for (auto _ : state) {
+    Handler::setup(
+        1, [](std::unique_ptr<DetectionData> /*frame*/, int /*camera*/) {}, classes);
+    Handler::teardown(1);
+  }
+  vod::host::recordCalls(true);
+}
+
+void registerAll() {
+  for (const Sample& sample : samples()) {
+    for (const Road& road : allRoads()) {
+      benchmark::RegisterBenchmark((road.name + '/' + sample.name).c_str(),
+                                   [road, sample](benchmark::State& state) { takeRoad(state, road, sample); });
+    }
+  }
+  benchmark::RegisterBenchmark("model", makeModel);
+  benchmark::RegisterBenchmark("setup-and-teardown", setUpCamera);
+}
+
+}  // namespace
+}  // namespace tarn::VOD::bench
+
+int main(int argc, char** argv) {
+  vod::host::reset();
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
+    return 1;
+  }
+  tarn::VOD::bench::registerAll();
+  benchmark::RunSpecifiedBenchmarks();
+  return 0;
+}

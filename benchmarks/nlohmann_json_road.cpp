@@ -1,0 +1,72 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#include "other_roads.h"
+
+#include <nlohmann/json.hpp>
+#include <utility>
+
+namespace tarn::VOD::bench {
+namespace {
+
+using nlohmann::json;
+
+Data convertDetection(const json& detection, const std::string& className, const SceneNames& names) {
+  std::vector<Attribute> attributes;
+  const json& attributeItems = detection.at("attributes");
+  attributes.reserve(attributeItems.size());
+  for (const json& item : attributeItems) {
+    const auto type = item.at("type").get<std::uint32_t>();
+    if (const std::string* const typeName = names.attributeTypes->find(type)) {
+      attributes.emplace_back(
+          *typeName,
+          copyName(names.attributeClasses->find(AttributeClassId{type, item.at("class").get<std::uint32_t>()})),
+          item.at("score").get<std::uint32_t>());
+    }
+  }
+  std::vector<Classification> classifications;
+  const json& classificationItems = detection.at("classifications");
+  classifications.reserve(classificationItems.size());
+  for (const json& item : classificationItems) {
+    if (const std::string* const name = names.classes->find(item.at("class").get<std::int32_t>())) {
+      classifications.emplace_back(*name, item.at("score").get<std::uint32_t>());
+    }
+  }
+  return {detection.at("coord_1").get<float>(),
+          detection.at("coord_2").get<float>(),
+          detection.at("coord_3").get<float>(),
+          detection.at("coord_4").get<float>(),
+          detection.at("object_id").get<std::uint32_t>(),
+          className,
+          detection.at("score").get<std::uint32_t>(),
+          static_cast<DetectionStatus>(detection.at("status").get<int>()),
+          std::move(attributes),
+          std::move(classifications)};
+}
+
+std::unique_ptr<DetectionData> convert(const json& scene, const SceneNames& names) {
+  std::vector<Data> detections;
+  detections.reserve(scene.at("detections").size());
+  for (const json& item : scene.at("detections")) {
+    if (const std::string* const className = names.classes->find(item.at("class_id").get<std::int32_t>())) {
+      detections.push_back(convertDetection(item, *className, names));
+    }
+  }
+  std::vector<VodEvent> events;
+  events.reserve(scene.at("events").size());
+  for (const json& item : scene.at("events")) {
+    events.emplace_back(static_cast<EventAction>(item.at("action").get<int>()), item.at("object_id").get<int>(),
+                        item.at("object_ids").get<std::vector<int>>());
+  }
+  return std::make_unique<DetectionData>(scene.at("timestamp").get<std::uint64_t>(), std::move(detections),
+                                         std::move(events));
+}
+
+}  // namespace
+
+Walk nlohmannJsonRoad(const Sample& sample) {
+  return
+      [text = jsonOf(sample.scene), names = namesOf(sample.detector)] { deliver(convert(json::parse(text), names)); };
+}
+
+}  // namespace tarn::VOD::bench

@@ -1,0 +1,121 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#include "roads.h"
+
+#include "detection-data/scene_conversion.h"
+#include "sample_scenes.h"
+
+#include <tarnvod/handler.h>
+#include <vod_host.h>
+
+#include <cstring>
+#include <map>
+#include <memory>
+#include <stdexcept>
+#include <utility>
+
+namespace tarn::VOD::bench {
+namespace {
+
+constexpr int pointsPerOutline = 48;
+
+void ignoreMissingType(std::uint32_t /*type*/) {}
+
+/** Keeps the compiler from leaving out what computes the value. */
+template <typename Value>
+void use(const Value& value) {
+  asm volatile("" : : "r"(&value) : "memory");
+}
+
+void parse(::VOD::Scene& scene, const std::string& bytes) {
+  if (!scene.ParseFromArray(bytes.data(), static_cast<int>(bytes.size()))) {
+    throw std::logic_error("the sample does not parse");
+  }
+}
+
+Walk parseAlone(const Sample& sample) {
+  return [bytes = sample.scene.SerializeAsString()] {
+    ::VOD::Scene scene;
+    parse(scene, bytes);
+    use(scene);
+  };
+}
+
+Walk convertAlone(const Sample& sample) {
+  return
+      [scene = sample.scene, names = namesOf(sample.detector)] { use(*convertScene(scene, names, ignoreMissingType)); };
+}
+
+Walk copyBytes(const Sample& sample) {
+  return [bytes = sample.scene.SerializeAsString(), target = std::string()]() mutable {
+    target.resize(bytes.size());
+    std::memcpy(target.data(), bytes.data(), bytes.size());
+    use(target);
+  };
+}
+
+Walk wholeRoadOfAllClasses(const Sample& sample) {
+  return wholeRoad(sample, 1, detectorClasses);
+}
+
+}  // namespace
+
+std::vector<Sample> samples() {
+  std::vector<Sample> all;
+  for (const int detections : {0, 3, 12, 100}) {
+    all.push_back({std::to_string(detections), sampleScene(detections), sampleDetector()});
+  }
+  all.push_back({"12-outlines", sampleScene(12), sampleDetector()});
+  addOutlines(all.back().scene, pointsPerOutline);
+  all.push_back({"12-long-names", sampleScene(12), sampleDetector(TypeNames::Long)});
+  return all;
+}
+
+SceneNames namesOf(const ::VOD::DetectorInformation& detector) {
+  std::map<std::int32_t, std::string> classes;
+  std::map<std::uint32_t, std::string> types;
+  std::map<AttributeClassId, std::string> values;
+  for (const auto& objectClass : detector.object_classes()) {
+    classes[static_cast<std::int32_t>(objectClass.id())] = objectClass.name();
+  }
+  for (const auto& type : detector.attribute_types()) {
+    types[type.id()] = type.name();
+    for (const auto& value : type.attribute_classes()) {
+      values[{type.id(), value.id()}] = value.name();
+    }
+  }
+  return {std::make_shared<const ClassNames>(std::move(classes)),
+          std::make_shared<const AttributeTypeNames>(std::move(types)),
+          std::make_shared<const AttributeClassNames>(std::move(values))};
+}
+
+Walk wholeRoad(const Sample& sample, int camera, int classes) {
+  const vod::host::Channel channel = vod::host::channel(camera - 1);
+  Handler::teardown(camera);
+  channel.detectorInformation(sample.detector.SerializeAsString());
+  const auto emptyApplication = [](std::unique_ptr<DetectionData> frame, int /*camera*/) { use(*frame); };
+  if (!Handler::setup(camera, emptyApplication, sampleClasses(classes))) {
+    throw std::runtime_error("camera " + std::to_string(camera) + " cannot be set up");
+  }
+  // What the service would call: the platform's own costs stay out of it.
+  const vod::host::Registration registered = vod::host::registration(channel.subscriptions().front());
+  return [bytes = sample.scene.SerializeAsString(), registered] {
+    registered.detection(reinterpret_cast<const std::uint8_t*>(bytes.data()), static_cast<std::int32_t>(bytes.size()),
+                         registered.userData);
+  };
+}
+
+std::vector<Road> libraryRoads() {
+  return {{"frame", wholeRoadOfAllClasses}, {"parse", parseAlone}, {"convert", convertAlone}, {"copy", copyBytes}};
+}
+
+std::vector<Road> allRoads() {
+  std::vector<Road> roads = libraryRoads();
+  for (Road& road : otherRoads()) {
+    roads.push_back(std::move(road));
+  }
+  return roads;
+}
+
+}  // namespace tarn::VOD::bench

@@ -1,0 +1,93 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#include "text.h"
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <limits>
+
+#include "bounded_queue.h"
+#include "svg.h"
+
+using tarn::command::BoundedQueue;
+using namespace tarn::command;
+
+namespace {
+
+class Text : public testing::Test {
+ protected:
+  Text() { std::setlocale(LC_CTYPE, "C.UTF-8"); }
+};
+
+TEST_F(Text, ThatIsPrintableStaysAsItIs) {
+  EXPECT_EQ(printable("Grün 車 🚗"), "Grün 車 🚗");
+}
+
+TEST_F(Text, LosesControlCharacters) {
+  EXPECT_EQ(printable("a\x1b[31m\n\x7F\xC2\x9B"), "a\uFFFD[31m\uFFFD\uFFFD\uFFFD");
+}
+
+TEST_F(Text, LosesBytesThatAreNoUtf8) {
+  EXPECT_EQ(printable("\xFFx"), "\uFFFDx");
+  EXPECT_EQ(printable("x\xE8\xBB"), "x\uFFFD\uFFFD");          // cut off
+  EXPECT_EQ(printable("\xC0\xAF"), "\uFFFD\uFFFD");            // overlong
+  EXPECT_EQ(printable("\xED\xA0\x80"), "\uFFFD\uFFFD\uFFFD");  // half of a surrogate pair
+}
+
+TEST_F(Text, IsAsWideAsItsCharacters) {
+  EXPECT_EQ(displayWidth("grün"), 4U);
+  EXPECT_EQ(displayWidth("車"), 2U);
+}
+
+TEST_F(Text, IsCutBetweenCharacters) {
+  EXPECT_EQ(cut("grüner", 4), "grü…");
+  EXPECT_EQ(cut("車車車", 4), "車…");
+  EXPECT_EQ(cut("four", 4), "four");
+  EXPECT_EQ(cut("four", 0), "");
+}
+
+TEST_F(Text, FillsItsColumns) {
+  EXPECT_EQ(fitted("ü", 3), "ü  ");
+  EXPECT_EQ(fittedRight("ü", 3), "  ü");
+}
+
+TEST_F(Text, OfAFloatReadsBackAsTheSame) {
+  for (const float number : {0.1F, 1.0F / 3, std::numeric_limits<float>::denorm_min(), 3.4e38F}) {
+    EXPECT_EQ(std::strtof(shortest(number).c_str(), nullptr), number);
+  }
+  EXPECT_EQ(shortest(0.1F), "0.1");
+}
+
+TEST_F(Text, OfACountAgreesWithItsNumber) {
+  EXPECT_EQ(counted(1, "frame"), "1 frame");
+  EXPECT_EQ(counted(0, "frame"), "0 frames");
+}
+
+TEST_F(Text, InAPictureIsWellFormed) {
+  EXPECT_EQ(svg::escaped("<&>'\"\xEF\xBF\xBF"), "&lt;&amp;&gt;&#39;&quot;\uFFFD");
+}
+
+TEST(AFullQueue, DropsAndCountsAfterOneWait) {
+  BoundedQueue<int> queue(1);
+  for (int value = 0; value < 1000; ++value) {
+    queue.push(value);
+  }
+
+  EXPECT_EQ(queue.dropped(), 999U);
+  EXPECT_EQ(queue.popWithin(std::chrono::milliseconds(0)), 0);
+  EXPECT_EQ(queue.popWithin(std::chrono::milliseconds(0)), std::nullopt);
+}
+
+TEST(AFullQueue, TakesValuesAgainOnceThereIsRoom) {
+  BoundedQueue<int> queue(1);
+  queue.push(1);
+  queue.push(2);
+  queue.popWithin(std::chrono::milliseconds(0));
+
+  queue.push(3);
+
+  EXPECT_EQ(queue.popWithin(std::chrono::milliseconds(0)), 3);
+}
+
+}  // namespace

@@ -1,0 +1,184 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "situations.h"
+
+using nlohmann::json;
+using testing::Each;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::SizeIs;
+using testing::StartsWith;
+
+namespace {
+
+std::vector<std::string> linesOf(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream stream(text);
+  for (std::string line; std::getline(stream, line);) {
+    lines.push_back(line);
+  }
+  return lines;
+}
+
+using Watch = test::TwoCameras;
+
+TEST_F(Watch, InAPipeShowsOneLineAFrame) {
+  const test::Outcome outcome = test::run({"watch", "--camera", "1", "--frames", "3"}, playing("20"));
+
+  EXPECT_EQ(outcome.exitCode, 0);
+  EXPECT_THAT(linesOf(outcome.output), SizeIs(3));
+  EXPECT_THAT(linesOf(outcome.output), Each(StartsWith("camera 1  ")));
+  EXPECT_THAT(outcome.output, HasSubstr("human 7 score 80 confident ["));
+  EXPECT_THAT(outcome.output, HasSubstr("(coat red)"));
+  EXPECT_THAT(outcome.errors, HasSubstr("camera 1: 3 frames in "));
+}
+
+TEST_F(Watch, AsJsonShowsTheRecordsFieldByField) {
+  const test::Outcome outcome = test::run({"watch", "--camera", "2", "--frames", "1", "--json"}, playing());
+
+  EXPECT_EQ(outcome.exitCode, 0);
+  const json frame = json::parse(outcome.output);
+  EXPECT_EQ(frame["camera"], 2);
+  EXPECT_EQ(frame["timestamp"], 0);
+  EXPECT_EQ(frame["events"], json::array());
+  ASSERT_EQ(frame["detections"].size(), 2U);
+  const json& human = frame["detections"][0];
+  EXPECT_EQ(human["objectId"], 7);
+  EXPECT_EQ(human["className"], "human");
+  EXPECT_EQ(human["score"], 80);
+  EXPECT_EQ(human["status"], "TrackedConfident");
+  EXPECT_EQ(human["classifications"], json::array());
+  EXPECT_EQ(human["attributes"], (json{{{"typeName", "coat"}, {"className", "red"}, {"score", nullptr}}}));
+  EXPECT_EQ(frame["detections"][1]["status"], "Untracked");
+}
+
+TEST_F(Watch, AsJsonShowsNumbersThatReadBackAsTheSame) {
+  const test::Outcome outcome = test::run({"watch", "--camera", "1", "--frames", "11", "--json"}, playing("20"));
+
+  const auto lines = linesOf(outcome.output);
+  ASSERT_THAT(lines, SizeIs(11));
+  for (int number = 0; number < 11; ++number) {
+    const json human = json::parse(lines[static_cast<std::size_t>(number)])["detections"][0];
+    const auto sent = test::scene(number).detections(0);
+    EXPECT_EQ(human["coord1"].get<float>(), sent.coord_1());
+    EXPECT_EQ(human["coord3"].get<float>(), sent.coord_3());
+  }
+  EXPECT_THAT(lines[0], HasSubstr("\"coord1\":0.1,"));
+  EXPECT_EQ(json::parse(lines[10])["events"], (json{{{"action", "Connect"}, {"objectId", 7}, {"objectIds", {9}}}}));
+}
+
+TEST_F(Watch, OfSeveralCamerasShowsEach) {
+  const test::Outcome outcome = test::run({"watch", "--camera", "1", "2", "--frames", "5", "--json"}, playing("20"));
+
+  EXPECT_EQ(outcome.exitCode, 0);
+  int framesOfFirst = 0;
+  int framesOfSecond = 0;
+  for (const std::string& line : linesOf(outcome.output)) {
+    (json::parse(line)["camera"] == 1 ? framesOfFirst : framesOfSecond) += 1;
+  }
+  EXPECT_EQ(framesOfFirst, 5);
+  EXPECT_EQ(framesOfSecond, 5);
+}
+
+TEST_F(Watch, OfOneClassShowsNoOther) {
+  const test::Outcome outcome =
+      test::run({"watch", "--camera", "1", "--class", "car", "--frames", "3", "--json"}, playing("20"));
+
+  EXPECT_THAT(outcome.output, HasSubstr("\"car\""));
+  EXPECT_THAT(outcome.output, Not(HasSubstr("\"human\"")));
+}
+
+TEST_F(Watch, OfAnUnknownClassNamesTheKnownOnes) {
+  const test::Outcome outcome = test::run({"watch", "--camera", "1", "--class", "Human"}, playing());
+
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_TRUE(test::isOneLine(outcome.errors));
+  EXPECT_THAT(outcome.errors, HasSubstr("'Human'"));
+  EXPECT_THAT(outcome.errors, HasSubstr("it knows car, human"));
+}
+
+TEST_F(Watch, OfARegionShowsOnlyWhatIsInIt) {
+  const test::Outcome outcome =
+      test::run({"watch", "--camera", "1", "--roi", "-0.1,-0.1,0.05,0.05", "--frames", "1", "--json"}, playing());
+
+  EXPECT_EQ(outcome.exitCode, 0);
+  const json frame = json::parse(outcome.output);
+  ASSERT_EQ(frame["detections"].size(), 1U);
+  EXPECT_EQ(frame["detections"][0]["className"], "car");
+}
+
+TEST_F(Watch, OfACameraThatIsNotThereFails) {
+  const test::Outcome outcome = test::run({"watch", "--camera", "7"}, playing());
+
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_TRUE(test::isOneLine(outcome.errors));
+  EXPECT_THAT(outcome.errors, HasSubstr("camera 7"));
+}
+
+TEST_F(Watch, EndsByItselfAfterItsTime) {
+  const test::Outcome outcome = test::run({"watch", "--camera", "1", "--seconds", "0.3"}, playing("20"));
+
+  EXPECT_EQ(outcome.exitCode, 0);
+  EXPECT_THAT(outcome.output, Not(IsEmpty()));
+}
+
+class WatchToldToEnd : public test::TwoCameras, public testing::WithParamInterface<int> {};
+
+TEST_P(WatchToldToEnd, TearsDownAndSumsUp) {
+  test::Process watch(test::command(), {"watch", "--camera", "1"}, playing());
+  watch.waitForOutput("camera 1  ");
+
+  watch.signal(GetParam());
+
+  const test::Outcome outcome = watch.wait();
+  EXPECT_EQ(outcome.exitCode, 0);
+  EXPECT_THAT(outcome.errors, HasSubstr("tarnvod: camera 1: "));
+  EXPECT_THAT(outcome.errors, HasSubstr(" interruptions\n"));
+}
+
+INSTANTIATE_TEST_SUITE_P(BySignal, WatchToldToEnd, testing::Values(SIGINT, SIGTERM, SIGHUP));
+
+TEST_F(Watch, EndsQuietlyWhenItsReaderGoesAway) {
+  test::Process watch(test::command(), {"watch", "--camera", "1", "--json"}, playing());
+  watch.waitForOutput("\n");
+
+  watch.stopReading();
+
+  const test::Outcome outcome = watch.wait();
+  EXPECT_EQ(outcome.exitCode, 0);
+  EXPECT_THAT(outcome.errors, IsEmpty());
+}
+
+TEST_F(Watch, OnAFullDiskFails) {
+  const test::Outcome outcome = test::runWithOutputTo("/dev/full", {"watch", "--camera", "1"}, playing());
+
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_EQ(outcome.errors, "tarnvod: standard output: No space left on device\n");
+}
+
+TEST(WatchOfAServiceThatIsDown, SaysSoAndWaits) {
+  test::Process watch(test::command(), {"watch", "--camera", "1"}, test::serviceDown());
+
+  watch.waitForErrors("tarnvod: camera 1: the service does not answer; trying again every 1 s\n");
+
+  watch.signal(SIGINT);
+  EXPECT_EQ(watch.wait().exitCode, 0);
+}
+
+TEST(WatchOfAServiceThatIsDown, FailsWhenNoFrameHasComeInTime) {
+  const test::Outcome outcome = test::run({"watch", "--camera", "1", "--seconds", "0.2"}, test::serviceDown());
+
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_THAT(outcome.errors, HasSubstr("camera 1: no frame came; the service does not answer"));
+}
+
+}  // namespace

@@ -1,0 +1,77 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#ifndef TARNVOD_COMMAND_BOUNDED_QUEUE_H
+#define TARNVOD_COMMAND_BOUNDED_QUEUE_H
+
+#include <chrono>
+#include <condition_variable>
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <mutex>
+#include <optional>
+#include <utility>
+
+namespace tarn::command {
+
+/**
+ * Hands values from the service's threads to the main thread.
+ *
+ * Bounded, so that a reader who falls behind costs frames and not memory. The service's thread is held up for
+ * `patience` at most, once: after a wait in vain, values are dropped and counted at once until there is room again.
+ */
+template <typename Value>
+class BoundedQueue {
+ public:
+  explicit BoundedQueue(std::size_t capacity) : capacity_(capacity) {}
+
+  /** Adds a value, or drops it when there is no room. */
+  void push(Value value) {
+    std::unique_lock lock(mutex_);
+    const auto hasRoom = [this] { return values_.size() < capacity_; };
+    if (!readerIsBehind_ && !room_.wait_for(lock, patience, hasRoom)) {
+      readerIsBehind_ = true;
+    }
+    if (!hasRoom()) {
+      ++dropped_;
+      return;
+    }
+    readerIsBehind_ = false;
+    values_.push_back(std::move(value));
+    filled_.notify_one();
+  }
+
+  /** Takes the oldest value; nothing if none came in time. */
+  std::optional<Value> popWithin(std::chrono::milliseconds limit) {
+    std::unique_lock lock(mutex_);
+    if (!filled_.wait_for(lock, limit, [this] { return !values_.empty(); })) {
+      return std::nullopt;
+    }
+    std::optional<Value> value(std::move(values_.front()));
+    values_.pop_front();
+    room_.notify_one();
+    return value;
+  }
+
+  /** How many values were dropped. */
+  std::uint64_t dropped() const {
+    const std::lock_guard lock(mutex_);
+    return dropped_;
+  }
+
+ private:
+  static constexpr std::chrono::milliseconds patience{100};
+
+  const std::size_t capacity_;
+  mutable std::mutex mutex_;
+  std::condition_variable filled_;
+  std::condition_variable room_;
+  std::deque<Value> values_;
+  bool readerIsBehind_ = false;
+  std::uint64_t dropped_ = 0;
+};
+
+}  // namespace tarn::command
+
+#endif

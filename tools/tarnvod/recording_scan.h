@@ -1,0 +1,65 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#ifndef TARNVOD_COMMAND_RECORDING_SCAN_H
+#define TARNVOD_COMMAND_RECORDING_SCAN_H
+
+#include <recording/recording.h>
+#include <tarnvod/video_object_detection.pb.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <vector>
+
+namespace tarn::command {
+
+/** One scene of a recording. */
+struct ScannedScene {
+  std::uint64_t number = 0;  ///< counted from 1
+  std::int64_t offset = 0;   ///< where it begins in the file
+  std::size_t size = 0;      ///< in bytes
+  ::VOD::Scene scene;
+};
+
+/** The recording's time in seconds from its first frame: time stamps are microseconds. */
+class RecordingClock {
+ public:
+  void advanceTo(std::uint64_t timestamp);
+  double seconds() const { return static_cast<double>(elapsed_) / 1e6; }
+  /** How often time stamps went back; time then goes on from where it was. */
+  std::uint64_t restarts() const { return restarts_; }
+
+ private:
+  std::optional<std::uint64_t> latest_;
+  std::uint64_t elapsed_ = 0;
+  std::uint64_t restarts_ = 0;
+};
+
+/** What is wrong with a recording; of many damages the first are kept and the rest are counted. */
+class DamageList {
+ public:
+  void add(vod::recording::Damage damage);
+  const std::vector<vod::recording::Damage>& first() const { return first_; }
+  std::uint64_t count() const { return count_; }
+
+ private:
+  std::vector<vod::recording::Damage> first_;
+  std::uint64_t count_ = 0;
+};
+
+/**
+ * Reads a recording from its start, never holding more than one scene.
+ *
+ * @param visit   gets each scene that can be read; false ends the reading
+ * @param damage  gets what cannot be read
+ * @throw vod::recording::RecordingError  when there are no scenes to be opened
+ */
+void scanRecording(const std::filesystem::path& folder, const std::function<bool(const ScannedScene&)>& visit,
+                   DamageList& damage);
+
+}  // namespace tarn::command
+
+#endif

@@ -1,0 +1,47 @@
+# SPDX-FileCopyrightText: 2026 The tarnvod authors
+# SPDX-License-Identifier: MIT
+#
+# Completion of the tarnvod command in bash.
+
+_tarnvod() {
+  local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
+  local -A options=(
+    [info]="--camera --file --json --help"
+    [watch]="--camera --class --all-classes --roi --frames --seconds --json --help"
+    [record]="--camera --output --seconds --frames --help"
+    [inspect]="--json --help"
+    [render]="--output --frame --box --range --aspect --background --detector --help"
+  )
+  COMPREPLY=()
+  if [[ $COMP_CWORD -eq 1 ]]; then
+    mapfile -t COMPREPLY < <(compgen -W "info watch record inspect render --help --version" -- "$current")
+    return
+  fi
+  case $previous in
+    --box)
+      mapfile -t COMPREPLY < <(compgen -W "corners size" -- "$current")
+      return
+      ;;
+    --camera)
+      local channels
+      channels=$(tarnvod info 2>/dev/null | awk '$1 == "channels" && $2 ~ /^[0-9]+$/ { print $2 }')
+      mapfile -t COMPREPLY < <(compgen -W "$(seq 1 "${channels:-0}")" -- "$current")
+      return
+      ;;
+    --file | --output | --background | --detector)
+      compopt -o filenames
+      mapfile -t COMPREPLY < <(compgen -f -- "$current")
+      return
+      ;;
+    --class | --roi | --frames | --seconds | --frame | --range | --aspect)
+      return
+      ;;
+  esac
+  if [[ $current == -* ]]; then
+    mapfile -t COMPREPLY < <(compgen -W "${options[${COMP_WORDS[1]}]:-}" -- "$current")
+  elif [[ ${COMP_WORDS[1]} == inspect || ${COMP_WORDS[1]} == render ]]; then
+    compopt -o filenames
+    mapfile -t COMPREPLY < <(compgen -f -- "$current")
+  fi
+}
+complete -F _tarnvod tarnvod
