@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-// Detector information bytes to the model, as the handler's queries give it, and to a camera's attribute names; compared
-// with a second reading of the bytes.
+// Detector information bytes to the model, as the handler's queries give it, and to a camera's attribute names;
+// compared with a second reading of the bytes.
 
 #include "fuzz_input.h"
 #include "reference/detector_reference.h"

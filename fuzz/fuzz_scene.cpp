@@ -3,7 +3,8 @@
 
 // Scene bytes to record, compared with a second conversion.
 //
-// Input: the number of ids and the ids that have names, for classes, attribute types and attribute values; then the scene.
+// Input: the number of ids and the ids that have names, for classes, attribute types and attribute values; then the
+// scene.
 
 #include "detection-data/scene_conversion.h"
 #include "fuzz_input.h"

@@ -230,8 +230,7 @@ std::optional<ExpectedFrame> RegistryModel::sendScene(int camera, const std::str
     return std::nullopt;
   }
   const ReferenceAttributes& attributes = attributes_[camera];
-  const ReferenceFrame frame =
-      referenceFrame(scene, {record->second.classNames, attributes.types, attributes.values});
+  const ReferenceFrame frame = referenceFrame(scene, {record->second.classNames, attributes.types, attributes.values});
   for (const std::uint32_t type : frame.missingAttributeTypes) {
     const std::string number = std::to_string(static_cast<int>(type));
     log_.push_back({LOG_ERR, "Missing vod attribute string for attribute type id " + number + "\n"});

@@ -6,10 +6,12 @@
 #include <recording/recording_writer.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
+#include <thread>
 
 namespace test {
 
@@ -91,6 +93,16 @@ void makeRecording(const std::filesystem::path& folder) {
   vod::recording::RecordingWriter writer(folder, detector().SerializeAsString());
   for (int number = 0; number < framesInRecording; ++number) {
     writer.append(sceneBytes(number));
+  }
+}
+
+void waitForFirstScene(const std::filesystem::path& folder) {
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+  while (contentsOf(folder / "scenes.pb").empty()) {
+    if (std::chrono::steady_clock::now() > deadline) {
+      throw std::runtime_error("no scene has been recorded");
+    }
+    std::this_thread::yield();
   }
 }
 

@@ -46,6 +46,9 @@ inline constexpr int framesInRecording = 20;
 /** A recording of that many frames, ten per second. */
 void makeRecording(const std::filesystem::path& folder);
 
+/** Waits until a recording that is being made holds a scene. */
+void waitForFirstScene(const std::filesystem::path& folder);
+
 /** Two cameras that play a recording. */
 class TwoCameras : public testing::Test {
  protected:

@@ -187,9 +187,8 @@ svg::Drawing drawTracks(const Tracks& tracks, const std::string& title, const Dr
   const svg::Drawing lives = drawLives(tracks);
   const std::string position = "translate(" + number(canvas.x(1) + margin) + " " + number(canvas.top) + ")";
   const std::string content =
-      drawCanvas(canvas, style, title, note, imageOpacity) +
-      clipped(canvas, drawConnections(tracks, canvas) + lines) + ends + drawLabels(tracks, canvas) +
-      element("g", {{"transform", position}}, "\n" + lives.content);
+      drawCanvas(canvas, style, title, note, imageOpacity) + clipped(canvas, drawConnections(tracks, canvas) + lines) +
+      ends + drawLabels(tracks, canvas) + element("g", {{"transform", position}}, "\n" + lives.content);
   return {drawingWidth, headHeight + std::max(canvas.height, lives.height) + margin, content};
 }
 
