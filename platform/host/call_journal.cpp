@@ -25,7 +25,7 @@ void CallJournal::end(std::uint64_t number, Call&& call) noexcept {
   if (number < firstNumber_) {
     return;
   }
-  calls_[number - firstNumber_] = std::move(call);
+  calls_[static_cast<std::size_t>(number - firstNumber_)] = std::move(call);
   ++changes_;
   changed_.notify_all();
 }

@@ -120,6 +120,9 @@ int Service::join(const std::shared_ptr<Subscriber>& subscriber, int subscriptio
   if (state_.isDown) {
     return status::serviceDown;
   }
+  if (!subscriber->has(subscription)) {
+    return status::badHandle;  // Ended meanwhile, by a callback or by another thread.
+  }
   ChannelState* const channel = findChannel(lock, subscriber->channel());
   if (channel == nullptr) {
     return status::noSuchChannel;

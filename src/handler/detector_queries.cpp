@@ -7,6 +7,7 @@
 
 #include "handler/attribute_names.h"
 #include "handler/handler_state.h"
+#include "platform_types.h"
 
 #include <tarnvod/handler.h>
 #include <tarnvod/read_detector_information.h>
@@ -24,7 +25,9 @@ namespace {
 class TemporarySubscriber {
  public:
   explicit TemporarySubscriber(int camera) {
-    if (video_object_detection_subscriber_create(&subscriber_, nullptr, camera - 1) != 0) {
+    if (video_object_detection_subscriber_create(
+            &subscriber_, nullptr,
+            static_cast<ParameterType<decltype(video_object_detection_subscriber_create), 2>>(camera - 1)) != 0) {
       throw std::runtime_error("Failed to create subscription to vod.");
     }
   }

@@ -6,6 +6,7 @@
 #include "detector-information/class_ids_to_names.h"
 #include "handler/attribute_names.h"
 #include "handler/platform_callbacks.h"
+#include "platform_types.h"
 
 #include <syslog.h>
 #include <tarnvod/read_detector_information.h>
@@ -31,7 +32,8 @@ template <typename Byte, typename Length, typename UserData>
 void detectionCallback(Byte* buffer, Length length, UserData* userData) {
   constexpr auto unparsable = std::int32_t{-1};
   const bool fits = static_cast<std::uint64_t>(length) <= std::numeric_limits<std::int32_t>::max();
-  onServiceDetection(buffer, fits ? static_cast<std::int32_t>(length) : unparsable, userData);
+  onServiceDetection(reinterpret_cast<const std::uint8_t*>(buffer),
+                     fits ? static_cast<std::int32_t>(length) : unparsable, userData);
 }
 
 /**
@@ -61,6 +63,9 @@ void update(ChannelSubscription& live, ChannelSubscription& wanted) noexcept {
   live.classIdsToNames.swap(wanted.classIdsToNames);
 }
 
+using Create = decltype(video_object_detection_subscriber_create);
+using SetChannelConfiguration = decltype(video_object_detection_set_channel_configuration);
+
 void configureRegion(const ChannelSubscription& subscription) {
   ::VOD::ChannelConfiguration configuration;
   ::VOD::BoundingBox& roi = *configuration.mutable_roi();
@@ -70,7 +75,9 @@ void configureRegion(const ChannelSubscription& subscription) {
   roi.set_coord_4(subscription.channelConfiguration->coord4);
   const std::string bytes = configuration.SerializeAsString();
   require(video_object_detection_set_channel_configuration(
-              subscription.camera - 1, reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size(), nullptr) == 0,
+              static_cast<ParameterType<SetChannelConfiguration, 0>>(subscription.camera - 1),
+              reinterpret_cast<ParameterType<SetChannelConfiguration, 1>>(bytes.data()),
+              static_cast<ParameterType<SetChannelConfiguration, 2>>(bytes.size()), nullptr) == 0,
           "Failed to set channel configuration on vod.");
   require(video_object_detection_subscriber_use_channel_configuration(subscription.subscriber, true) == 0,
           "Failed to enable channel configuration on vod.");
@@ -78,7 +85,7 @@ void configureRegion(const ChannelSubscription& subscription) {
 
 void subscribe(ChannelSubscription& subscription) {
   require(video_object_detection_subscriber_create(&subscription.subscriber, &subscription.camera,
-                                                   subscription.camera - 1) == 0,
+                                                   static_cast<ParameterType<Create, 2>>(subscription.camera - 1)) == 0,
           "Failed to create subscription to vod.");
   require(video_object_detection_subscriber_set_get_detection_callback(subscription.subscriber, detectionCallback) == 0,
           "Failed to set callback for reading data on vod");

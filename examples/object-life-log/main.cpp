@@ -1,0 +1,75 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+// Writes down the life of each object: when it appears, when the detector becomes sure or unsure of it, when it turns
+// out to be one that was seen before, when it is gone. Shows what status and events tell together. Ends with Enter.
+
+#include <tarnvod/tarnvod.h>
+
+#include <cstdint>
+#include <iostream>
+#include <map>
+#include <memory>
+
+using tarn::VOD::Data;
+using tarn::VOD::DetectionData;
+using tarn::VOD::DetectionStatus;
+using tarn::VOD::Handler;
+using tarn::VOD::VodEvent;
+
+namespace {
+
+class LifeLog {
+ public:
+  void write(const DetectionData& frame) {
+    for (const Data& detection : frame.detections) {
+      if (detection.status != DetectionStatus::Untracked) {
+        writeStatus(frame.timestamp, detection);
+      }
+    }
+    for (const VodEvent& event : frame.events) {
+      writeEvent(frame.timestamp, event);
+    }
+  }
+
+ private:
+  void writeStatus(std::uint64_t time, const Data& detection) {
+    const auto [known, isNew] = statuses_.try_emplace(detection.objectId, detection.status);
+    if (isNew) {
+      std::cout << time << ": " << detection.objectId << " appears: " << detection.className << std::endl;
+    } else if (known->second != detection.status) {
+      known->second = detection.status;
+      std::cout << time << ": " << detection.objectId << " is " << detection.status << std::endl;
+    }
+  }
+
+  void writeEvent(std::uint64_t time, const VodEvent& event) {
+    std::cout << time << ": " << event.objectId;
+    if (event.action == tarn::VOD::EventAction::Delete) {
+      statuses_.erase(static_cast<std::uint32_t>(event.objectId));
+      std::cout << " is gone" << std::endl;
+      return;
+    }
+    std::cout << " was seen before as";
+    for (const int earlier : event.objectIds) {
+      std::cout << ' ' << earlier;
+    }
+    std::cout << std::endl;
+  }
+
+  std::map<std::uint32_t, DetectionStatus> statuses_;
+};
+
+}  // namespace
+
+int main() {
+  Handler::initialize(1);
+
+  const auto log = std::make_shared<LifeLog>();
+  Handler::setup(
+      1, [log](std::unique_ptr<DetectionData> frame, int) { log->write(*frame); }, Handler::getSupportedClasses());
+
+  std::cin.get();
+  Handler::teardown(1);
+  Handler::deinitialize();
+}

@@ -1,0 +1,64 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+// Counts the people that each minute shows: how to tell objects apart by their ids, and how to keep time by the frames'
+// own time stamps. Ends with Enter.
+
+#include <tarnvod/tarnvod.h>
+
+#include <cstdint>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <set>
+
+using tarn::VOD::DetectionData;
+using tarn::VOD::DetectionStatus;
+using tarn::VOD::Handler;
+
+namespace {
+
+// The service chooses the unit of its time stamps. In tarnvod's own recordings it is the microsecond; on a device,
+// compare the stamps of a few frames with a clock.
+constexpr std::uint64_t unitsPerMinute = 60'000'000;
+
+class PeopleCounter {
+ public:
+  void count(const DetectionData& frame) {
+    const std::uint64_t minute = frame.timestamp / unitsPerMinute;
+    if (minute != minute_) {
+      report();
+      minute_ = minute;
+      people_.clear();
+    }
+    for (const tarn::VOD::Data& detection : frame.detections) {
+      if (detection.status != DetectionStatus::Untracked) {  // only tracked objects keep their id from frame to frame
+        people_.insert(detection.objectId);
+      }
+    }
+  }
+
+ private:
+  void report() const {
+    if (minute_) {
+      std::cout << "people in minute " << *minute_ << ": " << people_.size() << std::endl;
+    }
+  }
+
+  std::optional<std::uint64_t> minute_;
+  std::set<std::uint32_t> people_;
+};
+
+}  // namespace
+
+int main() {
+  Handler::initialize(1);
+
+  // Shared with the callback: a frame may still be on its way when the camera has been torn down.
+  const auto counter = std::make_shared<PeopleCounter>();
+  Handler::setup(1, [counter](std::unique_ptr<DetectionData> frame, int) { counter->count(*frame); }, {"human"});
+
+  std::cin.get();
+  Handler::teardown(1);
+  Handler::deinitialize();
+}
