@@ -13,9 +13,11 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <ctime>
 #include <exception>
 #include <iostream>
 #include <map>
+#include <mutex>
 #include <thread>
 
 namespace {
@@ -55,19 +57,35 @@ extern "C" int pthread_mutex_unlock(pthread_mutex_t* mutex) noexcept {
 
 namespace {
 
-double framesPerSecond(const std::vector<Walk>& cameras, std::size_t count) {
+/** Frames by the clock on the wall and by the processor time that they took. */
+struct Rate {
+  double perSecond = 0;
+  double perProcessorSecond = 0;
+};
+
+double processorSeconds() {
+  timespec time{};
+  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+  return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+}
+
+Rate measure(const std::vector<Walk>& cameras, std::size_t count) {
   constexpr auto duration = std::chrono::milliseconds(200);
   std::atomic<bool> running{true};
-  std::atomic<long> frames{0};
+  std::mutex mutex;
+  double frames = 0;
+  double seconds = 0;
   std::vector<std::thread> threads;
   const auto begin = Clock::now();
   for (std::size_t camera = 0; camera < count; ++camera) {
-    threads.emplace_back([&running, &frames, &walk = cameras[camera]] {
+    threads.emplace_back([&, &walk = cameras[camera]] {
       long own = 0;
       for (; running.load(std::memory_order_relaxed); ++own) {
         walk();
       }
-      frames += own;
+      const std::lock_guard<std::mutex> lock(mutex);
+      frames += static_cast<double>(own);
+      seconds += processorSeconds();
     });
   }
   std::this_thread::sleep_for(duration);
@@ -75,19 +93,22 @@ double framesPerSecond(const std::vector<Walk>& cameras, std::size_t count) {
   for (std::thread& thread : threads) {
     thread.join();
   }
-  return static_cast<double>(frames) / std::chrono::duration<double>(Clock::now() - begin).count();
+  return {frames / std::chrono::duration<double>(Clock::now() - begin).count(), frames / seconds};
 }
 
 void printScaling(const std::vector<Walk>& cameras) {
   constexpr int rounds = 25;
-  std::map<std::size_t, double> best{{1, 0}, {2, 0}, {8, 0}};
+  std::map<std::size_t, Rate> best{{1, {}}, {2, {}}, {8, {}}};
   for (int round = 0; round < rounds; ++round) {
     for (auto& [count, rate] : best) {
-      rate = std::max(rate, framesPerSecond(cameras, count));
+      const Rate measured = measure(cameras, count);
+      rate.perSecond = std::max(rate.perSecond, measured.perSecond);
+      rate.perProcessorSecond = std::max(rate.perProcessorSecond, measured.perProcessorSecond);
     }
   }
   for (const auto& [count, rate] : best) {
-    std::cout << "scaling " << count << ' ' << static_cast<long>(rate) << ' ' << rate / best[1] << '\n';
+    std::cout << "scaling " << count << ' ' << rate.perSecond << ' ' << rate.perSecond / best[1].perSecond << ' '
+              << rate.perProcessorSecond / best[1].perProcessorSecond << '\n';
   }
 }
 

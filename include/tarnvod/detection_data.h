@@ -50,6 +50,7 @@ enum class DetectionStatus {
 
 /** One attribute of a detected object, such as the colour of its clothing. */
 struct TARNVOD_EXPORT Attribute {
+  /** Takes all members, in their order. */
   Attribute(const std::string& typeName, std::optional<std::string> className, std::optional<std::uint32_t> score);
 
   std::string typeName;                  ///< the attribute type's name; always known
@@ -59,6 +60,7 @@ struct TARNVOD_EXPORT Attribute {
 
 /** One class that the object may belong to. */
 struct TARNVOD_EXPORT Classification {
+  /** Takes all members, in their order. */
   Classification(std::optional<std::string> className, std::optional<std::uint32_t> score);
 
   std::optional<std::string> className;  ///< the class's name; present in every record that the library delivers
@@ -67,6 +69,7 @@ struct TARNVOD_EXPORT Classification {
 
 /** One event about tracked objects. */
 struct TARNVOD_EXPORT VodEvent {
+  /** Takes all members, in their order. */
   VodEvent(EventAction action, int objectId, std::vector<int> objectIds);
 
   EventAction action;          ///< what happened
@@ -76,6 +79,7 @@ struct TARNVOD_EXPORT VodEvent {
 
 /** One detected object. */
 struct TARNVOD_EXPORT Data {
+  /** Takes all members, in their order. */
   Data(float coord1, float coord2, float coord3, float coord4, unsigned int objectId, const std::string& className,
        unsigned int score, DetectionStatus status, std::vector<Attribute> attributes,
        std::vector<Classification> classifications);
@@ -94,6 +98,7 @@ struct TARNVOD_EXPORT Data {
 
 /** One analysed frame of one camera. */
 struct TARNVOD_EXPORT DetectionData {
+  /** Takes all members, in their order. */
   DetectionData(std::uint64_t timestamp, std::vector<Data> detections, std::vector<VodEvent> events);
 
   std::uint64_t timestamp;       ///< the frame's time stamp; unit and epoch are the service's, passed on unchanged
@@ -103,6 +108,7 @@ struct TARNVOD_EXPORT DetectionData {
 
 /** @name Comparison, member by member */
 ///@{
+/** Compares member by member. */
 TARNVOD_EXPORT bool operator==(const Attribute& left, const Attribute& right);
 TARNVOD_EXPORT bool operator==(const Classification& left, const Classification& right);
 TARNVOD_EXPORT bool operator==(const VodEvent& left, const VodEvent& right);
@@ -117,6 +123,7 @@ inline bool operator!=(const DetectionData& left, const DetectionData& right) { 
 
 /** @name Printing: one line, no line end; enumerations by name, unknown numbers as numbers */
 ///@{
+/** Prints on one line. */
 TARNVOD_EXPORT std::ostream& operator<<(std::ostream& out, EventAction action);
 TARNVOD_EXPORT std::ostream& operator<<(std::ostream& out, DetectionStatus status);
 TARNVOD_EXPORT std::ostream& operator<<(std::ostream& out, const Attribute& attribute);

@@ -70,7 +70,9 @@ enum class FishEyeMountingPosition : std::uint8_t {
 
 /** Three numbers that calibrate a class's score, passed on unchanged; their meaning is the service's. */
 struct Calibration {
-  float coefficientC, coefficientA, coefficientB;
+  float coefficientC;  ///< the message's coefficient_c
+  float coefficientA;  ///< the message's coefficient_a
+  float coefficientB;  ///< the message's coefficient_b
 };
 
 /** The attributes that objects of one class can have. */
@@ -161,6 +163,9 @@ class TARNVOD_EXPORT DetectorInformation {
    * lives. */
   const std::map<std::string, std::set<std::string>>& getSupportedAttributes() const { return supportedAttributes_; }
 
+  /** @name Setters: each replaces the whole value */
+  ///@{
+  /** Replaces the value. */
   void setCameraNbr(int cameraNbr) { cameraNbr_ = cameraNbr; }
   void setCalibrationsContainer(std::map<std::string, std::vector<Calibration>> calibrations);
   void setObjectVariants(std::map<std::string, ObjectSchema> objectVariants);
@@ -171,9 +176,8 @@ class TARNVOD_EXPORT DetectorInformation {
   void setComputeChip(ComputeChip chip) { computeChip_ = chip; }
   void setClassifications(Classifications classifications);
   void setRotation(int rotation) { rotation_ = rotation; }
-
-  /** Replaces the supported attributes. */
   void setAttributes(std::map<std::string, std::set<std::string>> supportedAttributes);
+  ///@}
 
  private:
   friend bool operator==(const DetectorInformation& left, const DetectorInformation& right);
@@ -191,6 +195,7 @@ class TARNVOD_EXPORT DetectorInformation {
 
 /** @name Comparison, member by member */
 ///@{
+/** Compares member by member. */
 TARNVOD_EXPORT bool operator==(const Calibration& left, const Calibration& right);
 TARNVOD_EXPORT bool operator==(const ObjectSchema& left, const ObjectSchema& right);
 TARNVOD_EXPORT bool operator==(const Classifications& left, const Classifications& right);
@@ -203,6 +208,7 @@ inline bool operator!=(const DetectorInformation& left, const DetectorInformatio
 
 /** @name Printing: one line, no line end; enumerations by name, unknown numbers as numbers */
 ///@{
+/** Prints on one line. */
 TARNVOD_EXPORT std::ostream& operator<<(std::ostream& out, ComputeChip chip);
 TARNVOD_EXPORT std::ostream& operator<<(std::ostream& out, ReidStatus status);
 TARNVOD_EXPORT std::ostream& operator<<(std::ostream& out, FishEyeMountingPosition position);

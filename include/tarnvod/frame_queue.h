@@ -174,7 +174,7 @@ class FrameQueue {
  private:
   /** What queue and callbacks share. The frames that wait are a ring: `size` slots from `first` on. */
   struct State {
-    State(std::size_t capacity, FrameQueuePolicy policy) : policy(policy), slots(checked(capacity)) {}
+    State(std::size_t capacity, FrameQueuePolicy rule) : policy(rule), slots(checked(capacity)) {}
 
     static std::size_t checked(std::size_t capacity) {
       if (capacity == 0) {

@@ -20,7 +20,10 @@ namespace tarn::VOD {
 
 /** A region of interest: four numbers in the service's box convention, passed on unchanged and in this order. */
 struct VodChannelConfiguration {
-  float coord1, coord2, coord3, coord4;
+  float coord1;  ///< first number
+  float coord2;  ///< second number
+  float coord3;  ///< third number
+  float coord4;  ///< fourth number
 };
 
 /**

@@ -4,7 +4,10 @@
 // The functions that a device's closed library has: each enters its call in the journal, meets what is planned for it,
 // and does its work.
 
+// The header is also that of closed libraries and marks nothing for export.
+#pragma GCC visibility push(default)
 #include <video_object_detection_subscriber.h>
+#pragma GCC visibility pop
 
 #include <algorithm>
 #include <cstdlib>
@@ -58,7 +61,7 @@ int guarded(Function function, Work work) noexcept {
   try {
     return work();
   } catch (const std::exception& error) {
-    vod::host::report(std::string(name(function)) + ": " + error.what());
+    vod::host::reportFailure(name(function), error.what());
     return status::outOfMemory;
   }
 }

@@ -7,10 +7,14 @@
 
 namespace vod::host {
 
+// Each line is printed with one call, so that those of several threads do not mix.
+
 void report(const std::string& what) {
-  const std::string line = "video_object_detection_subscriber: " + what + '\n';
-  // In one piece, so that lines of several threads do not mix.
-  std::fwrite(line.data(), 1, line.size(), stderr);
+  std::fprintf(stderr, "video_object_detection_subscriber: %s\n", what.c_str());
+}
+
+void reportFailure(const char* function, const char* what) noexcept {
+  std::fprintf(stderr, "video_object_detection_subscriber: %s: %s\n", function, what);
 }
 
 }  // namespace vod::host

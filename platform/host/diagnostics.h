@@ -11,6 +11,9 @@ namespace vod::host {
 /** Tells the developer, on one line of standard error, what is wrong. */
 void report(const std::string& what);
 
+/** The same for an exception that ends a call: takes no memory. */
+void reportFailure(const char* function, const char* what) noexcept;
+
 }  // namespace vod::host
 
 #endif

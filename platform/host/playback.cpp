@@ -67,7 +67,7 @@ void Playback::startAgain() {
 std::chrono::microseconds Playback::dueTimeOf(const std::string& scene) {
   // What does not parse keeps the time stamp that was read of it, or 0: it is due at once.
   VOD::Scene message;
-  message.ParseFromString(scene);
+  static_cast<void>(message.ParseFromString(scene));
   if (!firstTimestamp_) {
     firstTimestamp_ = message.timestamp();
   }

@@ -92,7 +92,7 @@ class Service {
   ChannelState* findChannel(const Lock& lock, int channel);
   ChannelState& channelAt(const Lock& lock, int channel);
   int join(const std::shared_ptr<Subscriber>& subscriber, int subscription);
-  void leave(const Lock& lock, const std::shared_ptr<Subscriber>& subscriber);
+  void leave(const Lock& lock, const Subscriber& subscriber);
   void waitForCallbacks(Subscriber& subscriber, Function function);
 
   int startReplay(const Lock& lock, int number, ChannelState& channel);

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <new>
 #include <stdexcept>
 #include <system_error>
 #include <utility>
@@ -77,10 +78,11 @@ int Service::release(Handle* handle) {
     }
     subscriber = std::move(entry->second);
     state_.subscribers.erase(entry);
-    leave(lock, subscriber);
     subscriber->close();
+    *handle = nullptr;
+    // Last, because it needs memory and the handle is gone whether or not there is some.
+    leave(lock, *subscriber);
   }
-  *handle = nullptr;
   waitForCallbacks(*subscriber, Function::Delete);
   return status::ok;
 }
@@ -101,7 +103,12 @@ int Service::subscribe(const std::shared_ptr<Subscriber>& subscriber) {
   if (scene) {
     subscriber->deliver(subscription, frameOf(*scene), std::nullopt);
   }
-  const int result = join(subscriber, subscription);
+  int result = status::outOfMemory;
+  try {
+    result = join(subscriber, subscription);
+  } catch (const std::bad_alloc&) {
+    // As any other failure, below.
+  }
   if (result != status::ok) {
     subscriber->unsubscribe();
   }
@@ -113,44 +120,50 @@ int Service::join(const std::shared_ptr<Subscriber>& subscriber, int subscriptio
   if (state_.isDown) {
     return status::serviceDown;
   }
+  if (!subscriber->has(subscription)) {
+    return status::badHandle;  // Ended meanwhile, by a callback or by another thread.
+  }
   ChannelState* const channel = findChannel(lock, subscriber->channel());
   if (channel == nullptr) {
     return status::noSuchChannel;
   }
+  auto targets = std::make_shared<std::vector<Target>>(*channel->targets);
+  targets->push_back({subscriber, subscription});
   if (channel->targets->empty() && channel->folder) {
     if (const int result = startReplay(lock, subscriber->channel(), *channel); result != status::ok) {
       return result;
     }
   }
-  auto targets = *channel->targets;
-  targets.push_back({subscriber, subscription});
-  channel->targets = std::make_shared<std::vector<Target>>(std::move(targets));
+  channel->targets = std::move(targets);
   return status::ok;
 }
 
 int Service::unsubscribe(const std::shared_ptr<Subscriber>& subscriber) {
   {
     const Lock lock(mutex_);
-    leave(lock, subscriber);
     subscriber->unsubscribe();
+    leave(lock, *subscriber);
   }
   waitForCallbacks(*subscriber, Function::Unsubscribe);
   return status::ok;
 }
 
-void Service::leave(const Lock& lock, const std::shared_ptr<Subscriber>& subscriber) {
-  const auto channel = state_.channels.find(subscriber->channel());
-  if (channel == state_.channels.end()) {
+void Service::leave(const Lock& lock, const Subscriber& subscriber) {
+  const auto found = state_.channels.find(subscriber.channel());
+  if (found == state_.channels.end()) {
     return;
   }
-  auto targets = *channel->second.targets;
-  targets.erase(std::remove_if(targets.begin(), targets.end(),
-                               [&](const Target& target) { return target.subscriber == subscriber; }),
-                targets.end());
-  if (targets.empty()) {
-    stopReplay(lock, channel->second);
+  ChannelState& channel = found->second;
+  const auto isItself = [&](const Target& target) { return target.subscriber.get() == &subscriber; };
+  if (std::none_of(channel.targets->begin(), channel.targets->end(), isItself)) {
+    return;
   }
-  channel->second.targets = std::make_shared<std::vector<Target>>(std::move(targets));
+  auto targets = std::make_shared<std::vector<Target>>(*channel.targets);
+  targets->erase(std::remove_if(targets->begin(), targets->end(), isItself), targets->end());
+  if (targets->empty()) {
+    stopReplay(lock, channel);
+  }
+  channel.targets = std::move(targets);
 }
 
 void Service::waitForCallbacks(Subscriber& subscriber, Function function) {

@@ -72,6 +72,11 @@ int Subscriber::subscribe() {
   return subscription_;
 }
 
+bool Subscriber::has(int subscription) const {
+  const std::lock_guard lock(mutex_);
+  return subscription_ == subscription;
+}
+
 void Subscriber::unsubscribe() {
   const std::lock_guard lock(mutex_);
   subscription_ = 0;

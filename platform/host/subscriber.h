@@ -38,6 +38,7 @@ class Subscriber {
 
   /** Begins a subscription and returns it; 0 when there is one already, or when the subscriber has been deleted. */
   int subscribe();
+  bool has(int subscription) const;
   /** Ends the subscription: no callback of it starts any more. */
   void unsubscribe();
   /** Ends the subscription, and there will be no other one. */

@@ -45,7 +45,7 @@ TEST_F(Inspect, AsJsonTellsTheLifeOfEachObject) {
 TEST_F(Inspect, OfARecordingThatIsCutOffNamesFileAndOffsetAndTellsTheRest) {
   const auto file = recording / "scenes.pb";
   const std::string bytes = test::contentsOf(file);
-  const std::size_t lastScene = test::scene(test::framesInRecording - 1).ByteSizeLong() + 1;
+  const std::size_t lastScene = test::sceneBytes(test::framesInRecording - 1).size() + 1;
   test::writeTo(file, bytes.substr(0, bytes.size() - 3));
 
   const test::Outcome outcome = test::run({"inspect", recording});

@@ -62,6 +62,7 @@ TEST_F(AnOutage, DoesNotEndARecording) {
   test::Process record(test::commandWithServiceSwitch(),
                        {"record", "--camera", "1", "--output", folder / "out", "--frames", "25"}, playing());
 
+  test::waitForFirstScene(folder / "out");
   record.write("down");
   record.waitForErrors("the service dropped the subscription; trying again every 1 s\n");
   record.write("up");

@@ -5,8 +5,6 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 
-#include <thread>
-
 #include "situations.h"
 
 using testing::HasSubstr;
@@ -46,10 +44,7 @@ class RecordToldToEnd : public test::TwoCameras, public testing::WithParamInterf
 
 TEST_P(RecordToldToEnd, LeavesAReadableRecording) {
   test::Process record(test::command(), {"record", "--camera", "1", "--output", folder / "out"}, playing());
-  const auto file = folder / "out" / scenes;
-  while (!std::filesystem::exists(file) || std::filesystem::file_size(file) == 0) {
-    std::this_thread::yield();
-  }
+  test::waitForFirstScene(folder / "out");
 
   record.signal(GetParam());
   record.wait();

@@ -6,10 +6,12 @@
 #include <recording/recording_writer.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
+#include <thread>
 
 namespace test {
 
@@ -80,14 +82,27 @@ void writeTo(const std::filesystem::path& file, const std::string& bytes) {
     event->set_object_id(7);
     event->add_object_ids(9);
   }
-  result.mutable_unknown_fields()->append("\xA2\x06\x02hi");  // field 100, two bytes
   return result;
+}
+
+std::string sceneBytes(int number) {
+  return scene(number).SerializeAsString() + "\xA2\x06\x02hi";  // field 100, two bytes
 }
 
 void makeRecording(const std::filesystem::path& folder) {
   vod::recording::RecordingWriter writer(folder, detector().SerializeAsString());
   for (int number = 0; number < framesInRecording; ++number) {
-    writer.append(scene(number).SerializeAsString());
+    writer.append(sceneBytes(number));
+  }
+}
+
+void waitForFirstScene(const std::filesystem::path& folder) {
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+  while (contentsOf(folder / "scenes.pb").empty()) {
+    if (std::chrono::steady_clock::now() > deadline) {
+      throw std::runtime_error("no scene has been recorded");
+    }
+    std::this_thread::yield();
   }
 }
 

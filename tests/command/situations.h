@@ -34,16 +34,20 @@ void writeTo(const std::filesystem::path& file, const std::string& bytes);
 /** A detector that knows the classes "human" (0) and "car" (1) and, of humans, the attribute "coat". */
 ::VOD::DetectorInformation detector();
 
-/**
- * A frame of the recording below: a human, id 7, who walks to the right and wears a red coat, and in every second frame
- * a car, id 9. Holds a field that the schema does not know.
- */
+/** A frame of the recording below: a human, id 7, who walks to the right in a red coat, and in every second one a car,
+ * id 9. */
 ::VOD::Scene scene(int number);
+
+/** The frame as the service sends it, with a field that the schema does not know. */
+std::string sceneBytes(int number);
 
 inline constexpr int framesInRecording = 20;
 
 /** A recording of that many frames, ten per second. */
 void makeRecording(const std::filesystem::path& folder);
+
+/** Waits until a recording that is being made holds a scene. */
+void waitForFirstScene(const std::filesystem::path& folder);
 
 /** Two cameras that play a recording. */
 class TwoCameras : public testing::Test {

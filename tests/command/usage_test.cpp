@@ -19,6 +19,10 @@ struct Misuse {
   const char* complaint;
 };
 
+[[maybe_unused]] void PrintTo(const Misuse& misuse, std::ostream* out) {
+  *out << misuse.name;
+}
+
 class AMisuse : public testing::TestWithParam<Misuse> {};
 
 TEST_P(AMisuse, EndsWithCodeTwoAndOneLineThatNamesIt) {
@@ -35,7 +39,7 @@ TEST_P(AMisuse, EndsWithCodeTwoAndOneLineThatNamesIt) {
 INSTANTIATE_TEST_SUITE_P(
     OfTheCommand, AMisuse,
     testing::Values(Misuse{"WithoutSubcommand", {}, "subcommand is required"},
-                    Misuse{"WithAnUnknownSubcommand", {"stare"}, "stare"},
+                    Misuse{"WithAnUnknownSubcommand", {"stare"}, "'stare' is no subcommand"},
                     Misuse{"WithAnUnknownFlag", {"info", "--loud"}, "--loud"},
                     Misuse{"OfInfoWithCameraAndFile", {"info", "--camera", "1", "--file", "f"}, "--camera"},
                     Misuse{"OfWatchWithoutCamera", {"watch"}, "--camera"},

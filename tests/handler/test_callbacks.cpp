@@ -59,9 +59,10 @@ const std::vector<HandlerCall> calls = {
 };
 
 INSTANTIATE_TEST_SUITE_P(EveryFunction, ACallback, testing::Combine(testing::ValuesIn(calls), testing::Bool()),
-                         [](const auto& info) {
-                           return std::get<0>(info.param).name +
-                                  std::string(std::get<1>(info.param) ? "OnAPlatformThatWaits" : "OnOneThatDoesNot");
+                         [](const auto& instance) {
+                           return std::get<0>(instance.param).name + std::string(std::get<1>(instance.param)
+                                                                                     ? "OnAPlatformThatWaits"
+                                                                                     : "OnOneThatDoesNot");
                          });
 
 using ACallbackInsideSubscribe = HandlerTest;

@@ -125,7 +125,6 @@ TEST_F(ALockThatIsRefused, OnTheRetryThreadEndsTheProcess) {
   EXPECT_DEATH(
       {
         setUp(1);
-        const vod::host::Registration live = vod::host::registration(2);
         const int down = vod::host::plan(Fault(Function::Create).always().failsWith(1));
         setUp(2);
         vod::host::lift(down);

@@ -126,7 +126,7 @@ INSTANTIATE_TEST_SUITE_P(OfEachKind, AFailingCall,
                                                      {{LOG_INFO, "Failed to create subscription to vod.\n"}},
                                                      callsUpTo(9),
                                                      true}),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& instance) { return std::string(instance.param.name); });
 
 using ASetUp = HandlerTest;
 

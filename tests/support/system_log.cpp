@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <mutex>
 #include <stdexcept>
+#include <utility>
 
 namespace tarn::test {
 namespace {
@@ -62,6 +63,12 @@ std::vector<LogLine> SystemLog::lines() const {
   auto& log = journal();
   const std::lock_guard lock(log.mutex);
   return log.lines;
+}
+
+std::vector<LogLine> SystemLog::takeLines() {
+  auto& log = journal();
+  const std::lock_guard lock(log.mutex);
+  return std::exchange(log.lines, {});
 }
 
 std::size_t SystemLog::count(const LogLine& line) const {

@@ -32,6 +32,9 @@ class SystemLog {
   /** All lines so far, in order. */
   std::vector<LogLine> lines() const;
 
+  /** The same, and forgets them. */
+  std::vector<LogLine> takeLines();
+
   /** How often this line was logged. */
   std::size_t count(const LogLine& line) const;
 

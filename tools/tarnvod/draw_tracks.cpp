@@ -114,7 +114,7 @@ class LabelPlacer {
   std::string place(const std::vector<Point>& points, const std::string& label, const std::string& colour) {
     const double width = svg::textWidth(label, labelSize);
     for (const Point& point : points) {
-      for (const Point offset : {Point{8, 4}, Point{-8 - width, 4}, Point{-width / 2, -9}, Point{-width / 2, 18}}) {
+      for (const Point offset : {Point{9, 4}, Point{-9 - width, 4}, Point{-width / 2, -9}, Point{-width / 2, 18}}) {
         const Box box{point.x + offset.x, point.y + offset.y - labelSize, point.x + offset.x + width,
                       point.y + offset.y + 2};
         if (isFree(box)) {
@@ -157,7 +157,7 @@ std::string drawLabels(const Tracks& tracks, const Canvas& canvas) {
   return content;
 }
 
-/** Tracks can leave the picture where the detector's boxes do; they are cut at its edge. */
+/** Lines can leave the picture where the detector's boxes do; they are cut at its edge. */
 std::string clipped(const Canvas& canvas, const std::string& content) {
   return element("svg",
                  {{"x", number(canvas.left)},
@@ -187,9 +187,8 @@ svg::Drawing drawTracks(const Tracks& tracks, const std::string& title, const Dr
   const svg::Drawing lives = drawLives(tracks);
   const std::string position = "translate(" + number(canvas.x(1) + margin) + " " + number(canvas.top) + ")";
   const std::string content =
-      drawCanvas(canvas, style, title, note, imageOpacity) +
-      clipped(canvas, drawConnections(tracks, canvas) + lines + ends + drawLabels(tracks, canvas)) +
-      element("g", {{"transform", position}}, "\n" + lives.content);
+      drawCanvas(canvas, style, title, note, imageOpacity) + clipped(canvas, drawConnections(tracks, canvas) + lines) +
+      ends + drawLabels(tracks, canvas) + element("g", {{"transform", position}}, "\n" + lives.content);
   return {drawingWidth, headHeight + std::max(canvas.height, lives.height) + margin, content};
 }
 

@@ -11,12 +11,12 @@
 namespace tarn::command {
 namespace {
 
-std::string attributeText(const VOD::Attribute& attribute) {
+std::string attributeText(const VOD::Attribute& attribute, Scores scores) {
   std::string text = printable(attribute.typeName);
   if (attribute.className) {
     text += ' ' + printable(*attribute.className);
   }
-  if (attribute.score) {
+  if (attribute.score && scores == Scores::Shown) {
     text += ' ' + std::to_string(*attribute.score);
   }
   return text;
@@ -61,8 +61,9 @@ std::string boxText(const VOD::Data& detection) {
   return joined(numbers, " ");
 }
 
-std::string attributesText(const VOD::Data& detection) {
-  return listed(detection.attributes, ", ", attributeText);
+std::string attributesText(const VOD::Data& detection, Scores scores) {
+  return listed(detection.attributes, ", ",
+                [scores](const VOD::Attribute& attribute) { return attributeText(attribute, scores); });
 }
 
 std::string eventText(const VOD::VodEvent& event) {

@@ -57,7 +57,8 @@ int parseAndRun(CLI::App& app, int argc, const char* const* argv) {
     standardOutput().write(std::string(version.what()) + "\n");
     return success;
   } catch (const CLI::ParseError& error) {
-    return complainOfUsage(app, error.what());
+    const bool isUnknown = app.get_subcommands().empty() && argc > 1 && argv[1][0] != '-';
+    return complainOfUsage(app, isUnknown ? "'" + std::string(argv[1]) + "' is no subcommand" : error.what());
   }
   return action();
 }

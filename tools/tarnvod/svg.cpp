@@ -117,13 +117,13 @@ std::string text(double x, double y, std::string_view cls, std::string_view cont
 }
 
 double textWidth(std::string_view content, double size) {
-  constexpr double averageWidth = 0.66;
+  constexpr double averageWidth = 0.7;
   return averageWidth * size * static_cast<double>(displayWidth(content));
 }
 
 std::string colourOf(std::uint32_t objectId) {
   constexpr double goldenAngle = 137.508;
-  constexpr std::array<double, 3> lightness{0.42, 0.52, 0.34};
+  constexpr std::array<double, 3> lightness{0.40, 0.47, 0.32};
   return fromHsl(std::fmod(objectId * goldenAngle, 360), 0.72, lightness[objectId % lightness.size()]);
 }
 

@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t linesPerCamera = 3;  // its state, the column names, an empty line
 constexpr std::size_t idColumns = 8;
-constexpr std::size_t classColumns = 14;
+constexpr std::size_t mostClassColumns = 16;
 constexpr std::size_t scoreColumns = 6;
 constexpr std::size_t statusColumns = 11;
 constexpr std::size_t ageColumns = 8;
@@ -55,29 +55,47 @@ Style styleOf(VOD::DetectionStatus status) {
   return Style::Dim;
 }
 
-std::size_t widestBox(const std::vector<VOD::Data>& detections) {
-  std::size_t columns = displayWidth("box");
+/** The columns of a camera's table that are as wide as what stands in them. */
+struct Columns {
+  std::size_t className = 0;
+  std::size_t box = 0;
+  std::size_t attributes = 0;  ///< what is left of the screen
+};
+
+Columns columnsFor(const std::vector<VOD::Data>& detections, std::size_t screenColumns) {
+  Columns columns{displayWidth("class"), displayWidth("box"), 0};
   for (const VOD::Data& detection : detections) {
-    columns = std::max(columns, displayWidth(boxText(detection)));
+    columns.className = std::max(columns.className, displayWidth(printable(detection.className)));
+    columns.box = std::max(columns.box, displayWidth(boxText(detection)));
   }
+  columns.className = std::min(columns.className, mostClassColumns);
+  const std::size_t used =
+      idColumns + 2 + columns.className + scoreColumns + 2 + statusColumns + 2 + columns.box + ageColumns + 2;
+  columns.attributes = screenColumns > used ? screenColumns - used : 0;
   return columns;
 }
 
-Line headLine(std::size_t boxColumns) {
-  return {{fittedRight("object", idColumns) + "  " + fitted("class", classColumns) +
+Line headLine(const Columns& columns) {
+  return {{fittedRight("object", idColumns) + "  " + fitted("class", columns.className) +
                fittedRight("score", scoreColumns) + "  " + fitted("status", statusColumns) + "  " +
-               fitted("box", boxColumns) + fittedRight("age", ageColumns) + "  attributes",
+               fitted("box", columns.box) + fittedRight("age", ageColumns) + "  attributes",
            Style::Dim}};
 }
 
-Line objectLine(const VOD::Data& detection, const CameraStatistics& statistics, std::size_t boxColumns) {
+/** The attributes, without their scores where there is no room for them. */
+std::string fittingAttributes(const VOD::Data& detection, std::size_t columns) {
+  const std::string whole = attributesText(detection);
+  return displayWidth(whole) <= columns ? whole : attributesText(detection, Scores::LeftOut);
+}
+
+Line objectLine(const VOD::Data& detection, const CameraStatistics& statistics, const Columns& columns) {
   return {{fittedRight(std::to_string(detection.objectId), idColumns) + "  ", Style::Bold},
-          {fitted(printable(detection.className), classColumns)},
+          {fitted(printable(detection.className), columns.className)},
           {fittedRight(std::to_string(detection.score), scoreColumns) + "  "},
           {fitted(statusText(detection.status), statusColumns) + "  ", styleOf(detection.status)},
-          {fittedRight(boxText(detection), boxColumns)},
+          {fittedRight(boxText(detection), columns.box)},
           {fittedRight(secondsText(statistics.ageOf(detection.objectId)), ageColumns) + "  "},
-          {attributesText(detection)}};
+          {fittingAttributes(detection, columns.attributes)}};
 }
 
 /** In the order of their ids, so that a row stays where it is from frame to frame. */
@@ -87,18 +105,19 @@ std::vector<VOD::Data> sortedById(std::vector<VOD::Data> detections) {
   return detections;
 }
 
-void addObjects(std::vector<Line>& lines, const CameraStatistics& statistics, std::size_t rows) {
+void addObjects(std::vector<Line>& lines, const CameraStatistics& statistics, std::size_t rows,
+                std::size_t screenColumns) {
   const auto detections = sortedById(statistics.latest()->detections);
   if (detections.empty()) {
     lines.push_back({{fittedRight("-", idColumns) + "  no objects", Style::Dim}});
     return;
   }
-  const std::size_t boxColumns = widestBox(detections);
-  lines.push_back(headLine(boxColumns));
+  const Columns columns = columnsFor(detections, screenColumns);
+  lines.push_back(headLine(columns));
   const bool allFit = detections.size() <= rows;
   const std::size_t shown = allFit ? detections.size() : rows - 1;
   for (std::size_t index = 0; index < shown; ++index) {
-    lines.push_back(objectLine(detections[index], statistics, boxColumns));
+    lines.push_back(objectLine(detections[index], statistics, columns));
   }
   if (!allFit) {
     const std::string more = "and " + std::to_string(detections.size() - shown) + " more";
@@ -117,7 +136,7 @@ std::vector<Line> watchTable(const WatchedCameras& cameras, const TerminalSize& 
   for (const WatchedCamera& camera : cameras) {
     lines.push_back(stateLine(camera, now));
     if (camera.statistics.latest() != nullptr) {
-      addObjects(lines, camera.statistics, rowsPerCamera);
+      addObjects(lines, camera.statistics, rowsPerCamera, size.columns);
     }
     lines.emplace_back();
   }

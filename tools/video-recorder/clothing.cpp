@@ -17,8 +17,7 @@ cv::Rect pixelsOf(const Box& part, const Box& person, const cv::Size& picture) {
   const auto y = [&](float share) {
     return cvRound((person.top + share * person.height()) * static_cast<float>(picture.height));
   };
-  return cv::Rect({x(part.left), y(part.top)}, cv::Point{x(part.right), y(part.bottom)}) &
-         cv::Rect({0, 0}, picture);
+  return cv::Rect({x(part.left), y(part.top)}, cv::Point{x(part.right), y(part.bottom)}) & cv::Rect({0, 0}, picture);
 }
 
 ColourShares coloursIn(const cv::Mat& pixels) {

@@ -26,7 +26,9 @@ constexpr float frameWeight = 0.1F;
 
 // In degrees: 0 is red, 120 green, 240 blue.
 float hueOf(const Rgb& pixel, int value, int chroma) {
-  const auto part = [chroma](int one, int other) { return 60 * static_cast<float>(one - other) / static_cast<float>(chroma); };
+  const auto part = [chroma](int one, int other) {
+    return 60 * static_cast<float>(one - other) / static_cast<float>(chroma);
+  };
   if (value == pixel.red) {
     const float hue = part(pixel.green, pixel.blue);
     return hue < 0 ? hue + 360 : hue;
@@ -65,7 +67,9 @@ Colour nameColour(const Rgb& pixel) {
   return nameHue(hueOf(pixel, value, chroma), value);
 }
 
-void ColourShares::add(const Rgb& pixel) { counts_[nameColour(pixel)] += 1; }
+void ColourShares::add(const Rgb& pixel) {
+  counts_[nameColour(pixel)] += 1;
+}
 
 void ColourShares::update(const ColourShares& later) {
   if (later.isEmpty()) {
@@ -87,6 +91,8 @@ std::uint32_t ColourShares::bestScore() const {
   return isEmpty() ? 0 : static_cast<std::uint32_t>(std::lround(100 * counts_[best()] / total()));
 }
 
-float ColourShares::total() const { return std::accumulate(counts_.begin(), counts_.end(), 0.0F); }
+float ColourShares::total() const {
+  return std::accumulate(counts_.begin(), counts_.end(), 0.0F);
+}
 
 }  // namespace recorder

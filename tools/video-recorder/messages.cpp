@@ -11,7 +11,9 @@ constexpr std::uint32_t upperClothingColour = 1;
 constexpr std::uint32_t lowerClothingColour = 2;
 
 // An id of 0 would read as an absent one in some places, so colours count from 1.
-std::uint32_t idOf(Colour colour) { return static_cast<std::uint32_t>(colour) + 1; }
+std::uint32_t idOf(Colour colour) {
+  return static_cast<std::uint32_t>(colour) + 1;
+}
 
 void addColourAttribute(VOD::DetectorInformation& information, std::uint32_t id, const char* name) {
   VOD::AttributeType& type = *information.add_attribute_types();

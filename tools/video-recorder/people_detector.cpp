@@ -15,7 +15,7 @@ constexpr float marginX = 0.22F;
 constexpr float marginTop = 0.105F;
 constexpr float marginBottom = 0.115F;
 // The step from one size of people to the next.
-constexpr double sizeStep = 1.07;
+constexpr double sizeStep = 1.1;
 
 Box personIn(const cv::Rect& window, const cv::Size& picture) {
   const auto x = static_cast<float>(window.x), y = static_cast<float>(window.y);

@@ -63,7 +63,9 @@ TrackedFrame Tracker::update(const std::vector<Sighting>& sightings) {
   return frame;
 }
 
-bool Tracker::isLost(const Track& track) const { return track.framesUnseen > settings_.framesExpected; }
+bool Tracker::isLost(const Track& track) const {
+  return track.framesUnseen > settings_.framesExpected;
+}
 
 bool Tracker::isGone(const Track& track) const {
   if (!track.person.isConfirmed) {

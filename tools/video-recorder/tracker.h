@@ -37,7 +37,7 @@ struct TrackedFrame {
 /** When a person is confirmed, lost and forgotten. Times are in frames. */
 struct TrackerSettings {
   /** A sighting that belongs to nobody starts a new person from this margin on; a weaker one is ignored. */
-  float newPersonMargin = 1.2F;
+  float newPersonMargin = 1.5F;
   /** A weaker sighting does not continue a person either. */
   float knownPersonMargin = 0.2F;
   int sightingsToConfirm = 3;

@@ -1,0 +1,130 @@
+# SPDX-FileCopyrightText: 2026 The tarnvod authors
+# SPDX-License-Identifier: MIT
+"""Runs the benchmark programs of a build directory and writes their figures between the markers of a document.
+
+usage: report.py DIRECTORY DOCUMENT
+
+Counts are the difference between two runs that differ in their number of frames alone. The environment variable COUNTER
+may hold a command that runs the program given to it and whose last line of output is the number of instructions, for
+machines without callgrind; allocations are then left out.
+"""
+import json
+import os
+import re
+import shlex
+import statistics
+import subprocess
+import sys
+
+SAMPLES = ["3", "12", "100", "12-outlines", "12-long-names"]
+BEGIN, END = "<!-- figures: scripts/benchmark -->", "<!-- end of figures -->"
+COUNTER = shlex.split(os.environ.get("COUNTER", ""))
+
+
+def output_of(command):
+    result = subprocess.run(command, capture_output=True, text=True, check=False)
+    if result.returncode != 0:
+        sys.exit(f"{' '.join(command)} failed:\n{result.stderr}")
+    return result.stdout + result.stderr
+
+
+def first_number(pattern, text):
+    found = re.search(pattern, text)
+    if not found:
+        sys.exit(f"no count in the output of the counting tool:\n{text}")
+    return int(found[1].replace(",", ""))
+
+
+def instructions(command):
+    if COUNTER:
+        return int(output_of(COUNTER + command).split()[-1])
+    text = output_of(["valgrind", "--tool=callgrind", "--callgrind-out-file=/dev/null"] + command)
+    return first_number(r"Collected : (\d+)", text)
+
+
+def heap(command):
+    """Blocks and bytes that were allocated."""
+    text = output_of(["valgrind", "--tool=dhat", "--dhat-out-file=/dev/null"] + command)
+    return first_number(r"Total:\s+[\d,]+ bytes in ([\d,]+) blocks", text), first_number(r"Total:\s+([\d,]+) bytes", text)
+
+
+def per_frame(tool, program, road, sample, classes=None):
+    few, many = 40, 120
+    extra = [] if classes is None else [str(classes)]
+    runs = [tool([program, road, sample, str(frames)] + extra) for frames in (few, many)]
+    if isinstance(runs[0], int):
+        runs = [(run,) for run in runs]
+    counts = [(last - first) / (many - few) for first, last in zip(*runs)]
+    return counts[0] if len(counts) == 1 else counts
+
+
+def times(program):
+    """The processor times of each benchmark's repetitions, in nanoseconds."""
+    text = subprocess.run(
+        [program, "--benchmark_repetitions=9", "--benchmark_enable_random_interleaving=true",
+         "--benchmark_min_time=0.01", "--benchmark_format=json"], capture_output=True, text=True, check=True).stdout
+    repetitions = {}
+    for run in json.loads(text)["benchmarks"]:
+        if run["run_type"] == "iteration":
+            repetitions.setdefault(run["run_name"], []).append(run["cpu_time"])
+    return repetitions
+
+
+def table(head, rows):
+    lines = ["| " + " | ".join(head) + " |", "|" + "|".join(["---"] + ["---:"] * (len(head) - 1)) + "|"]
+    return lines + ["| " + " | ".join(str(cell) for cell in row) + " |" for row in rows] + [""]
+
+
+def frame_rows(directory, measured):
+    program = os.path.join(directory, "count_frames")
+    roads = sorted({name.split("/")[0] for name in measured if "/" in name})
+    roads.sort(key=lambda road: ["parse", "frame", "convert", "copy"].index(road) if road in
+               ("parse", "frame", "convert", "copy") else 9)
+    for sample in SAMPLES:
+        parse = per_frame(instructions, program, "parse", sample)
+        parse_times = measured[f"parse/{sample}"]
+        for road in roads:
+            count = per_frame(instructions, program, road, sample)
+            blocks, size = ("", "") if COUNTER else (f"{value:.0f}" for value in per_frame(heap, program, road, sample))
+            own = measured[f"{road}/{sample}"]
+            quartiles = statistics.quantiles([a / b for a, b in zip(own, parse_times)], n=4)
+            yield (sample, road, f"{count:.0f}", f"{count / parse:.3f}", f"{min(own) / 1000:.2f}",
+                   f"{min(own) / min(parse_times):.2f} ({quartiles[0]:.2f}–{quartiles[2]:.2f})", blocks, size)
+
+
+def figures(directory):
+    program = os.path.join(directory, "count_frames")
+    measured = times(os.path.join(directory, "frame_benchmark"))
+    lines = table(["sample", "road", "instructions", "to parse", "best µs", "to parse (quartiles)", "allocations",
+                   "bytes"], frame_rows(directory, measured))
+    lines += table(["beside the frames", "best µs"],
+                   [(name, f"{min(values) / 1000:.1f}") for name, values in measured.items() if "/" not in name])
+    lines += table(["requested classes", "instructions of an empty frame"],
+                   [(classes, f"{per_frame(instructions, program, 'frame', '0', classes):.0f}") for classes in (1, 80)])
+    scaling = [line.split() for line in output_of([os.path.join(directory, "thread_scaling")]).splitlines()]
+    lines += table(["cameras, each on a thread", "frames per second", "to one", "frames per processor second, to one"],
+                   [(row[1], f"{float(row[2]):.0f}", f"{float(row[3]):.2f}", f"{float(row[4]):.2f}")
+                    for row in scaling if row[0] == "scaling"])
+    lines += table(["requested classes", "lock held, median ns with one look at the clock"],
+                   [(row[1], row[2]) for row in scaling if row[0] == "lock"])
+    lines += [f"One look at the clock took {row[1]} ns on the average." for row in scaling if row[0] == "clock"]
+    return "\n".join(lines)
+
+
+def main():
+    if len(sys.argv) != 3:
+        sys.exit("usage: report.py DIRECTORY DOCUMENT")
+    with open(sys.argv[2], encoding="utf-8") as file:
+        document = file.read()
+    if BEGIN not in document or END not in document:
+        sys.exit(f"{sys.argv[2]} lacks the markers {BEGIN} and {END}")
+    text = figures(sys.argv[1])
+    print(text)
+    before, rest = document.split(BEGIN, 1)
+    after = rest.split(END, 1)[1]
+    with open(sys.argv[2], "w", encoding="utf-8") as file:
+        file.write(f"{before}{BEGIN}\n{text}\n{END}{after}")
+
+
+if __name__ == "__main__":
+    main()

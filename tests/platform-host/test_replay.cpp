@@ -1,0 +1,272 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+
+#include "client.h"
+#include "recording/recording.h"
+#include "recording/recording_writer.h"
+#include "support/temporary_folder.h"
+
+namespace vod::host {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr Replay onceAtOnce{std::nullopt, false};
+
+/** Two scenes, the second 20 ms after the first; the first has an unknown field. */
+class ARecording : public HostTest {
+ protected:
+  ARecording() {
+    recording::RecordingWriter writer(folder_, detector_);
+    for (const std::string& scene : scenes_) {
+      writer.append(scene);
+    }
+  }
+  // Before the folder is gone.
+  ~ARecording() override { reset(); }
+
+  void appendToScenes(const std::string& bytes) const {
+    std::ofstream(scenesFile(), std::ios::binary | std::ios::app) << bytes;
+  }
+  std::string scenesFile() const { return folder_ / recording::scenesFileName; }
+
+  const tarn::test::TemporaryFolder temporary_;
+  const std::filesystem::path folder_ = temporary_.path() / "recording";
+  const std::string detector_ = std::string("\x0a\x02\x08\x01", 4);
+  const std::vector<std::string> scenes_ = {sceneWith({{0.5F, 0.5F}}, 1'000'000) + "\x7a\x02hi",
+                                            sceneWith({{0.2F, 0.5F}}, 1'020'000)};
+};
+
+TEST_F(ARecording, IsPlayedOnceByteForByte) {
+  channel(0).recording(folder_, onceAtOnce);
+  Client client(0);
+  client.subscribe();
+  channel(0).waitForEndOfRecording();
+  EXPECT_EQ(client.scenes(), scenes_);
+}
+
+TEST_F(ARecording, AnswersWithItsDetectorInformation) {
+  channel(0).recording(folder_, onceAtOnce);
+  const Client client(0);
+  std::uint8_t* bytes = nullptr;
+  std::size_t length = 0;
+  EXPECT_EQ(video_object_detection_subscriber_get_information(client.handle(), &bytes, &length, nullptr), 0);
+  EXPECT_EQ(std::string(bytes, bytes + length), detector_);
+  std::free(bytes);
+}
+
+TEST_F(ARecording, KeepsThePaceOfItsTimeStamps) {
+  channel(0).recording(folder_, {1.0, false});
+  Client client(0);
+  const auto begin = std::chrono::steady_clock::now();
+  client.subscribe();
+  channel(0).waitForEndOfRecording();
+  EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(20));
+  EXPECT_EQ(client.scenes(), scenes_);
+}
+
+TEST_F(ARecording, IsPlayedSlowerByAFactor) {
+  channel(0).recording(folder_, {0.5, false});
+  Client client(0);
+  const auto begin = std::chrono::steady_clock::now();
+  client.subscribe();
+  channel(0).waitForEndOfRecording();
+  EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(40));
+}
+
+TEST_F(ARecording, IsPlayedFasterByAFactor) {
+  recording::RecordingWriter writer(temporary_.path() / "long", detector_);
+  writer.append(sceneWith({{0.5F, 0.5F}}, 0));
+  constexpr std::uint64_t hour = 3'600'000'000;
+  writer.append(sceneWith({{0.5F, 0.5F}}, hour));
+  channel(0).recording(temporary_.path() / "long", {1e6, false});
+  Client client(0);
+  const auto begin = std::chrono::steady_clock::now();
+  client.subscribe();
+  channel(0).waitForEndOfRecording();
+  EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::microseconds(3600));
+  EXPECT_EQ(client.scenes().size(), 2U);
+}
+
+TEST_F(ARecording, StartsAgainAtItsEndIfWanted) {
+  channel(0).recording(folder_, {std::nullopt, true});
+  Client client(0);
+  client.subscribe();
+  client.waitForScenes(5);
+  EXPECT_EQ(client.unsubscribe(), 0);
+  const auto scenes = client.scenes();
+  EXPECT_EQ(scenes[2], scenes_[0]);
+  EXPECT_EQ(scenes[3], scenes_[1]);
+  EXPECT_EQ(scenes[4], scenes_[0]);
+}
+
+TEST_F(ARecording, KeepsItsPaceFromOnePassToTheNext) {
+  channel(0).recording(folder_, {1.0, true});
+  Client client(0);
+  const auto begin = std::chrono::steady_clock::now();
+  client.subscribe();
+  client.waitForScenes(4);
+  EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(60));
+}
+
+TEST_F(ARecording, PlaysFromItsStartForTheFirstSubscriptionAgain) {
+  channel(0).recording(folder_, onceAtOnce);
+  Client client(0);
+  client.subscribe();
+  channel(0).waitForEndOfRecording();
+  channel(0).dropSubscriptions();
+  drain();
+  client.subscribe();
+  channel(0).waitForEndOfRecording();
+  EXPECT_THAT(client.scenes(), ElementsAre(scenes_[0], scenes_[1], scenes_[0], scenes_[1]));
+}
+
+TEST_F(ARecording, IsOneStreamForAllWhoAreSubscribed) {
+  const Gate gate;
+  channel(0).recording(folder_, onceAtOnce);
+  Client first(0, {[&](Client&) { gate.pass(); }, {}});
+  Client second(0);
+  first.subscribe();
+  gate.waitUntilReached();
+  second.subscribe();
+  gate.open();
+  channel(0).waitForEndOfRecording();
+  EXPECT_EQ(first.scenes(), scenes_);
+  EXPECT_THAT(second.scenes(), ElementsAre(scenes_[1]));
+}
+
+TEST_F(ARecording, PlaysOnTheThreadOfAllChannelsIfWanted) {
+  callbackThreads(Threads::OneForAll);
+  channel(0).recording(folder_, onceAtOnce);
+  channel(1).recording(folder_, onceAtOnce);
+  Client first(0);
+  Client second(1);
+  first.subscribe();
+  second.subscribe();
+  channel(0).waitForEndOfRecording();
+  channel(1).waitForEndOfRecording();
+  EXPECT_EQ(first.scenes(), scenes_);
+  EXPECT_EQ(first.received()[0].thread, second.received()[1].thread);
+}
+
+TEST_F(ARecording, BeginsForThoseWhoAreSubscribedAlready) {
+  Client client(0);
+  client.subscribe();
+  channel(0).recording(folder_, onceAtOnce).waitForEndOfRecording();
+  EXPECT_EQ(client.scenes(), scenes_);
+}
+
+TEST_F(ARecording, WithoutScenesIsSilent) {
+  const recording::RecordingWriter writer(temporary_.path() / "silent", detector_);
+  channel(0).recording(temporary_.path() / "silent", {std::nullopt, true});
+  Client client(0);
+  client.subscribe();
+  channel(0).waitForEndOfRecording();
+  EXPECT_THAT(client.scenes(), IsEmpty());
+}
+
+TEST_F(ARecording, ThatIsCutOffIsPlayedUpToThereAndTold) {
+  appendToScenes("\x05xx");
+  const auto size = static_cast<std::size_t>(std::filesystem::file_size(scenesFile())) - 3;
+  channel(0).recording(folder_, onceAtOnce);
+  Client client(0);
+  EXPECT_EQ(errorsOf([&] {
+              client.subscribe();
+              channel(0).waitForEndOfRecording();
+            }),
+            "video_object_detection_subscriber: " + scenesFile() + ": offset " + std::to_string(size) +
+                ": a message of 5 bytes is cut off after 2\n");
+  EXPECT_EQ(client.scenes(), scenes_);
+}
+
+TEST_F(ARecording, ThatIsCutOffIsToldOnceHoweverOftenItIsPlayed) {
+  appendToScenes("\x05xx");
+  channel(0).recording(folder_, {std::nullopt, true});
+  Client client(0);
+  const std::string errors = errorsOf([&] {
+    client.subscribe();
+    client.waitForScenes(7);
+    EXPECT_EQ(client.remove(), 0);
+  });
+  EXPECT_EQ(std::count(errors.begin(), errors.end(), '\n'), 1) << errors;
+}
+
+TEST_F(ARecording, ThatIsDamagedFromTheStartFailsTheSubscription) {
+  std::ofstream(scenesFile(), std::ios::binary) << "\x05xx";
+  channel(0).recording(folder_, onceAtOnce);
+  Client client(0);
+  EXPECT_EQ(
+      errorsOf([&] { EXPECT_NE(client.trySubscribe(), 0); }),
+      "video_object_detection_subscriber: " + scenesFile() + ": offset 0: a message of 5 bytes is cut off after 2\n");
+  EXPECT_THAT(channel(0).subscriptions(), IsEmpty());
+}
+
+TEST_F(ARecording, WithoutItsScenesFailsTheSubscription) {
+  std::filesystem::remove(scenesFile());
+  channel(0).recording(folder_, onceAtOnce);
+  Client client(0);
+  EXPECT_EQ(errorsOf([&] { EXPECT_NE(client.trySubscribe(), 0); }),
+            "video_object_detection_subscriber: " + scenesFile() + ": No such file or directory\n");
+}
+
+TEST_F(ARecording, ThatVanishesWhileItLoopsEndsAndIsTold) {
+  channel(0).recording(folder_, {std::nullopt, true});
+  Client client(0, {[&](Client&) { std::filesystem::remove(scenesFile()); }, {}});
+  EXPECT_EQ(errorsOf([&] {
+              client.subscribe();
+              channel(0).waitForEndOfRecording();
+            }),
+            "video_object_detection_subscriber: " + scenesFile() + ": No such file or directory\n");
+  EXPECT_EQ(client.scenes(), scenes_);
+}
+
+TEST_F(ARecording, WithDamagedDetectorInformationFailsTheQuestionForIt) {
+  const std::string file = folder_ / recording::detectorInformationFileName;
+  // A sound object class, then one whose name is longer than its field.
+  std::ofstream(file, std::ios::binary) << detector_ + "\x0a\x03\x12\x07x";
+  channel(0).recording(folder_, onceAtOnce);
+  const Client client(0);
+  std::uint8_t* bytes = nullptr;
+  std::size_t length = 0;
+  char* error = nullptr;
+  const std::string expected = file + ": offset 4: not a part of detector information";
+  EXPECT_EQ(errorsOf([&] {
+              EXPECT_NE(video_object_detection_subscriber_get_information(client.handle(), &bytes, &length, &error), 0);
+            }),
+            "video_object_detection_subscriber: " + expected + '\n');
+  EXPECT_EQ(error, expected);
+  std::free(error);
+}
+
+TEST_F(ARecording, WhoseFolderIsMissingFailsTheCreation) {
+  const std::string missing = temporary_.path() / "missing";
+  channel(0).recording(missing, onceAtOnce);
+  EXPECT_EQ(errorsOf([] { EXPECT_NE(Client(0).createResult(), 0); }),
+            "video_object_detection_subscriber: " + missing + ": No such file or directory\n");
+}
+
+TEST_F(ARecording, WhoseFolderIsAFileFailsTheCreation) {
+  channel(0).recording(scenesFile(), onceAtOnce);
+  EXPECT_EQ(errorsOf([] { EXPECT_NE(Client(0).createResult(), 0); }),
+            "video_object_detection_subscriber: " + scenesFile() + ": not a recording folder\n");
+}
+
+TEST_F(ARecording, WithTimeStampsThatGoBackIsPlayedAtOnce) {
+  recording::RecordingWriter writer(temporary_.path() / "back", detector_);
+  writer.append(sceneWith({{0.5F, 0.5F}}, 3'600'000'000'000));
+  writer.append(sceneWith({{0.5F, 0.5F}}, 5));
+  writer.append("\xff");
+  channel(0).recording(temporary_.path() / "back", {1.0, false});
+  Client client(0);
+  client.subscribe();
+  channel(0).waitForEndOfRecording();
+  EXPECT_EQ(client.scenes().size(), 3U);
+}
+
+}  // namespace
+}  // namespace vod::host
