@@ -3,6 +3,8 @@
 
 // The recordings that the host platform serves by default hold what docs/recordings.md says.
 
+#include "recording/recording_reader.h"
+
 #include <gmock/gmock.h>
 #include <tarnvod/detector_information_file_reader.h>
 #include <tarnvod/video_object_detection.pb.h>
@@ -13,8 +15,6 @@
 #include <string>
 #include <variant>
 #include <vector>
-
-#include "recording/recording_reader.h"
 
 using testing::AllOf;
 using testing::Each;

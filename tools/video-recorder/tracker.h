@@ -4,10 +4,10 @@
 #ifndef TARNVOD_VIDEO_RECORDER_TRACKER_H
 #define TARNVOD_VIDEO_RECORDER_TRACKER_H
 
+#include "video-recorder/sighting.h"
+
 #include <cstdint>
 #include <vector>
-
-#include "video-recorder/sighting.h"
 
 namespace recorder {
 
