@@ -4,6 +4,7 @@
 #include "other_roads.h"
 
 #include <nlohmann/json.hpp>
+
 #include <utility>
 
 namespace tarn::VOD::bench {

@@ -6,7 +6,7 @@ usage: report.py DIRECTORY DOCUMENT
 
 Counts are the difference between two runs that differ in their number of frames alone. The environment variable COUNTER
 may hold a command that runs the program given to it and whose last line of output is the number of instructions, for
-machines without callgrind; allocations are then left out.
+machines without callgrind.
 """
 import json
 import os
@@ -42,20 +42,16 @@ def instructions(command):
     return first_number(r"Collected : (\d+)", text)
 
 
-def heap(command):
-    """Blocks and bytes that were allocated."""
-    text = output_of(["valgrind", "--tool=dhat", "--dhat-out-file=/dev/null"] + command)
-    return first_number(r"Total:\s+[\d,]+ bytes in ([\d,]+) blocks", text), first_number(r"Total:\s+([\d,]+) bytes", text)
+def heap(program):
+    """Blocks and bytes that each road of each sample allocates for a frame."""
+    lines = (line.split() for line in output_of([program]).splitlines())
+    return {name: (blocks, size) for name, blocks, size in lines}
 
 
-def per_frame(tool, program, road, sample, classes=None):
+def per_frame(program, road, sample, *classes):
     few, many = 40, 120
-    extra = [] if classes is None else [str(classes)]
-    runs = [tool([program, road, sample, str(frames)] + extra) for frames in (few, many)]
-    if isinstance(runs[0], int):
-        runs = [(run,) for run in runs]
-    counts = [(last - first) / (many - few) for first, last in zip(*runs)]
-    return counts[0] if len(counts) == 1 else counts
+    first, last = (instructions([program, road, sample, str(frames), *map(str, classes)]) for frames in (few, many))
+    return (last - first) / (many - few)
 
 
 def times(program):
@@ -75,21 +71,26 @@ def table(head, rows):
     return lines + ["| " + " | ".join(str(cell) for cell in row) + " |" for row in rows] + [""]
 
 
+def roads_of(sample, measured):
+    """Ours in a fixed order, then the others, which know nothing of outlines and are not concerned with long names."""
+    ours = ["parse", "frame", "convert", "copy"]
+    others = sorted({name.split("/")[0] for name in measured if "/" in name} - set(ours))
+    return ours + (others if sample.isdigit() else [])
+
+
 def frame_rows(directory, measured):
     program = os.path.join(directory, "count_frames")
-    roads = sorted({name.split("/")[0] for name in measured if "/" in name})
-    roads.sort(key=lambda road: ["parse", "frame", "convert", "copy"].index(road) if road in
-               ("parse", "frame", "convert", "copy") else 9)
+    allocated = heap(os.path.join(directory, "count_allocations"))
     for sample in SAMPLES:
-        parse = per_frame(instructions, program, "parse", sample)
+        parse = per_frame(program, "parse", sample)
         parse_times = measured[f"parse/{sample}"]
-        for road in roads:
-            count = per_frame(instructions, program, road, sample)
-            blocks, size = ("", "") if COUNTER else (f"{value:.0f}" for value in per_frame(heap, program, road, sample))
+        for road in roads_of(sample, measured):
+            count = parse if road == "parse" else per_frame(program, road, sample)
             own = measured[f"{road}/{sample}"]
             quartiles = statistics.quantiles([a / b for a, b in zip(own, parse_times)], n=4)
             yield (sample, road, f"{count:.0f}", f"{count / parse:.3f}", f"{min(own) / 1000:.2f}",
-                   f"{min(own) / min(parse_times):.2f} ({quartiles[0]:.2f}–{quartiles[2]:.2f})", blocks, size)
+                   f"{min(own) / min(parse_times):.2f} ({quartiles[0]:.2f}–{quartiles[2]:.2f})",
+                   *allocated[f"{road}/{sample}"])
 
 
 def figures(directory):
@@ -100,7 +101,7 @@ def figures(directory):
     lines += table(["beside the frames", "best µs"],
                    [(name, f"{min(values) / 1000:.1f}") for name, values in measured.items() if "/" not in name])
     lines += table(["requested classes", "instructions of an empty frame"],
-                   [(classes, f"{per_frame(instructions, program, 'frame', '0', classes):.0f}") for classes in (1, 80)])
+                   [(classes, f"{per_frame(program, 'frame', '0', classes):.0f}") for classes in (1, 80)])
     scaling = [line.split() for line in output_of([os.path.join(directory, "thread_scaling")]).splitlines()]
     lines += table(["cameras, each on a thread", "frames per second", "to one", "frames per processor second, to one"],
                    [(row[1], f"{float(row[2]):.0f}", f"{float(row[3]):.2f}", f"{float(row[4]):.2f}")

@@ -4,6 +4,7 @@
 #include "other_roads.h"
 
 #include <simdjson.h>
+
 #include <utility>
 
 namespace tarn::VOD::bench {

@@ -5,10 +5,10 @@
  * @file
  * The records in which one analysed frame reaches the application.
  *
- * All are plain values that own what they hold: a record can be kept, copied, moved to another thread or destroyed at any
- * time. Ids of classes and attributes have been replaced by the names that the detector gives them. Records compare member
- * by member and print on one line. As with any value, one object may be read from several threads at once while none
- * writes to it.
+ * All are plain values that own what they hold: a record can be kept, copied, moved to another thread or destroyed at
+ * any time. Ids of classes and attributes have been replaced by the names that the detector gives them. Records compare
+ * member by member and print on one line. As with any value, one object may be read from several threads at once while
+ * none writes to it.
  */
 
 #ifndef TARNVOD_DETECTION_DATA_H
@@ -84,14 +84,14 @@ struct TARNVOD_EXPORT Data {
        unsigned int score, DetectionStatus status, std::vector<Attribute> attributes,
        std::vector<Classification> classifications);
 
-  float coord1;             ///< first number of the box; all four in the service's convention, passed on unchanged
-  float coord2;             ///< second number of the box
-  float coord3;             ///< third number of the box
-  float coord4;             ///< fourth number of the box
-  std::uint32_t objectId;   ///< the service's id of the object, the same from frame to frame while it is tracked
-  std::string className;    ///< the name of the object's class
-  std::uint32_t score;      ///< the service's score, unchanged
-  DetectionStatus status;   ///< how well the object is tracked
+  float coord1;            ///< first number of the box; all four in the service's convention, passed on unchanged
+  float coord2;            ///< second number of the box
+  float coord3;            ///< third number of the box
+  float coord4;            ///< fourth number of the box
+  std::uint32_t objectId;  ///< the service's id of the object, the same from frame to frame while it is tracked
+  std::string className;   ///< the name of the object's class
+  std::uint32_t score;     ///< the service's score, unchanged
+  DetectionStatus status;  ///< how well the object is tracked
   std::vector<Attribute> attributes;            ///< in the service's order; those without a known type are left out
   std::vector<Classification> classifications;  ///< in the service's order; only classes that were asked for
 };
@@ -114,11 +114,21 @@ TARNVOD_EXPORT bool operator==(const Classification& left, const Classification&
 TARNVOD_EXPORT bool operator==(const VodEvent& left, const VodEvent& right);
 TARNVOD_EXPORT bool operator==(const Data& left, const Data& right);
 TARNVOD_EXPORT bool operator==(const DetectionData& left, const DetectionData& right);
-inline bool operator!=(const Attribute& left, const Attribute& right) { return !(left == right); }
-inline bool operator!=(const Classification& left, const Classification& right) { return !(left == right); }
-inline bool operator!=(const VodEvent& left, const VodEvent& right) { return !(left == right); }
-inline bool operator!=(const Data& left, const Data& right) { return !(left == right); }
-inline bool operator!=(const DetectionData& left, const DetectionData& right) { return !(left == right); }
+inline bool operator!=(const Attribute& left, const Attribute& right) {
+  return !(left == right);
+}
+inline bool operator!=(const Classification& left, const Classification& right) {
+  return !(left == right);
+}
+inline bool operator!=(const VodEvent& left, const VodEvent& right) {
+  return !(left == right);
+}
+inline bool operator!=(const Data& left, const Data& right) {
+  return !(left == right);
+}
+inline bool operator!=(const DetectionData& left, const DetectionData& right) {
+  return !(left == right);
+}
 ///@}
 
 /** @name Printing: one line, no line end; enumerations by name, unknown numbers as numbers */

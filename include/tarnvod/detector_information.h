@@ -6,8 +6,8 @@
  * What a camera's detector can do, as plain values.
  *
  * All types here are values without locks: one object may be read from several threads at once while none writes to it.
- * Every function may be called from a callback; none blocks on the service. Unless said otherwise they throw nothing but
- * `std::bad_alloc`. Maps and sets order strings byte by byte.
+ * Every function may be called from a callback; none blocks on the service. Unless said otherwise they throw nothing
+ * but `std::bad_alloc`. Maps and sets order strings byte by byte.
  */
 
 #ifndef TARNVOD_DETECTOR_INFORMATION_H
@@ -84,8 +84,8 @@ struct ObjectSchema {
 /**
  * The table of object classes: name to id.
  *
- * Names are unique and compared exactly; the library stores them in lower case, so ask in lower case. Two names may share
- * an id.
+ * Names are unique and compared exactly; the library stores them in lower case, so ask in lower case. Two names may
+ * share an id.
  */
 class TARNVOD_EXPORT Classifications {
  public:
@@ -96,8 +96,8 @@ class TARNVOD_EXPORT Classifications {
   std::set<std::string> getClassNames() const;
 
   /**
-   * The ids of the named classes, each with its name. Names that are not in the table are skipped; of several names that
-   * share an id, the greatest in order stands for it.
+   * The ids of the named classes, each with its name. Names that are not in the table are skipped; of several names
+   * that share an id, the greatest in order stands for it.
    *
    * Throws nothing: when memory runs out, the process ends.
    */
@@ -159,8 +159,8 @@ class TARNVOD_EXPORT DetectorInformation {
   /** The rotation of the analysed image as the detector reports it, unchanged; 0 when it reports none. */
   int getRotation() const { return rotation_; }
 
-  /** Attribute type name to the names of its values, as sent; types without values are left out. Valid while this object
-   * lives. */
+  /** Attribute type name to the names of its values, as sent; types without values are left out. Valid while this
+   * object lives. */
   const std::map<std::string, std::set<std::string>>& getSupportedAttributes() const { return supportedAttributes_; }
 
   /** @name Setters: each replaces the whole value */
@@ -200,10 +200,18 @@ TARNVOD_EXPORT bool operator==(const Calibration& left, const Calibration& right
 TARNVOD_EXPORT bool operator==(const ObjectSchema& left, const ObjectSchema& right);
 TARNVOD_EXPORT bool operator==(const Classifications& left, const Classifications& right);
 TARNVOD_EXPORT bool operator==(const DetectorInformation& left, const DetectorInformation& right);
-inline bool operator!=(const Calibration& left, const Calibration& right) { return !(left == right); }
-inline bool operator!=(const ObjectSchema& left, const ObjectSchema& right) { return !(left == right); }
-inline bool operator!=(const Classifications& left, const Classifications& right) { return !(left == right); }
-inline bool operator!=(const DetectorInformation& left, const DetectorInformation& right) { return !(left == right); }
+inline bool operator!=(const Calibration& left, const Calibration& right) {
+  return !(left == right);
+}
+inline bool operator!=(const ObjectSchema& left, const ObjectSchema& right) {
+  return !(left == right);
+}
+inline bool operator!=(const Classifications& left, const Classifications& right) {
+  return !(left == right);
+}
+inline bool operator!=(const DetectorInformation& left, const DetectorInformation& right) {
+  return !(left == right);
+}
 ///@}
 
 /** @name Printing: one line, no line end; enumerations by name, unknown numbers as numbers */

@@ -29,18 +29,18 @@ struct VodChannelConfiguration {
 /**
  * The application's function for frames: receives the frame, which is then its own, and the camera number.
  *
- * It runs on a thread of the platform with none of the library's locks held, and may call every function of the library,
- * also to tear its own camera down. Frames of one camera come one after the other; those of different cameras may come at
- * the same time. The library copies the callable for every frame. What the callable throws passes through the library into
- * the platform, which is written in C: catch inside.
+ * It runs on a thread of the platform with none of the library's locks held, and may call every function of the
+ * library, also to tear its own camera down. Frames of one camera come one after the other; those of different cameras
+ * may come at the same time. The library copies the callable for every frame. What the callable throws passes through
+ * the library into the platform, which is written in C: catch inside.
  */
 using DetectionCallback = std::function<void(std::unique_ptr<DetectionData>, int)>;
 
 /**
  * The process's connection to the camera's video object detection service.
  *
- * Cameras are counted from 1. A typical application calls `initialize`, sets cameras up, works until it is told to stop,
- * tears each camera down and calls `deinitialize`:
+ * Cameras are counted from 1. A typical application calls `initialize`, sets cameras up, works until it is told to
+ * stop, tears each camera down and calls `deinitialize`:
  *
  * @code
  * tarn::VOD::Handler::initialize(5);
@@ -59,27 +59,27 @@ using DetectionCallback = std::function<void(std::unique_ptr<DetectionData>, int
  * | --------------------------------- | -------------------------------- | ----------------------------- | ------ |
  * | `initialize`                      | no                               | yes | `std::system_error` |
  * | `deinitialize`                    | while a retry runs               | yes | `std::system_error` |
- * | `setup`                           | yes                              | yes | `std::system_error`, `std::bad_alloc`, what copying the callback throws |
- * | `teardown`                        | yes                              | yes | `std::system_error` |
- * | `isDlpuEnabled`                   | yes                              | yes | nothing |
- * | `getNumberOfChannels`             | yes                              | yes | nothing |
- * | `getNumberOfSimultaneousChannels` | yes                              | yes | nothing |
- * | `getServiceVersion`               | yes                              | yes | `std::bad_alloc` |
- * | `getDetectorInformation`          | yes                              | yes | `std::runtime_error`, `std::system_error`, `std::bad_alloc` |
- * | `getSupportedClasses`             | yes                              | yes | `std::runtime_error`, `std::system_error`, `std::bad_alloc` |
- * | `getSupportedAttributes`          | unless camera 1's names are known | yes | `std::runtime_error`, `std::system_error`, `std::bad_alloc` |
+ * | `setup`                           | yes                              | yes | `std::system_error`, `std::bad_alloc`,
+ * what copying the callback throws | | `teardown`                        | yes                              | yes |
+ * `std::system_error` | | `isDlpuEnabled`                   | yes                              | yes | nothing | |
+ * `getNumberOfChannels`             | yes                              | yes | nothing | |
+ * `getNumberOfSimultaneousChannels` | yes                              | yes | nothing | | `getServiceVersion` | yes |
+ * yes | `std::bad_alloc` | | `getDetectorInformation`          | yes                              | yes |
+ * `std::runtime_error`, `std::system_error`, `std::bad_alloc` | | `getSupportedClasses`             | yes | yes |
+ * `std::runtime_error`, `std::system_error`, `std::bad_alloc` | | `getSupportedAttributes`          | unless camera 1's
+ * names are known | yes | `std::runtime_error`, `std::system_error`, `std::bad_alloc` |
  *
- * `std::system_error` means that a lock or a thread was not to be had. A function that takes the library's lock also waits
- * while another thread holds it; `setup` and the retries hold it for as long as they block on the service.
+ * `std::system_error` means that a lock or a thread was not to be had. A function that takes the library's lock also
+ * waits while another thread holds it; `setup` and the retries hold it for as long as they block on the service.
  */
 class TARNVOD_EXPORT Handler {
  public:
   Handler() = delete;
 
   /**
-   * Starts the thread that subscribes channels again whose set-up failed or whose subscription the service dropped. Does
-   * nothing, not even change the period, when that thread is already running. Without it the other functions work, but
-   * nothing is retried.
+   * Starts the thread that subscribes channels again whose set-up failed or whose subscription the service dropped.
+   * Does nothing, not even change the period, when that thread is already running. Without it the other functions work,
+   * but nothing is retried.
    *
    * @param retryPeriod  seconds between two rounds of retries; 0 or less means no pause at all, which keeps a processor
    *                     busy
@@ -88,13 +88,13 @@ class TARNVOD_EXPORT Handler {
   static void initialize(int retryPeriod);
 
   /**
-   * Stops that thread and waits for it: for the round of retries that it may be in, and for one retry period. Does nothing
-   * when it is not running. No camera is torn down; tear down each one first.
+   * Stops that thread and waits for it: for the round of retries that it may be in, and for one retry period. Does
+   * nothing when it is not running. No camera is torn down; tear down each one first.
    *
    * Must be called before the process ends or the library is unloaded: a thread that still runs then ends the process.
    *
-   * @throw std::system_error  when called on that thread itself, from a callback that the platform runs there; the thread
-   *                           then ends after its round, and the next call from elsewhere waits for it
+   * @throw std::system_error  when called on that thread itself, from a callback that the platform runs there; the
+   * thread then ends after its round, and the next call from elsewhere waits for it
    */
   static void deinitialize();
 
@@ -106,8 +106,8 @@ class TARNVOD_EXPORT Handler {
   /**
    * Sets a camera up: from now on its frames arrive at the callback, also those without any detection.
    *
-   * For a camera that is already receiving, the callback and the classes are replaced and nothing else changes: a channel
-   * configuration given then is ignored.
+   * For a camera that is already receiving, the callback and the classes are replaced and nothing else changes: a
+   * channel configuration given then is ignored.
    *
    * A failure is told in the system log (the first of a run of failures, then every fifth after it) and the set-up is
    * retried by the thread that `initialize` starts, until it succeeds or `teardown` gives it up. What failed before the
@@ -115,9 +115,10 @@ class TARNVOD_EXPORT Handler {
    * class: the camera then receives frames without detections until it is set up again.
    *
    * @param camera    the camera, counted from 1
-   * @param callback  receives the frames; kept, and released by the time `teardown` returns, unless a frame is just being
-   *                  delivered. An empty callable receives nothing
-   * @param classes   names of the classes to receive, in lower case, out of `getSupportedClasses`; none means no detections
+   * @param callback  receives the frames; kept, and released by the time `teardown` returns, unless a frame is just
+   * being delivered. An empty callable receives nothing
+   * @param classes   names of the classes to receive, in lower case, out of `getSupportedClasses`; none means no
+   * detections
    * @param channelConfiguration  the region of interest, if the detector shall look at a part of the image only
    * @return true when the camera is subscribed, false when that failed and will be retried
    * @throw std::system_error, std::bad_alloc, what copying the callback throws  and then nothing has been set up, and a
@@ -127,11 +128,11 @@ class TARNVOD_EXPORT Handler {
                     const std::optional<VodChannelConfiguration>& channelConfiguration);
 
   /**
-   * Ends a camera's subscription, or gives its retries up. An unknown camera is no error. Failures of the platform are told
-   * in the system log; the camera is gone all the same.
+   * Ends a camera's subscription, or gives its retries up. An unknown camera is no error. Failures of the platform are
+   * told in the system log; the camera is gone all the same.
    *
-   * Whether a callback can still be running on another thread when this returns is the platform's choice; the callable's
-   * state lives until it has returned.
+   * Whether a callback can still be running on another thread when this returns is the platform's choice; the
+   * callable's state lives until it has returned.
    *
    * @param camera  the camera, counted from 1
    * @throw std::system_error  when the library's lock fails; nothing has changed then
@@ -144,11 +145,12 @@ class TARNVOD_EXPORT Handler {
   /** The number of video channels; 0, and an error in the system log, when the service does not tell. */
   static std::uint32_t getNumberOfChannels();
 
-  /** The number of channels that can be analysed at the same time; 0, and an error in the system log, when the service does
-   * not tell. */
+  /** The number of channels that can be analysed at the same time; 0, and an error in the system log, when the service
+   * does not tell. */
   static std::uint32_t getNumberOfSimultaneousChannels();
 
-  /** The version of the platform's library, "major.minor"; empty, with an error in the system log, when it does not tell. */
+  /** The version of the platform's library, "major.minor"; empty, with an error in the system log, when it does not
+   * tell. */
   static std::string getServiceVersion();
 
   /**

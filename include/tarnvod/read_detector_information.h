@@ -22,8 +22,8 @@ namespace tarn::VOD {
  * Thread-safe as far as the platform is. Blocks on the service. May be called from a callback.
  *
  * @param subscriber  a handle that stays the caller's; it need not be subscribed
- * @return what the service said; an empty message, and a warning in the system log, when it did not answer. Bytes that are
- *         not a valid message are no error: the result holds what could be read of them
+ * @return what the service said; an empty message, and a warning in the system log, when it did not answer. Bytes that
+ * are not a valid message are no error: the result holds what could be read of them
  * @throw std::bad_alloc  when memory runs out; nothing else
  */
 TARNVOD_EXPORT ::VOD::DetectorInformation readDetectorInformation(video_object_detection_subscriber_st* subscriber);

@@ -9,6 +9,9 @@
 #include <video_object_detection_subscriber.h>
 #pragma GCC visibility pop
 
+#include "diagnostics.h"
+#include "service.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
@@ -16,9 +19,6 @@
 #include <limits>
 #include <string>
 #include <utility>
-
-#include "diagnostics.h"
-#include "service.h"
 
 namespace {
 

@@ -1,13 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+#include "call_journal.h"
+#include "scene_filter.h"
+
 #include <array>
 #include <iomanip>
 #include <ostream>
 #include <sstream>
-
-#include "call_journal.h"
-#include "scene_filter.h"
 
 namespace vod::host {
 

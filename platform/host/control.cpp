@@ -1,14 +1,14 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+#include "callback_exceptions.h"
+#include "service.h"
+
 #include <vod_host.h>
 
 #include <algorithm>
 #include <stdexcept>
 #include <utility>
-
-#include "callback_exceptions.h"
-#include "service.h"
 
 namespace vod::host {
 

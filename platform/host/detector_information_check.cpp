@@ -3,10 +3,10 @@
 
 #include "detector_information_check.h"
 
-#include <tarnvod/video_object_detection.pb.h>
-
 #include "field_walk.h"
 #include "recording/recording.h"
+
+#include <tarnvod/video_object_detection.pb.h>
 
 namespace vod::host {
 

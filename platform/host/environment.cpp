@@ -3,13 +3,13 @@
 
 #include "environment.h"
 
+#include "installed_recordings.h"
+
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
 #include <stdexcept>
 #include <string_view>
-
-#include "installed_recordings.h"
 
 namespace vod::host {
 

@@ -3,12 +3,12 @@
 
 #include "playback.h"
 
+#include "diagnostics.h"
+
 #include <tarnvod/video_object_detection.pb.h>
 
 #include <algorithm>
 #include <utility>
-
-#include "diagnostics.h"
 
 namespace vod::host {
 

@@ -4,6 +4,8 @@
 #ifndef VOD_HOST_PLAYBACK_H
 #define VOD_HOST_PLAYBACK_H
 
+#include "recording/recording_reader.h"
+
 #include <vod_host.h>
 
 #include <chrono>
@@ -11,8 +13,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-
-#include "recording/recording_reader.h"
 
 namespace vod::host {
 

@@ -4,6 +4,8 @@
 #ifndef VOD_HOST_REPLAYER_H
 #define VOD_HOST_REPLAYER_H
 
+#include "playback.h"
+
 #include <chrono>
 #include <condition_variable>
 #include <functional>
@@ -11,8 +13,6 @@
 #include <mutex>
 #include <string>
 #include <thread>
-
-#include "playback.h"
 
 namespace vod::host {
 

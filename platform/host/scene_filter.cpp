@@ -3,11 +3,11 @@
 
 #include "scene_filter.h"
 
+#include "field_walk.h"
+
 #include <tarnvod/video_object_detection.pb.h>
 
 #include <utility>
-
-#include "field_walk.h"
 
 namespace vod::host {
 

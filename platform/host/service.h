@@ -4,6 +4,10 @@
 #ifndef VOD_HOST_SERVICE_H
 #define VOD_HOST_SERVICE_H
 
+#include "call_journal.h"
+#include "fault_plan.h"
+#include "service_state.h"
+
 #include <vod_host.h>
 
 #include <atomic>
@@ -12,10 +16,6 @@
 #include <mutex>
 #include <string>
 #include <vector>
-
-#include "call_journal.h"
-#include "fault_plan.h"
-#include "service_state.h"
 
 namespace vod::host {
 

@@ -3,17 +3,17 @@
 
 // What the C interface asks of the service.
 
+#include "detector_information_check.h"
+#include "diagnostics.h"
+#include "environment.h"
+#include "service.h"
+
 #include <algorithm>
 #include <filesystem>
 #include <new>
 #include <stdexcept>
 #include <system_error>
 #include <utility>
-
-#include "detector_information_check.h"
-#include "diagnostics.h"
-#include "environment.h"
-#include "service.h"
 
 namespace vod::host {
 

@@ -3,11 +3,11 @@
 
 // What the control interface asks of the service.
 
-#include <stdexcept>
-#include <utility>
-
 #include "callback_exceptions.h"
 #include "service.h"
+
+#include <stdexcept>
+#include <utility>
 
 namespace vod::host {
 

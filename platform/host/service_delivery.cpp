@@ -3,11 +3,11 @@
 
 // How scenes and teardowns reach the callbacks.
 
-#include <stdexcept>
-#include <utility>
-
 #include "diagnostics.h"
 #include "service.h"
+
+#include <stdexcept>
+#include <utility>
 
 namespace vod::host {
 

@@ -4,6 +4,11 @@
 #ifndef VOD_HOST_SERVICE_STATE_H
 #define VOD_HOST_SERVICE_STATE_H
 
+#include "delivery_thread.h"
+#include "replayer.h"
+#include "scene_filter.h"
+#include "subscriber.h"
+
 #include <vod_host.h>
 
 #include <map>
@@ -11,11 +16,6 @@
 #include <optional>
 #include <string>
 #include <vector>
-
-#include "delivery_thread.h"
-#include "replayer.h"
-#include "scene_filter.h"
-#include "subscriber.h"
 
 namespace vod::host {
 

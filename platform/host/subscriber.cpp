@@ -3,9 +3,9 @@
 
 #include "subscriber.h"
 
-#include <algorithm>
-
 #include "callback_exceptions.h"
+
+#include <algorithm>
 
 namespace vod::host {
 

@@ -4,6 +4,8 @@
 #ifndef VOD_HOST_SUBSCRIBER_H
 #define VOD_HOST_SUBSCRIBER_H
 
+#include "scene_filter.h"
+
 #include <vod_host.h>
 
 #include <chrono>
@@ -12,8 +14,6 @@
 #include <optional>
 #include <thread>
 #include <vector>
-
-#include "scene_filter.h"
 
 namespace vod::host {
 

@@ -38,8 +38,8 @@ typedef struct video_object_detection_subscriber video_object_detection_subscrib
  * @param length     its size in bytes
  * @param user_data  the pointer given to create
  */
-typedef void (*video_object_detection_subscriber_detection_callback)(const uint8_t *buffer, int32_t length,
-                                                                     void *user_data);
+typedef void (*video_object_detection_subscriber_detection_callback)(const uint8_t* buffer, int32_t length,
+                                                                     void* user_data);
 
 /**
  * Tells that the service has ended the subscription: no frame follows. The subscriber itself still has to be deleted;
@@ -47,7 +47,7 @@ typedef void (*video_object_detection_subscriber_detection_callback)(const uint8
  *
  * @param user_data  the pointer given to create
  */
-typedef void (*video_object_detection_subscriber_teardown_callback)(void *user_data);
+typedef void (*video_object_detection_subscriber_teardown_callback)(void* user_data);
 
 /**
  * Makes a subscriber for a channel; it receives nothing until it subscribes.
@@ -57,7 +57,7 @@ typedef void (*video_object_detection_subscriber_teardown_callback)(void *user_d
  * @param channel     the channel, counted from 0
  * @return 0, or non-zero when the service is down or has no such channel
  */
-int video_object_detection_subscriber_create(video_object_detection_subscriber_st **subscriber, void *user_data,
+int video_object_detection_subscriber_create(video_object_detection_subscriber_st** subscriber, void* user_data,
                                              int channel);
 
 /**
@@ -67,28 +67,28 @@ int video_object_detection_subscriber_create(video_object_detection_subscriber_s
  *
  * @param subscriber  the handle's address; the handle is released also when the call fails
  */
-int video_object_detection_subscriber_delete(video_object_detection_subscriber_st **subscriber);
+int video_object_detection_subscriber_delete(video_object_detection_subscriber_st** subscriber);
 
 /** Starts the frames. The detection callback may run before this call has returned. */
-int video_object_detection_subscriber_subscribe(video_object_detection_subscriber_st *subscriber);
+int video_object_detection_subscriber_subscribe(video_object_detection_subscriber_st* subscriber);
 
 /** Stops the frames; as for delete, a callback that is running may or may not be waited for. */
-int video_object_detection_subscriber_unsubscribe(video_object_detection_subscriber_st *subscriber);
+int video_object_detection_subscriber_unsubscribe(video_object_detection_subscriber_st* subscriber);
 
 /** Sets the function that receives frames; to be called before subscribe. */
 int video_object_detection_subscriber_set_get_detection_callback(
-    video_object_detection_subscriber_st *subscriber, video_object_detection_subscriber_detection_callback callback);
+    video_object_detection_subscriber_st* subscriber, video_object_detection_subscriber_detection_callback callback);
 
 /** Sets the function that learns that the service ended the subscription; to be called before subscribe. */
 int video_object_detection_subscriber_set_teardown_callback(
-    video_object_detection_subscriber_st *subscriber, video_object_detection_subscriber_teardown_callback callback);
+    video_object_detection_subscriber_st* subscriber, video_object_detection_subscriber_teardown_callback callback);
 
 /** Chooses whether frames without detections are delivered; they are not unless asked for. */
-int video_object_detection_subscriber_set_receive_empty_hits(video_object_detection_subscriber_st *subscriber,
+int video_object_detection_subscriber_set_receive_empty_hits(video_object_detection_subscriber_st* subscriber,
                                                              bool enabled);
 
 /** Chooses whether the channel's configuration applies to this subscriber's frames; it does not unless asked for. */
-int video_object_detection_subscriber_use_channel_configuration(video_object_detection_subscriber_st *subscriber,
+int video_object_detection_subscriber_use_channel_configuration(video_object_detection_subscriber_st* subscriber,
                                                                 bool enabled);
 
 /**
@@ -99,8 +99,8 @@ int video_object_detection_subscriber_use_channel_configuration(video_object_det
  * @param length         its size in bytes
  * @param error          null, or receives a text allocated with malloc when the call fails; the caller frees it
  */
-int video_object_detection_set_channel_configuration(int channel, const uint8_t *configuration, size_t length,
-                                                     char **error);
+int video_object_detection_set_channel_configuration(int channel, const uint8_t* configuration, size_t length,
+                                                     char** error);
 
 /**
  * Describes the detector of the subscriber's channel; the subscriber need not be subscribed.
@@ -111,17 +111,17 @@ int video_object_detection_set_channel_configuration(int channel, const uint8_t 
  * @param length       receives its size in bytes
  * @param error        null, or receives a text allocated with malloc when the call fails; the caller frees it
  */
-int video_object_detection_subscriber_get_information(video_object_detection_subscriber_st *subscriber,
-                                                      uint8_t **information, size_t *length, char **error);
+int video_object_detection_subscriber_get_information(video_object_detection_subscriber_st* subscriber,
+                                                      uint8_t** information, size_t* length, char** error);
 
 /** Tells how many channels there are. */
-int video_object_detection_subscriber_get_nbr_channels(uint32_t *count);
+int video_object_detection_subscriber_get_nbr_channels(uint32_t* count);
 
 /** Tells how many channels can be analysed at the same time. */
-int video_object_detection_subscriber_get_nbr_channels_simultaneously(uint32_t *count);
+int video_object_detection_subscriber_get_nbr_channels_simultaneously(uint32_t* count);
 
 /** Tells the version of the platform's library. */
-int video_object_detection_subscriber_get_version(int *major, int *minor);
+int video_object_detection_subscriber_get_version(int* major, int* minor);
 
 /** Tells whether the service is enabled on this device. */
 bool video_object_detection_subscriber_service_is_enabled(void);

@@ -1,13 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+#include "printing.h"
+
 #include <tarnvod/detection_data.h>
 #include <tarnvod/video_object_detection.pb.h>
 
 #include <tuple>
 #include <utility>
-
-#include "printing.h"
 
 namespace VOD {
 

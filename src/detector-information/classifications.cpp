@@ -1,12 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+#include "detector-information/class_ids_to_names.h"
+#include "printing.h"
+
 #include <tarnvod/detector_information.h>
 
 #include <algorithm>
-
-#include "detector-information/class_ids_to_names.h"
-#include "printing.h"
 
 namespace tarn::VOD {
 

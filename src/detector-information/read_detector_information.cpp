@@ -1,6 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+#include "platform_types.h"
+
 #include <syslog.h>
 #include <tarnvod/read_detector_information.h>
 
@@ -8,8 +10,6 @@
 #include <cstdlib>
 #include <limits>
 #include <memory>
-
-#include "platform_types.h"
 
 namespace tarn::VOD {
 namespace {

@@ -9,6 +9,7 @@
 #include <vod_host.h>
 
 #include <atomic>
+#include <chrono>
 #include <memory>
 #include <random>
 #include <thread>
@@ -117,8 +118,12 @@ void disturb(std::vector<std::string> scenes, std::uint32_t seed) {
 }
 
 void waitUntilAllAreBack() {
+  const auto deadline = std::chrono::steady_clock::now() + host::waitTimeout;
   for (int camera = 1; camera <= cameras; ++camera) {
     while (host::channel(camera - 1).subscriptions().empty()) {
+      if (std::chrono::steady_clock::now() > deadline) {
+        throw Disagreement("camera " + std::to_string(camera) + " did not come back with the service");
+      }
       std::this_thread::yield();
     }
   }

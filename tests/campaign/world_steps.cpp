@@ -266,8 +266,10 @@ void World::sendSceneThatTakesLong(const Choose& choose) {
   host::channel(camera - 1).pushScene(scene);
   if (frame) {
     gate.waitUntilReached();
-    // The teardown of this very camera waits for its callback, where the platform does, and so must find the way free.
-    host::plan(host::Fault(Function::Unsubscribe).always().runs([gate] { gate.open(); }));
+    if (settings_.deleteWaitsForCallbacks) {
+      // The teardown of this very camera waits for its callback, and so must find the way free.
+      host::plan(host::Fault(Function::Unsubscribe).always().runs([gate] { gate.open(); }));
+    }
     if (choose(4) == 0) {
       retry();
     } else {

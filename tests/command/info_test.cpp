@@ -1,12 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+#include "situations.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
 #include <nlohmann/json.hpp>
-
-#include "situations.h"
 
 using nlohmann::json;
 using testing::HasSubstr;

@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+#include "situations.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <signal.h>
-
-#include "situations.h"
 
 using testing::HasSubstr;
 using testing::Not;

@@ -1,12 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+#include "terminal.h"
+
+#include "situations.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <signal.h>
-
-#include "situations.h"
-#include "terminal.h"
 
 using tarn::command::Style;
 using testing::EndsWith;

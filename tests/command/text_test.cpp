@@ -2,13 +2,14 @@
 // SPDX-License-Identifier: MIT
 
 #include "text.h"
+
+#include "bounded_queue.h"
+#include "svg.h"
+
 #include <gtest/gtest.h>
 
 #include <clocale>
 #include <limits>
-
-#include "bounded_queue.h"
-#include "svg.h"
 
 using tarn::command::BoundedQueue;
 using namespace tarn::command;

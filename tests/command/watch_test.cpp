@@ -1,14 +1,14 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+#include "situations.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 #include <signal.h>
 
-#include <nlohmann/json.hpp>
 #include <sstream>
-
-#include "situations.h"
 
 using nlohmann::json;
 using testing::Each;

@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+#include "message_builders.h"
+
 #include <gmock/gmock.h>
 #include <tarnvod/detector_information.h>
 #include <tarnvod/video_object_detection.pb.h>
-
-#include "message_builders.h"
 
 namespace tarn::VOD {
 namespace {

@@ -1,15 +1,15 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+#include "message_builders.h"
+#include "support/wire_bytes.h"
+
 #include <gmock/gmock.h>
 #include <tarnvod/detector_information_file_reader.h>
 #include <tarnvod/video_object_detection.pb.h>
 #include <unistd.h>
 
 #include <filesystem>
-
-#include "message_builders.h"
-#include "support/wire_bytes.h"
 
 namespace tarn::VOD {
 namespace {

@@ -1,13 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+#include "message_builders.h"
+
 #include <gmock/gmock.h>
 #include <tarnvod/detector_information.h>
 #include <tarnvod/video_object_detection.pb.h>
 
 #include <limits>
-
-#include "message_builders.h"
 
 namespace tarn::VOD {
 namespace {

@@ -1,6 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+#include "message_builders.h"
+#include "support/allocation_failure.h"
+#include "support/system_log.h"
+#include "support/wire_bytes.h"
+
 #include <gmock/gmock.h>
 #include <tarnvod/detector_information.h>
 #include <tarnvod/read_detector_information.h>
@@ -10,11 +15,6 @@
 #include <limits>
 #include <new>
 #include <optional>
-
-#include "message_builders.h"
-#include "support/allocation_failure.h"
-#include "support/system_log.h"
-#include "support/wire_bytes.h"
 
 namespace {
 

@@ -10,13 +10,13 @@
 // stands
 //   at the lower left.
 
+#include "recording/recording_writer.h"
+
 #include <tarnvod/video_object_detection.pb.h>
 
 #include <cstdint>
 #include <exception>
 #include <iostream>
-
-#include "recording/recording_writer.h"
 
 namespace {
 

@@ -1,14 +1,14 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+#include "client.h"
+#include "recording/recording_writer.h"
+#include "support/temporary_folder.h"
+
 #include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <optional>
-
-#include "client.h"
-#include "recording/recording_writer.h"
-#include "support/temporary_folder.h"
 
 namespace vod::host {
 namespace {

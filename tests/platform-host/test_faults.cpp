@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include <stdexcept>
-
 #include "client.h"
+
+#include <stdexcept>
 
 namespace vod::host {
 namespace {

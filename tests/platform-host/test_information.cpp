@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include <limits>
-
 #include "client.h"
+
+#include <limits>
 
 namespace vod::host {
 namespace {

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include <sstream>
-
 #include "client.h"
+
+#include <sstream>
 
 namespace vod::host {
 namespace {

@@ -1,14 +1,14 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include <cstring>
-#include <filesystem>
-#include <fstream>
-
 #include "client.h"
 #include "recording/recording.h"
 #include "recording/recording_writer.h"
 #include "support/temporary_folder.h"
+
+#include <cstring>
+#include <filesystem>
+#include <fstream>
 
 namespace vod::host {
 namespace {

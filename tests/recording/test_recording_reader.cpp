@@ -1,13 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+#include "recording/recording_reader.h"
+#include "support/temporary_folder.h"
+
 #include <gmock/gmock.h>
 
 #include <filesystem>
 #include <sstream>
-
-#include "recording/recording_reader.h"
-#include "support/temporary_folder.h"
 
 namespace vod::recording {
 namespace {

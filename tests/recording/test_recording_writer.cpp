@@ -1,16 +1,16 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+#include "recording/recording_reader.h"
+#include "recording/recording_writer.h"
+#include "support/temporary_folder.h"
+
 #include <gmock/gmock.h>
 #include <sys/resource.h>
 
 #include <csignal>
 #include <filesystem>
 #include <fstream>
-
-#include "recording/recording_reader.h"
-#include "recording/recording_writer.h"
-#include "support/temporary_folder.h"
 
 namespace vod::recording {
 namespace {

@@ -9,6 +9,8 @@
 #include <vod_host.h>
 
 #include <array>
+#include <chrono>
+#include <stdexcept>
 #include <thread>
 
 namespace tarn::test {
@@ -167,7 +169,11 @@ void Feed::disturbNeighbour() {
 }
 
 void Feed::waitUntilSubscribed() const {
+  const auto deadline = std::chrono::steady_clock::now() + host::waitTimeout;
   while (host::channel(camera_ - 1).subscriptions().empty()) {
+    if (std::chrono::steady_clock::now() > deadline) {
+      throw std::runtime_error("camera " + std::to_string(camera_) + " was not recovered");
+    }
     std::this_thread::yield();
   }
 }

@@ -8,10 +8,9 @@
 #include "soak/process_hooks.h"
 #include "soak/resources.h"
 
+#include <CLI/CLI.hpp>
 #include <tarnvod/handler.h>
 #include <vod_host.h>
-
-#include <CLI/CLI.hpp>
 
 #include <chrono>
 #include <condition_variable>

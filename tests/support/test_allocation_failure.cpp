@@ -1,13 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+#include "support/allocation_failure.h"
+
 #include <gtest/gtest.h>
 
 #include <future>
 #include <new>
 #include <thread>
-
-#include "support/allocation_failure.h"
 
 namespace {
 

@@ -1,13 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+#include "support/retry_sleep.h"
+#include "support/system_log.h"
+
 #include <gmock/gmock.h>
 
 #include <ctime>
 #include <thread>
-
-#include "support/retry_sleep.h"
-#include "support/system_log.h"
 
 namespace {
 

@@ -4,12 +4,12 @@
 #ifndef TARNVOD_TESTS_SAMPLE_MESSAGES_H
 #define TARNVOD_TESTS_SAMPLE_MESSAGES_H
 
+#include "support/wire_bytes.h"
+
 #include <tarnvod/video_object_detection.pb.h>
 
 #include <string>
 #include <vector>
-
-#include "support/wire_bytes.h"
 
 /** Messages in which every field is set, and their bytes, spelled out: one string for each field of the outer message.
  */

@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include <gtest/gtest.h>
-#include <tarnvod/video_object_detection.pb.h>
-
 #include "sample_messages.h"
 #include "support/wire_bytes.h"
+
+#include <gtest/gtest.h>
+#include <tarnvod/video_object_detection.pb.h>
 
 namespace {
 

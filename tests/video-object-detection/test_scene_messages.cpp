@@ -1,13 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+#include "sample_messages.h"
+#include "support/wire_bytes.h"
+
 #include <gmock/gmock.h>
 #include <tarnvod/video_object_detection.pb.h>
 
 #include <limits>
-
-#include "sample_messages.h"
-#include "support/wire_bytes.h"
 
 namespace {
 

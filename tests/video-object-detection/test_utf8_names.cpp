@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+#include "support/wire_bytes.h"
+
 #include <gmock/gmock.h>
 #include <tarnvod/video_object_detection.pb.h>
-
-#include "support/wire_bytes.h"
 
 namespace {
 

@@ -3,7 +3,10 @@
 
 // The command as it is used: on a small video that each test draws, of a grey wall that grows lighter. Nobody is in it.
 
+#include "recording/recording_reader.h"
+
 #include <gmock/gmock.h>
+#include <opencv2/videoio.hpp>
 #include <stdlib.h>
 #include <sys/wait.h>
 #include <tarnvod/video_object_detection.pb.h>
@@ -13,12 +16,9 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <opencv2/videoio.hpp>
 #include <string>
 #include <variant>
 #include <vector>
-
-#include "recording/recording_reader.h"
 
 namespace fs = std::filesystem;
 using testing::ElementsAre;

@@ -7,6 +7,7 @@
 #include "options.h"
 
 #include <CLI/CLI.hpp>
+
 #include <algorithm>
 #include <cmath>
 #include <map>

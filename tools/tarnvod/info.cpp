@@ -11,8 +11,9 @@
 #include "service.h"
 
 #include <CLI/CLI.hpp>
-#include <memory>
 #include <nlohmann/json.hpp>
+
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>

@@ -7,8 +7,9 @@
 #include "recording_summary.h"
 
 #include <CLI/CLI.hpp>
-#include <memory>
 #include <nlohmann/json.hpp>
+
+#include <memory>
 #include <string>
 
 namespace tarn::command {

@@ -5,8 +5,9 @@
 
 #include "text.h"
 
-#include <map>
 #include <nlohmann/json.hpp>
+
+#include <map>
 #include <optional>
 #include <vector>
 

@@ -4,11 +4,11 @@
 #ifndef TARNVOD_COMMAND_JSON_H
 #define TARNVOD_COMMAND_JSON_H
 
+#include <nlohmann/json_fwd.hpp>
 #include <tarnvod/detection_data.h>
 #include <tarnvod/detector_information.h>
 
 #include <cstdint>
-#include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <vector>
 

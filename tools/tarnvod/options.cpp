@@ -4,6 +4,7 @@
 #include "options.h"
 
 #include <CLI/CLI.hpp>
+
 #include <charconv>
 #include <cmath>
 #include <limits>

@@ -7,6 +7,7 @@
 
 #include <cstdlib>
 #include <utility>
+#include <vector>
 
 namespace tarn::command {
 namespace {
@@ -27,8 +28,17 @@ int readInformation(int (*getInformation)(video_object_detection_subscriber_st*,
 
 }  // namespace
 
+/**
+ * Taps are kept until the process ends: whether a callback can still run after `delete` is the platform's choice, and
+ * there are only as many as subscriptions were dropped.
+ */
+RawSubscription::Tap* RawSubscription::makeTap(std::shared_ptr<SceneQueue> scenes) {
+  static auto& taps = *new std::vector<std::unique_ptr<Tap>>;
+  return taps.emplace_back(new Tap{std::move(scenes), {}}).get();
+}
+
 RawSubscription::RawSubscription(int camera, std::shared_ptr<SceneQueue> scenes)
-    : camera_(camera), tap_(new Tap{std::move(scenes), {}}) {
+    : camera_(camera), tap_(makeTap(std::move(scenes))) {
   check(video_object_detection_subscriber_create(&subscriber_, tap_, camera - 1), "does not answer");
 }
 

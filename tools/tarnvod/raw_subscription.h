@@ -48,11 +48,10 @@ class RawSubscription {
     std::atomic<bool> dropped{false};
   };
 
+  static Tap* makeTap(std::shared_ptr<SceneQueue> scenes);
   void check(int result, const char* what) const;
 
   const int camera_;
-  /** Never freed: whether a callback can still run after `delete` is the platform's choice. One for each subscription.
-   */
   Tap* const tap_;
   video_object_detection_subscriber_st* subscriber_ = nullptr;
 };

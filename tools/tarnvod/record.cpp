@@ -11,10 +11,10 @@
 #include "stop_signal.h"
 #include "text.h"
 
+#include <CLI/CLI.hpp>
 #include <recording/recording.h>
 #include <recording/recording_writer.h>
 #include <tarnvod/handler.h>
-#include <CLI/CLI.hpp>
 
 #include <filesystem>
 #include <memory>

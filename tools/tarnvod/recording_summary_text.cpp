@@ -5,9 +5,10 @@
 #include "recording_summary.h"
 #include "text.h"
 
+#include <nlohmann/json.hpp>
+
 #include <algorithm>
 #include <cmath>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 

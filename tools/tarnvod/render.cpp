@@ -8,6 +8,7 @@
 #include "text.h"
 
 #include <CLI/CLI.hpp>
+
 #include <filesystem>
 #include <memory>
 #include <optional>

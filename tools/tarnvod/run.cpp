@@ -8,6 +8,7 @@
 #include "text.h"
 
 #include <CLI/CLI.hpp>
+
 #include <algorithm>
 #include <clocale>
 #include <csignal>

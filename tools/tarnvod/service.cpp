@@ -5,8 +5,8 @@
 
 #include "errors.h"
 
-#include <tarnvod/handler.h>
 #include <nlohmann/json.hpp>
+#include <tarnvod/handler.h>
 
 #include <stdexcept>
 #include <system_error>

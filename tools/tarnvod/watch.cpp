@@ -12,6 +12,7 @@
 #include "watch_display.h"
 
 #include <CLI/CLI.hpp>
+
 #include <algorithm>
 #include <array>
 #include <memory>

@@ -9,6 +9,7 @@
 #include "terminal.h"
 
 #include <nlohmann/json.hpp>
+
 #include <optional>
 
 namespace tarn::command {

@@ -125,6 +125,15 @@ void addObjects(std::vector<Line>& lines, const CameraStatistics& statistics, st
   }
 }
 
+/** Shows that what is in these lines is not up to date. */
+void dim(std::vector<Line>& lines, std::size_t first) {
+  for (std::size_t index = first; index < lines.size(); ++index) {
+    for (Span& span : lines[index]) {
+      span.style = Style::Dim;
+    }
+  }
+}
+
 }  // namespace
 
 std::vector<Line> watchTable(const WatchedCameras& cameras, const TerminalSize& size, Clock::time_point now) {
@@ -136,7 +145,11 @@ std::vector<Line> watchTable(const WatchedCameras& cameras, const TerminalSize& 
   for (const WatchedCamera& camera : cameras) {
     lines.push_back(stateLine(camera, now));
     if (camera.statistics.latest() != nullptr) {
+      const std::size_t firstRow = lines.size();
       addObjects(lines, camera.statistics, rowsPerCamera, size.columns);
+      if (camera.link.state() != CameraLink::State::Receiving) {
+        dim(lines, firstRow);
+      }
     }
     lines.emplace_back();
   }

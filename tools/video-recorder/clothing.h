@@ -4,10 +4,10 @@
 #ifndef TARNVOD_VIDEO_RECORDER_CLOTHING_H
 #define TARNVOD_VIDEO_RECORDER_CLOTHING_H
 
-#include <opencv2/core.hpp>
-
 #include "video-recorder/box.h"
 #include "video-recorder/colours.h"
+
+#include <opencv2/core.hpp>
 
 namespace recorder {
 

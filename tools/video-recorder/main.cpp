@@ -3,15 +3,16 @@
 
 // Turns a video into a recording of the people in it, which the host platform replays as a camera.
 
+#include "video-recorder/record.h"
+
 #include <CLI/CLI.hpp>
+#include <opencv2/core.hpp>
+#include <opencv2/core/utils/logger.hpp>
+
 #include <atomic>
 #include <csignal>
 #include <exception>
 #include <iostream>
-#include <opencv2/core.hpp>
-#include <opencv2/core/utils/logger.hpp>
-
-#include "video-recorder/record.h"
 
 namespace {
 

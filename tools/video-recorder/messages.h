@@ -4,13 +4,13 @@
 #ifndef TARNVOD_VIDEO_RECORDER_MESSAGES_H
 #define TARNVOD_VIDEO_RECORDER_MESSAGES_H
 
+#include "video-recorder/colours.h"
+#include "video-recorder/tracker.h"
+
 #include <tarnvod/video_object_detection.pb.h>
 
 #include <cstdint>
 #include <map>
-
-#include "video-recorder/colours.h"
-#include "video-recorder/tracker.h"
 
 namespace recorder {
 

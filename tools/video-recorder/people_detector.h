@@ -4,10 +4,11 @@
 #ifndef TARNVOD_VIDEO_RECORDER_PEOPLE_DETECTOR_H
 #define TARNVOD_VIDEO_RECORDER_PEOPLE_DETECTOR_H
 
-#include <opencv2/objdetect.hpp>
-#include <vector>
-
 #include "video-recorder/sighting.h"
+
+#include <opencv2/objdetect.hpp>
+
+#include <vector>
 
 namespace recorder {
 

@@ -3,15 +3,16 @@
 
 #include "video-recorder/record.h"
 
-#include <algorithm>
-#include <opencv2/core.hpp>
-
 #include "recording/recording_writer.h"
 #include "video-recorder/clothing.h"
 #include "video-recorder/messages.h"
 #include "video-recorder/people_detector.h"
 #include "video-recorder/progress.h"
 #include "video-recorder/video.h"
+
+#include <opencv2/core.hpp>
+
+#include <algorithm>
 
 namespace recorder {
 namespace {

@@ -4,10 +4,10 @@
 #ifndef TARNVOD_VIDEO_RECORDER_SIGHTING_H
 #define TARNVOD_VIDEO_RECORDER_SIGHTING_H
 
+#include "video-recorder/box.h"
+
 #include <cstdint>
 #include <vector>
-
-#include "video-recorder/box.h"
 
 namespace recorder {
 

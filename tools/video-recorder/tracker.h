@@ -4,10 +4,10 @@
 #ifndef TARNVOD_VIDEO_RECORDER_TRACKER_H
 #define TARNVOD_VIDEO_RECORDER_TRACKER_H
 
+#include "video-recorder/sighting.h"
+
 #include <cstdint>
 #include <vector>
-
-#include "video-recorder/sighting.h"
 
 namespace recorder {
 
@@ -37,7 +37,7 @@ struct TrackedFrame {
 /** When a person is confirmed, lost and forgotten. Times are in frames. */
 struct TrackerSettings {
   /** A sighting that belongs to nobody starts a new person from this margin on; a weaker one is ignored. */
-  float newPersonMargin = 1.5F;
+  float newPersonMargin = 1.75F;
   /** A weaker sighting does not continue a person either. */
   float knownPersonMargin = 0.2F;
   int sightingsToConfirm = 3;

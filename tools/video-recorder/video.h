@@ -4,9 +4,10 @@
 #ifndef TARNVOD_VIDEO_RECORDER_VIDEO_H
 #define TARNVOD_VIDEO_RECORDER_VIDEO_H
 
+#include <opencv2/videoio.hpp>
+
 #include <chrono>
 #include <cstdint>
-#include <opencv2/videoio.hpp>
 #include <optional>
 #include <stdexcept>
 #include <string>

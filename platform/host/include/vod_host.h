@@ -25,16 +25,15 @@
 #ifndef VOD_HOST_H
 #define VOD_HOST_H
 
+#include <video_object_detection_subscriber.h>
+#include <vod_host_calls.h>
+
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
-
-#include <video_object_detection_subscriber.h>
-
-#include <vod_host_calls.h>
 
 namespace vod::host {
 

@@ -4,6 +4,8 @@
 #ifndef VOD_RECORDING_RECORDING_READER_H
 #define VOD_RECORDING_RECORDING_READER_H
 
+#include "recording/recording.h"
+
 #include <google/protobuf/io/coded_stream.h>
 #include <google/protobuf/io/zero_copy_stream_impl.h>
 
@@ -15,8 +17,6 @@
 #include <optional>
 #include <string>
 #include <variant>
-
-#include "recording/recording.h"
 
 namespace vod::recording {
 

@@ -3,6 +3,8 @@
 
 #include "recording/recording_writer.h"
 
+#include "recording/recording.h"
+
 #include <fcntl.h>
 #include <google/protobuf/io/coded_stream.h>
 #include <unistd.h>
@@ -11,8 +13,6 @@
 #include <cerrno>
 #include <cstring>
 #include <system_error>
-
-#include "recording/recording.h"
 
 namespace vod::recording {
 

@@ -1,0 +1,66 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+// Prints how many blocks, and how many bytes in them, each road of each sample allocates for a frame.
+
+#include "roads.h"
+
+#include <vod_host.h>
+
+#include <cstdlib>
+#include <exception>
+#include <iostream>
+#include <new>
+
+namespace {
+
+thread_local long blocks = 0;
+thread_local long allocatedBytes = 0;
+
+void* allocate(std::size_t size) noexcept {
+  ++blocks;
+  allocatedBytes += static_cast<long>(size);
+  return std::malloc(size == 0 ? 1 : size);
+}
+
+}  // namespace
+
+void* operator new(std::size_t size) {
+  void* const memory = allocate(size);
+  if (memory == nullptr) {
+    throw std::bad_alloc();
+  }
+  return memory;
+}
+
+void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
+  return allocate(size);
+}
+
+void operator delete(void* memory) noexcept {
+  std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t /*size*/) noexcept {
+  std::free(memory);
+}
+
+int main() {
+  try {
+    vod::host::reset();
+    for (const auto& sample : tarn::VOD::bench::samples()) {
+      for (const auto& road : tarn::VOD::bench::allRoads()) {
+        const auto walk = road.prepare(sample);
+        walk();  // what is made once, such as a parser's buffers, is no cost of a frame
+        blocks = 0;
+        allocatedBytes = 0;
+        walk();
+        std::cout << road.name << '/' << sample.name << ' ' << blocks << ' ' << allocatedBytes << '\n';
+      }
+    }
+  } catch (const std::exception& failure) {
+    std::cerr << "count_allocations: " << failure.what() << '\n';
+    return 1;
+  }
+  return 0;
+}
