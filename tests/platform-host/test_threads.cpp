@@ -1,6 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+#include <atomic>
+
 #include "client.h"
 
 namespace vod::host {
@@ -67,7 +69,7 @@ TEST_F(Callbacks, OfOneSubscriberNeverRunSideBySide) {
 }
 
 TEST_F(Callbacks, MayCallEverythingBecauseNoLockIsHeld) {
-  int failures = 0;
+  std::atomic<int> failures = 0;  // Both channels' threads add to it.
   const auto callEverything = [&failures](Client& client) {
     // From another thread too, which would wait for any lock that the platform held.
     std::thread([&] {
