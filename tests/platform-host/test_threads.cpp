@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include <atomic>
-
 #include "client.h"
+
+#include <atomic>
 
 namespace vod::host {
 namespace {
