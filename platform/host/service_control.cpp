@@ -18,7 +18,6 @@ Service& Service::instance() {
 
 void Service::reset() {
   faults.clear();
-  Gate::openAll();
   ServiceState gone;
   {
     const Lock lock(mutex_);
@@ -27,6 +26,8 @@ void Service::reset() {
   for (const auto& [handle, subscriber] : gone.subscribers) {
     subscriber->close();
   }
+  // Only now, so that a callback that stood at a gate is the last one.
+  Gate::openAll();
   for (auto& [number, channel] : gone.channels) {
     // Before the threads: it may wait for the one that all channels share.
     channel.replayer.reset();
