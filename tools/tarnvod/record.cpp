@@ -24,8 +24,8 @@
 namespace tarn::command {
 namespace {
 
-constexpr std::size_t queueCapacity = 256;
-constexpr std::chrono::milliseconds tickPeriod{50};
+constexpr std::size_t sceneQueueCapacity = 256;
+constexpr std::chrono::milliseconds sceneWait{50};
 
 struct RecordOptions {
   int camera = 0;
@@ -55,7 +55,7 @@ class Recorder {
 
   void run() {
     while (!isDone()) {
-      if (const auto scene = scenes_->popWithin(tickPeriod)) {
+      if (const auto scene = scenes_->popWithin(sceneWait)) {
         writer_->append(*scene);
         ++progress_.frames;
         progress_.bytes += scene->size();
@@ -121,7 +121,7 @@ class Recorder {
 
   const RecordOptions options_;
   ProgressBar bar_;
-  const std::shared_ptr<SceneQueue> scenes_ = std::make_shared<SceneQueue>(queueCapacity);
+  const std::shared_ptr<SceneQueue> scenes_ = std::make_shared<SceneQueue>(sceneQueueCapacity);
   std::optional<RawSubscription> subscription_;
   std::optional<vod::recording::RecordingWriter> writer_;
   Progress progress_;

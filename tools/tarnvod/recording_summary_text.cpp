@@ -18,15 +18,15 @@ namespace {
 constexpr std::size_t idColumns = 10;
 constexpr std::size_t classColumns = 14;
 constexpr std::size_t numberColumns = 9;
-constexpr std::size_t barColumns = 30;
+constexpr std::size_t lifeColumns = 30;
 
 /** The recording from left to right, drawn strong where the object was there. */
 std::string lifeBar(double from, double to, double duration) {
-  const double scale = duration > 0 ? static_cast<double>(barColumns) / duration : 0;
-  const auto begin = std::min(barColumns - 1, static_cast<std::size_t>(from * scale));
-  const auto end = std::clamp(static_cast<std::size_t>(std::ceil(to * scale)), begin + 1, barColumns);
+  const double scale = duration > 0 ? static_cast<double>(lifeColumns) / duration : 0;
+  const auto begin = std::min(lifeColumns - 1, static_cast<std::size_t>(from * scale));
+  const auto end = std::clamp(static_cast<std::size_t>(std::ceil(to * scale)), begin + 1, lifeColumns);
   std::string bar;
-  for (std::size_t column = 0; column < barColumns; ++column) {
+  for (std::size_t column = 0; column < lifeColumns; ++column) {
     bar += column >= begin && column < end ? "━" : "·";
   }
   return bar;

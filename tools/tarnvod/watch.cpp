@@ -25,8 +25,8 @@ namespace tarn::command {
 namespace {
 
 /** Enough for a short stall of the reader. */
-constexpr std::size_t queueCapacity = 256;
-constexpr std::chrono::milliseconds tickPeriod{50};
+constexpr std::size_t arrivalQueueCapacity = 256;
+constexpr std::chrono::milliseconds arrivalWait{50};
 
 struct WatchOptions {
   std::vector<int> cameras;
@@ -75,7 +75,7 @@ class Watch {
     }
     display_ = makeWatchDisplay(json_);
     while (!isDone()) {
-      if (auto arrival = queue_->popWithin(tickPeriod)) {
+      if (auto arrival = queue_->popWithin(arrivalWait)) {
         show(*arrival);
       }
       tick();
@@ -140,7 +140,7 @@ class Watch {
 
   const Limits limits_;
   const bool json_;
-  const std::shared_ptr<ArrivalQueue> queue_ = std::make_shared<ArrivalQueue>(queueCapacity);
+  const std::shared_ptr<ArrivalQueue> queue_ = std::make_shared<ArrivalQueue>(arrivalQueueCapacity);
   WatchedCameras cameras_;
   std::vector<LinkNews> news_;
   std::unique_ptr<WatchDisplay> display_;
