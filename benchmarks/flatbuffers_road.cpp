@@ -86,7 +86,8 @@ std::unique_ptr<DetectionData> convert(const flat::Scene& scene, const SceneName
 }  // namespace
 
 Walk flatbuffersRoad(const Sample& sample) {
-  return [bytes = bytesOf(sample.scene), names = namesOf(sample.detector)] {
+  return [messages = ofEachScene(sample, bytesOf), names = namesOf(sample.detector)]() mutable {
+    const std::string& bytes = messages.next();
     // What comes from another process is verified before it is read.
     const auto* const data = reinterpret_cast<const std::uint8_t*>(bytes.data());
     flatbuffers::Verifier verifier(data, bytes.size());

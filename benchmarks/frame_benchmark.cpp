@@ -31,9 +31,10 @@ void makeModel(benchmark::State& state) {
 }
 
 void setUpCamera(benchmark::State& state) {
-  vod::host::channel(0).detectorInformation(sampleDetector().SerializeAsString());
+  const ::VOD::DetectorInformation detector = sampleDetector();
+  vod::host::channel(0).detectorInformation(detector.SerializeAsString());
   vod::host::recordCalls(false);
-  const std::set<std::string> classes = sampleClasses();
+  const std::set<std::string> classes = firstClasses(detector);
   for (auto _ : state) {
     Handler::setup(
         1, [](std::unique_ptr<DetectionData> /*frame*/, int /*camera*/) {}, classes);

@@ -66,8 +66,9 @@ std::unique_ptr<DetectionData> convert(const json& scene, const SceneNames& name
 }  // namespace
 
 Walk nlohmannJsonRoad(const Sample& sample) {
-  return
-      [text = jsonOf(sample.scene), names = namesOf(sample.detector)] { deliver(convert(json::parse(text), names)); };
+  return [texts = ofEachScene(sample, jsonOf), names = namesOf(sample.detector)]() mutable {
+    deliver(convert(json::parse(texts.next()), names));
+  };
 }
 
 }  // namespace tarn::VOD::bench

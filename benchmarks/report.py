@@ -16,7 +16,7 @@ import statistics
 import subprocess
 import sys
 
-SAMPLES = ["3", "12", "100", "12-outlines", "12-long-names"]
+SAMPLES = ["3", "12", "100", "12-outlines", "12-long-names", "street"]
 BEGIN, END = "<!-- figures: scripts/benchmark -->", "<!-- end of figures -->"
 COUNTER = shlex.split(os.environ.get("COUNTER", ""))
 
@@ -49,6 +49,7 @@ def heap(program):
 
 
 def per_frame(program, road, sample, *classes):
+    """Instructions. Both numbers of frames are multiples of the number of scenes that a sample takes in turn."""
     few, many = 40, 120
     first, last = (instructions([program, road, sample, str(frames), *map(str, classes)]) for frames in (few, many))
     return (last - first) / (many - few)
@@ -75,7 +76,7 @@ def roads_of(sample, measured):
     """Ours in a fixed order, then the others, which know nothing of outlines and are not concerned with long names."""
     ours = ["parse", "frame", "convert", "copy"]
     others = sorted({name.split("/")[0] for name in measured if "/" in name} - set(ours))
-    return ours + (others if sample.isdigit() else [])
+    return ours + (others if sample.isdigit() or sample == "street" else [])
 
 
 def frame_rows(directory, measured):

@@ -6,19 +6,25 @@
 #include "detection-data/scene_conversion.h"
 #include "sample_scenes.h"
 
+#include <recording/recording_reader.h>
 #include <tarnvod/handler.h>
 #include <vod_host.h>
 
 #include <cstring>
+#include <filesystem>
+#include <fstream>
 #include <map>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <utility>
+#include <variant>
 
 namespace tarn::VOD::bench {
 namespace {
 
 constexpr int pointsPerOutline = 48;
+constexpr int framesBetweenScenes = 20;
 
 void ignoreMissingType(std::uint32_t /*type*/) {}
 
@@ -34,21 +40,27 @@ void parse(::VOD::Scene& scene, const std::string& bytes) {
   }
 }
 
+Cycle<std::string> messagesOf(const Sample& sample) {
+  return ofEachScene(sample, [](const ::VOD::Scene& scene) { return scene.SerializeAsString(); });
+}
+
 Walk parseAlone(const Sample& sample) {
-  return [bytes = sample.scene.SerializeAsString()] {
+  return [messages = messagesOf(sample)]() mutable {
     ::VOD::Scene scene;
-    parse(scene, bytes);
+    parse(scene, messages.next());
     use(scene);
   };
 }
 
 Walk convertAlone(const Sample& sample) {
-  return
-      [scene = sample.scene, names = namesOf(sample.detector)] { use(*convertScene(scene, names, ignoreMissingType)); };
+  return [scenes = Cycle(sample.scenes), names = namesOf(sample.detector)]() mutable {
+    use(*convertScene(scenes.next(), names, ignoreMissingType));
+  };
 }
 
 Walk copyBytes(const Sample& sample) {
-  return [bytes = sample.scene.SerializeAsString(), target = std::string()]() mutable {
+  return [messages = messagesOf(sample), target = std::string()]() mutable {
+    const std::string& bytes = messages.next();
     target.resize(bytes.size());
     std::memcpy(target.data(), bytes.data(), bytes.size());
     use(target);
@@ -59,16 +71,44 @@ Walk wholeRoadOfAllClasses(const Sample& sample) {
   return wholeRoad(sample, 1, detectorClasses);
 }
 
+std::optional<::VOD::Scene> sceneOf(const vod::recording::NextScene& next) {
+  const auto* const recorded = std::get_if<vod::recording::RecordedScene>(&next);
+  if (recorded == nullptr) {
+    return std::nullopt;
+  }
+  std::optional<::VOD::Scene> scene(std::in_place);
+  parse(*scene, recorded->bytes);
+  return scene;
+}
+
+/** From the recording that comes with the project. */
+Sample street() {
+  const std::filesystem::path folder = TARNVOD_STREET;
+  Sample sample{"street", {}, {}};
+  std::ifstream file(folder / vod::recording::detectorInformationFileName, std::ios::binary);
+  if (!sample.detector.ParseFromIstream(&file)) {
+    throw std::runtime_error("the street's detector information cannot be read");
+  }
+  vod::recording::RecordingReader reader(folder);
+  for (int number = 0; auto scene = sceneOf(reader.next()); ++number) {
+    if (number % framesBetweenScenes == 0) {
+      sample.scenes.push_back(std::move(*scene));
+    }
+  }
+  return sample;
+}
+
 }  // namespace
 
 std::vector<Sample> samples() {
   std::vector<Sample> all;
   for (const int detections : {0, 3, 12, 100}) {
-    all.push_back({std::to_string(detections), sampleScene(detections), sampleDetector()});
+    all.push_back({std::to_string(detections), {sampleScene(detections)}, sampleDetector()});
   }
-  all.push_back({"12-outlines", sampleScene(12), sampleDetector()});
-  addOutlines(all.back().scene, pointsPerOutline);
-  all.push_back({"12-long-names", sampleScene(12), sampleDetector(TypeNames::Long)});
+  all.push_back({"12-outlines", {sampleScene(12)}, sampleDetector()});
+  addOutlines(all.back().scenes.front(), pointsPerOutline);
+  all.push_back({"12-long-names", {sampleScene(12)}, sampleDetector(TypeNames::Long)});
+  all.push_back(street());
   return all;
 }
 
@@ -95,12 +135,13 @@ Walk wholeRoad(const Sample& sample, int camera, int classes) {
   Handler::teardown(camera);
   channel.detectorInformation(sample.detector.SerializeAsString());
   const auto emptyApplication = [](std::unique_ptr<DetectionData> frame, int /*camera*/) { use(*frame); };
-  if (!Handler::setup(camera, emptyApplication, sampleClasses(classes))) {
+  if (!Handler::setup(camera, emptyApplication, firstClasses(sample.detector, classes))) {
     throw std::runtime_error("camera " + std::to_string(camera) + " cannot be set up");
   }
   // What the service would call: the platform's own costs stay out of it.
   const vod::host::Registration registered = vod::host::registration(channel.subscriptions().front());
-  return [bytes = sample.scene.SerializeAsString(), registered] {
+  return [messages = messagesOf(sample), registered]() mutable {
+    const std::string& bytes = messages.next();
     registered.detection(reinterpret_cast<const std::uint8_t*>(bytes.data()), static_cast<std::int32_t>(bytes.size()),
                          registered.userData);
   };

@@ -8,21 +8,53 @@
 
 #include <tarnvod/video_object_detection.pb.h>
 
+#include <cstddef>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tarn::VOD::bench {
 
-/** A scene to be measured, and the detector that names what is in it. */
+/** Scenes to be measured in turn, and the detector that names what is in them. */
 struct Sample {
   std::string name;
-  ::VOD::Scene scene;
+  std::vector<::VOD::Scene> scenes;
   ::VOD::DetectorInformation detector;
 };
 
-/** The samples: scenes of 3, 12 and 100 detections, with outlines, with long names, and an empty one. */
+/**
+ * The samples: scenes of 3, 12 and 100 detections, with outlines, with long names, an empty one, and forty scenes of a
+ * street, two seconds apart.
+ */
 std::vector<Sample> samples();
+
+/** Gives one item after the other, after the last the first again. */
+template <typename Item>
+class Cycle {
+ public:
+  explicit Cycle(std::vector<Item> items) : items_(std::move(items)) {}
+
+  const Item& next() {
+    const Item& item = items_[place_];
+    place_ = place_ + 1 == items_.size() ? 0 : place_ + 1;
+    return item;
+  }
+
+ private:
+  std::vector<Item> items_;
+  std::size_t place_ = 0;
+};
+
+/** What a function makes of each scene of a sample. */
+template <typename Make>
+auto ofEachScene(const Sample& sample, const Make& make) {
+  std::vector<std::decay_t<decltype(make(sample.scenes.front()))>> items;
+  for (const ::VOD::Scene& scene : sample.scenes) {
+    items.push_back(make(scene));
+  }
+  return Cycle(std::move(items));
+}
 
 /** The names of all classes and attributes that the detector knows. */
 SceneNames namesOf(const ::VOD::DetectorInformation& detector);

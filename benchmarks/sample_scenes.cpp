@@ -113,10 +113,10 @@ std::string className(int index) {
   return detector;
 }
 
-std::set<std::string> sampleClasses(int count) {
+std::set<std::string> firstClasses(const ::VOD::DetectorInformation& detector, int count) {
   std::set<std::string> classes;
-  for (int index = 0; index < count; ++index) {
-    classes.insert(className(index));
+  for (int index = 0; index < std::min(count, detector.object_classes_size()); ++index) {
+    classes.insert(detector.object_classes(index).name());
   }
   return classes;
 }

@@ -23,8 +23,8 @@ enum class TypeNames { Short, Long };
  */
 ::VOD::DetectorInformation sampleDetector(TypeNames typeNames = TypeNames::Short);
 
-/** The names of the detector's first classes; no more than the eight are ever detected. */
-std::set<std::string> sampleClasses(int count = detectorClasses);
+/** The names of so many of a detector's classes, the first ones, or of all when it has fewer. */
+std::set<std::string> firstClasses(const ::VOD::DetectorInformation& detector, int count = detectorClasses);
 
 /**
  * A frame with so many detections, each with three scored attributes and two scored classifications; each second one is

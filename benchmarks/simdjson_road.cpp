@@ -86,9 +86,11 @@ std::unique_ptr<DetectionData> convert(simdjson::ondemand::document& scene, cons
 
 Walk simdjsonRoad(const Sample& sample) {
   const auto parser = std::make_shared<simdjson::ondemand::parser>();
-  const auto text = std::make_shared<simdjson::padded_string>(jsonOf(sample.scene));
-  return [parser, text, names = namesOf(sample.detector)] {
-    simdjson::ondemand::document document = parser->iterate(*text);
+  const auto paddedText = [](const ::VOD::Scene& scene) {
+    return std::make_shared<const simdjson::padded_string>(jsonOf(scene));
+  };
+  return [parser, texts = ofEachScene(sample, paddedText), names = namesOf(sample.detector)]() mutable {
+    simdjson::ondemand::document document = parser->iterate(*texts.next());
     deliver(convert(document, names));
   };
 }

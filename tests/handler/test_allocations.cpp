@@ -60,7 +60,7 @@ TEST_P(AFrame, AllocatesWhatItsParseNeedsAndWhatItsRecordHolds) {
   std::unique_ptr<VOD::DetectionData> delivered;
   ASSERT_TRUE(Handler::setup(
       1, [&delivered](std::unique_ptr<VOD::DetectionData> frame, int /*camera*/) { delivered = std::move(frame); },
-      VOD::bench::sampleClasses(GetParam().requestedClasses)));
+      VOD::bench::firstClasses(VOD::bench::sampleDetector(), GetParam().requestedClasses)));
   const vod::host::Registration service = vod::host::registration(channel.subscriptions().front());
   const std::string bytes = bytesOf(GetParam());
 
