@@ -55,19 +55,19 @@ using DetectionCallback = std::function<void(std::unique_ptr<DetectionData>, int
  * All functions are thread-safe: any of them may be called from any thread at any time. All of them may also be called
  * from a callback.
  *
- * | function                          | blocks on the service             | throws |
+ * | function | blocks on the service | throws |
  * | --------------------------------- | --------------------------------- | ------ |
- * | `initialize`                      | no                                | `std::system_error` |
- * | `deinitialize`                    | while a retry runs                | `std::system_error` |
- * | `setup`                           | yes                               | `std::system_error`, `std::bad_alloc`, what copying the callback throws |
- * | `teardown`                        | yes                               | `std::system_error` |
- * | `isDlpuEnabled`                   | yes                               | nothing |
- * | `getNumberOfChannels`             | yes                               | nothing |
- * | `getNumberOfSimultaneousChannels` | yes                               | nothing |
- * | `getServiceVersion`               | yes                               | `std::bad_alloc` |
- * | `getDetectorInformation`          | yes                               | `std::runtime_error`, `std::system_error`, `std::bad_alloc` |
- * | `getSupportedClasses`             | yes                               | `std::runtime_error`, `std::system_error`, `std::bad_alloc` |
- * | `getSupportedAttributes`          | unless camera 1's names are known | `std::runtime_error`, `std::system_error`, `std::bad_alloc` |
+ * | `initialize` | no | `std::system_error` |
+ * | `deinitialize` | while a retry runs | `std::system_error` |
+ * | `setup` | yes | `std::system_error`, `std::bad_alloc`, what copying the callback throws |
+ * | `teardown` | yes | `std::system_error` |
+ * | `isDlpuEnabled` | yes | nothing |
+ * | `getNumberOfChannels` | yes | nothing |
+ * | `getNumberOfSimultaneousChannels` | yes | nothing |
+ * | `getServiceVersion` | yes | `std::bad_alloc` |
+ * | `getDetectorInformation` | yes | `std::runtime_error`, `std::system_error`, `std::bad_alloc` |
+ * | `getSupportedClasses` | yes | `std::runtime_error`, `std::system_error`, `std::bad_alloc` |
+ * | `getSupportedAttributes` | unless camera 1's names are known | `std::runtime_error`, `std::system_error`, `std::bad_alloc` |
  *
  * `std::system_error` means that a lock or a thread was not to be had. A function that takes the library's lock also
  * waits while another thread holds it; `setup` and the retries hold it for as long as they block on the service.
