@@ -27,7 +27,6 @@ using vod::host::Function;
 using vod::host::Handle;
 using vod::host::Service;
 using vod::host::ServiceState;
-using vod::host::Subscriber;
 namespace status = vod::host::status;
 
 Service& service() {
@@ -69,17 +68,18 @@ int guarded(Function function, Work work) noexcept {
 /** A call in the journal, from its beginning to its end. */
 class Entry {
  public:
-  explicit Entry(Call begun) : call(std::move(begun)), number_(service().journal.begin(call)) {}
+  explicit Entry(Call begun) : call_(std::move(begun)), number_(service().journal.begin(call_)) {}
   ~Entry() {
-    call.result = call.result.value_or(status::outOfMemory);
-    service().journal.end(number_, std::move(call));
+    call_.result = call_.result.value_or(status::outOfMemory);
+    service().journal.end(number_, std::move(call_));
   }
   Entry(const Entry&) = delete;
   Entry& operator=(const Entry&) = delete;
 
-  Call call;
+  Call& call() { return call_; }
 
  private:
+  Call call_;
   const std::uint64_t number_;
 };
 
@@ -97,9 +97,9 @@ std::optional<int> meetFaults(Function function) {
 template <typename Work>
 int journalled(Call call, Work work) {
   Entry entry(std::move(call));
-  const auto code = meetFaults(entry.call.function);
-  const int result = code ? *code : work(entry.call);
-  entry.call.result = result;
+  const auto code = meetFaults(entry.call().function);
+  const int result = code ? *code : work(entry.call());
+  entry.call().result = result;
   return result;
 }
 
@@ -160,8 +160,8 @@ int video_object_detection_subscriber_delete(video_object_detection_subscriber_s
     const auto code = meetFaults(Function::Delete);
     // Also when it has to fail: the handle is released whatever delete returns.
     const int result = service().release(subscriber);
-    entry.call.result = code.value_or(result);
-    return *entry.call.result;
+    entry.call().result = code.value_or(result);
+    return *entry.call().result;
   });
 }
 

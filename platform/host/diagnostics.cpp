@@ -7,14 +7,15 @@
 
 namespace vod::host {
 
-// Each line is printed with one call, so that those of several threads do not mix.
+// Each line is printed with one call, so that those of several threads do not mix. When it fails there is nobody to
+// tell.
 
 void report(const std::string& what) {
-  std::fprintf(stderr, "video_object_detection_subscriber: %s\n", what.c_str());
+  static_cast<void>(std::fprintf(stderr, "video_object_detection_subscriber: %s\n", what.c_str()));
 }
 
 void reportFailure(const char* function, const char* what) noexcept {
-  std::fprintf(stderr, "video_object_detection_subscriber: %s: %s\n", function, what);
+  static_cast<void>(std::fprintf(stderr, "video_object_detection_subscriber: %s: %s\n", function, what));
 }
 
 }  // namespace vod::host

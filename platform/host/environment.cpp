@@ -19,8 +19,13 @@ namespace {
   throw std::invalid_argument(std::string(variable) + " is \"" + value + "\"; it must be " + expected);
 }
 
+/** Null when there is none. */
+const char* variable(const char* name) {
+  return std::getenv(name);  // NOLINT(concurrency-mt-unsafe): unsafe only beside one who changes the environment
+}
+
 std::vector<std::string> readFolders() {
-  const char* const value = std::getenv("TARNVOD_HOST_RECORDINGS");
+  const char* const value = variable("TARNVOD_HOST_RECORDINGS");
   if (value == nullptr) {
     return installedRecordings();
   }
@@ -38,7 +43,7 @@ std::vector<std::string> readFolders() {
 }
 
 std::optional<double> readPace() {
-  const char* const value = std::getenv("TARNVOD_HOST_PACE");
+  const char* const value = variable("TARNVOD_HOST_PACE");
   if (value == nullptr) {
     return 1.0;
   }
@@ -55,7 +60,7 @@ std::optional<double> readPace() {
 }
 
 bool readLoop() {
-  const char* const value = std::getenv("TARNVOD_HOST_LOOP");
+  const char* const value = variable("TARNVOD_HOST_LOOP");
   const std::string_view text = value == nullptr ? "1" : value;
   if (text != "0" && text != "1") {
     refuse("TARNVOD_HOST_LOOP", value, "0 or 1");

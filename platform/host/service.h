@@ -74,16 +74,16 @@ class Service {
   void changeChannel(int channel, const std::function<void(ChannelState&)>& change);
   /** Reads or changes a setting. */
   void access(const std::function<void(ServiceState&)>& access);
-  void feedFromRecording(int channel, std::string folder, Replay replay);
+  void feedFromRecording(int number, std::string folder, Replay replay);
 
-  void push(int channel, std::string bytes, Frame frame);
-  void deliverHere(int channel, const Frame& frame);
-  void dropSubscriptions(int channel);
+  void push(int number, std::string bytes, Frame frame);
+  void deliverHere(int number, const Frame& frame);
+  void dropSubscriptions(int number);
   void takeDown();
   void bringUp();
 
   void drain();
-  void waitForEndOfRecording(int channel);
+  void waitForEndOfRecording(int number);
 
  private:
   using Lock = std::unique_lock<std::mutex>;
@@ -96,8 +96,8 @@ class Service {
   void waitForCallbacks(Subscriber& subscriber, Function function);
 
   int startReplay(const Lock& lock, int number, ChannelState& channel);
-  void stopReplay(const Lock& lock, ChannelState& channel);
-  void deliverReplayed(int channel, int replay, const std::string& scene);
+  static void stopReplay(const Lock& lock, ChannelState& channel);
+  void deliverReplayed(int number, int replay, const std::string& scene);
   void drop(const Lock& lock, ChannelState& channel);
   DeliveryThread& threadOf(const Lock& lock, ChannelState& channel);
 

@@ -5,6 +5,7 @@
 
 #include "detector-information/class_ids_to_names.h"
 #include "handler/attribute_names.h"
+#include "handler/failure_count.h"
 #include "handler/platform_callbacks.h"
 #include "platform_types.h"
 
@@ -109,17 +110,13 @@ void releaseSubscriber(ChannelSubscription& subscription) noexcept {
   }
 }
 
-/** Of a run of failures, the first is information and every fifth after it a warning; the others are not logged. */
 void logFailure(const char* failure) TARNVOD_REQUIRES(handlerMutex) {
-  constexpr std::int32_t interval = 5;
   if (setupFailureCount == 0) {
     syslog(LOG_INFO, "%s\n", failure);
-  } else if (setupFailureCount % interval == 0) {
+  } else if (setupFailureCount % failuresBetweenWarnings == 0) {
     syslog(LOG_WARNING, "%s\n", failure);
   }
-  // At the end of its range the count goes on with a small number of the same place in the interval.
-  constexpr std::int32_t last = std::numeric_limits<std::int32_t>::max();
-  setupFailureCount = setupFailureCount == last ? last % interval + 1 : setupFailureCount + 1;
+  setupFailureCount = countAfterFailure(setupFailureCount);
 }
 
 }  // namespace

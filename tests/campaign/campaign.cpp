@@ -9,6 +9,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <iostream>
@@ -37,7 +38,7 @@ Options parse(int argc, char** argv) {
   CLI::App app("Loses subscriptions in every way and sees them come back", "campaign");
   Options options;
   app.add_option("--seed", options.seed, "Replays the run of this seed; without it, another one each time");
-  app.add_option("--losses", options.losses, "How many lost subscriptions must be recovered")
+  app.add_option("--losses", options.losses, "How many subscriptions must be dropped, and how many be recovered")
       ->check(CLI::PositiveNumber);
   app.add_option("--minutes", options.minutes, "Goes on for at least this long")->check(CLI::NonNegativeNumber);
   app.add_option("--steps", options.steps, "Steps in each world")->check(CLI::PositiveNumber);
@@ -56,6 +57,7 @@ void runWorld(const Options& options, const Choose& choose, Result& result) {
   }
   world.end(choose);
   result.losses.happened += world.losses().happened;
+  result.losses.dropped += world.losses().dropped;
   result.losses.recovered += world.losses().recovered;
   result.losses.abandoned += world.losses().abandoned;
   result.frames += world.frames();
@@ -78,7 +80,8 @@ Result run(const Options& options) {
   do {
     runWorld(options, choose, result);
     result.framesAtOnce += everythingAtOnce(choose);
-  } while (result.losses.recovered < options.losses || std::chrono::steady_clock::now() - begin < minutes);
+  } while (std::min(result.losses.dropped, result.losses.recovered) < options.losses ||
+           std::chrono::steady_clock::now() - begin < minutes);
   return result;
 }
 
@@ -90,9 +93,10 @@ int main(int argc, char** argv) {
   try {
     const Result result = run(options);
     std::cout << result.worlds << " worlds, " << result.steps << " steps, " << result.losses.happened
-              << " subscriptions lost: " << result.losses.recovered << " recovered, " << result.losses.abandoned
-              << " given up by the application; " << result.frames << " frames arrived as they must, and "
-              << result.framesAtOnce << " while everything happened at once\n";
+              << " subscriptions lost, " << result.losses.dropped
+              << " of them dropped by the service: " << result.losses.recovered << " recovered, "
+              << result.losses.abandoned << " torn down by the application before that; " << result.frames
+              << " frames arrived as they must, and " << result.framesAtOnce << " while everything happened at once\n";
     return result.losses.happened == result.losses.recovered + result.losses.abandoned ? 0 : 1;
   } catch (const std::exception& error) {
     std::cerr << "seed " << options.seed << ": " << error.what() << '\n';

@@ -10,6 +10,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <future>
 #include <memory>
 #include <random>
 #include <thread>
@@ -22,7 +23,7 @@ using VOD::Handler;
 namespace {
 
 constexpr int cameras = 4;
-constexpr int rounds = 60;
+constexpr int lives = 20;  // of each camera
 
 std::string ending(int camera) {
   return " of camera " + std::to_string(camera);
@@ -56,12 +57,25 @@ struct Tally {
 /** From a set-up to the return of its teardown. */
 struct Life {
   int camera;
+  std::atomic<bool> sawFrame = false;
   std::atomic<bool> isOver = false;
 };
+
+template <typename Condition>
+void waitUntil(Condition condition, const std::string& failure) {
+  const auto deadline = std::chrono::steady_clock::now() + host::waitTimeout;
+  while (!condition()) {
+    if (std::chrono::steady_clock::now() > deadline) {
+      throw Disagreement(failure);
+    }
+    std::this_thread::yield();
+  }
+}
 
 VOD::DetectionCallback callbackOf(const std::shared_ptr<Life>& life, const std::shared_ptr<Tally>& tally) {
   return [life, tally](std::unique_ptr<VOD::DetectionData> frame, int camera) {
     ++tally->frames;
+    life->sawFrame = true;
     if (camera != life->camera || !isNamedFor(*frame, camera)) {
       ++tally->misattributed;
     }
@@ -85,10 +99,13 @@ const std::set<std::string>& classesOf(int camera) {
   return classes.at(camera);
 }
 
-/** Lives for one camera, one after the other, each ended by its own teardown. */
+/**
+ * Lives for one camera, one after the other, each ended by its own teardown once it has seen a frame: it does, however
+ * often the camera is dropped meanwhile.
+ */
 void liveAndDie(int camera, const std::shared_ptr<Tally>& tally, std::uint32_t seed) {
   std::minstd_rand generator(seed);
-  for (int round = 0; round < rounds; ++round) {
+  for (int i = 0; i < lives; ++i) {
     const auto life = std::make_shared<Life>();
     life->camera = camera;
     Handler::setup(camera, callbackOf(life, tally), classesOf(camera));
@@ -96,6 +113,7 @@ void liveAndDie(int camera, const std::shared_ptr<Tally>& tally, std::uint32_t s
       Handler::setup(camera, callbackOf(life, tally), {});
     }
     Handler::getDetectorInformation(camera);
+    waitUntil([&] { return life->sawFrame.load(); }, "camera " + std::to_string(camera) + " gets no frame");
     Handler::teardown(camera);
     Handler::teardown(camera);  // a failed update leaves a pending record beside the active one
     // One that was dropped while it was torn down may be on its way back: it is none of this life's frames that counts.
@@ -103,9 +121,9 @@ void liveAndDie(int camera, const std::shared_ptr<Tally>& tally, std::uint32_t s
   }
 }
 
-void disturb(std::vector<std::string> scenes, std::uint32_t seed) {
+void disturb(const std::vector<std::string>& scenes, std::uint32_t seed, const std::atomic<bool>& stopped) {
   std::minstd_rand generator(seed);
-  for (int round = 0; round < rounds * cameras; ++round) {
+  while (!stopped) {
     const host::Channel channel = host::channel(static_cast<int>(generator() % cameras));
     for (const std::string& scene : scenes) {
       channel.pushScene(scene);
@@ -114,18 +132,20 @@ void disturb(std::vector<std::string> scenes, std::uint32_t seed) {
       channel.dropSubscriptions();
     }
     Handler::getSupportedAttributes();
+    host::drain();  // so that no more than this piles up
   }
 }
 
+/** Runs a task beside the others; what it throws comes out of the future. */
+template <typename Task>
+std::future<void> start(Task task) {
+  return std::async(std::launch::async, std::move(task));
+}
+
 void waitUntilAllAreBack() {
-  const auto deadline = std::chrono::steady_clock::now() + host::waitTimeout;
   for (int camera = 1; camera <= cameras; ++camera) {
-    while (host::channel(camera - 1).subscriptions().empty()) {
-      if (std::chrono::steady_clock::now() > deadline) {
-        throw Disagreement("camera " + std::to_string(camera) + " did not come back with the service");
-      }
-      std::this_thread::yield();
-    }
+    waitUntil([camera] { return !host::channel(camera - 1).subscriptions().empty(); },
+              "camera " + std::to_string(camera) + " did not come back with the service");
   }
 }
 
@@ -146,14 +166,23 @@ int everythingAtOnce(const Choose& choose) {
   const auto tally = std::make_shared<Tally>();
   Handler::initialize(1);
   sleep.releaseAll();
-  std::vector<std::thread> threads;
-  for (int camera = 1; camera <= cameras; ++camera) {
-    threads.emplace_back(liveAndDie, camera, tally, choose(1000) + 1);
+  std::atomic<bool> stopped = false;
+  std::vector<std::future<void>> disturbances;
+  for (int i = 0; i < 2; ++i) {
+    disturbances.push_back(start([&, seed = choose(1000) + 1] { disturb(scenes, seed, stopped); }));
   }
-  threads.emplace_back(disturb, scenes, choose(1000) + 1);
-  threads.emplace_back(disturb, scenes, choose(1000) + 1);
-  for (std::thread& thread : threads) {
-    thread.join();
+  std::vector<std::future<void>> cameraLives;
+  for (int camera = 1; camera <= cameras; ++camera) {
+    cameraLives.push_back(start([=, seed = choose(1000) + 1] { liveAndDie(camera, tally, seed); }));
+  }
+  for (const auto& life : cameraLives) {
+    life.wait();
+  }
+  stopped = true;
+  for (auto* const tasks : {&disturbances, &cameraLives}) {
+    for (auto& task : *tasks) {
+      task.get();
+    }
   }
   host::drain();
 

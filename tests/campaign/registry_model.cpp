@@ -84,6 +84,7 @@ void RegistryModel::dropSubscription(int camera) {
   }
   if (pending_.emplace(camera, record->second).second) {
     ++losses_.happened;
+    ++losses_.dropped;
   }
   active_.erase(record);
 }

@@ -33,6 +33,7 @@ struct ExpectedFrame {
 /** What became of subscriptions that were lost: dropped, never made, or gone with the service. */
 struct Losses {
   int happened = 0;
+  int dropped = 0;  ///< of these: the service ended a subscription that there was
   int recovered = 0;
   int abandoned = 0;  ///< the application tore the camera down before it was back
 };

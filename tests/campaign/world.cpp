@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-// The beginning, the end and the comparisons; the steps are in world_steps.cpp.
+// The beginning, the end and the comparisons; the steps are in world_steps.cpp and world_scenes.cpp.
 
 #include "campaign/world.h"
 

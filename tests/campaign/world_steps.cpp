@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-// What can happen in a world, each done to the library and to the model.
+// What can happen in a world, each done to the library and to the model; the scenes are in world_scenes.cpp.
 
 #include "campaign/world.h"
 
@@ -63,7 +63,7 @@ void World::step(const Choose& choose) {
     const char* name;
     std::function<void(World&, const Choose&)> happen;
   };
-  static const std::array<Kind, 13> kinds = {{
+  static const std::array<Kind, 14> kinds = {{
       {6, "set up", [](World& w, const Choose& c) { w.setup(c, w.anyCamera(c)); }},
       {2, "tear down", [](World& w, const Choose& c) { w.teardown(w.anyCamera(c)); }},
       {9, "drop", [](World& w, const Choose& c) { w.drop(w.anyChannel(c)); }},
@@ -73,12 +73,13 @@ void World::step(const Choose& choose) {
       {3, "send a scene whose callback calls the handler", [](World& w, const Choose& c) { w.sendSceneThatActs(c); }},
       {1, "send a scene whose callback throws", [](World& w, const Choose& c) { w.sendSceneThatThrows(c); }},
       {2, "send a scene whose callback takes long", [](World& w, const Choose& c) { w.sendSceneThatTakesLong(c); }},
+      {2, "send a scene beside a slow call", [](World& w, const Choose& c) { w.sendSceneBesideSlowCall(c); }},
       {3, "ask", [](World& w, const Choose& c) { w.ask(c); }},
       {2, "change a detector", [](World& w, const Choose& c) { w.changeDetector(c); }},
       {5, "plan a fault", [](World& w, const Choose& c) { w.planFault(c); }},
       {3, "take the service down or up", [](World& w, const Choose&) { w.toggleService(); }},
   }};
-  constexpr std::uint32_t weights = 55;
+  constexpr std::uint32_t weights = 57;
   std::uint32_t left = choose(weights);
   const Kind* kind = kinds.begin();
   while (left >= kind->weight) {
@@ -169,115 +170,6 @@ void World::planFault(const Choose& choose) {
   }
   host::plan(fault);
   model_.planFault(function, call, serviceReturns);
-}
-
-void World::sendScene(const Choose& choose) {
-  const int camera = anyChannel(choose);
-  const std::string scene = anyScene(choose);
-  done_.back() += " to camera " + std::to_string(camera);
-  expect(model_.sendScene(camera, scene));
-  if (choose(2) == 0) {
-    host::channel(camera - 1).deliverScene(scene);
-  } else {
-    host::channel(camera - 1).pushScene(scene);
-    host::drain();
-  }
-}
-
-void World::sendOddScene(const Choose& choose) {
-  const int camera = anyChannel(choose);
-  const std::string scene = anyScene(choose);
-  done_.back() += " to camera " + std::to_string(camera);
-  switch (choose(4)) {
-    case 0:  // no buffer: nothing arrives
-      host::channel(camera - 1).pushNullScene(static_cast<std::int32_t>(choose(3)));
-      break;
-    case 1:  // a length that none can have: as if nothing could be read
-      expect(model_.sendScene(camera, ""));
-      host::channel(camera - 1).pushSceneOfLength(scene, -1 - static_cast<std::int32_t>(choose(3)));
-      break;
-    case 2: {  // a length that is too short
-      const std::uint32_t length = choose(static_cast<std::uint32_t>(scene.size()) + 1);
-      expect(model_.sendScene(camera, scene.substr(0, length)));
-      host::channel(camera - 1).pushSceneOfLength(scene, static_cast<std::int32_t>(length));
-      break;
-    }
-    default: {  // bytes that are no message from the first on
-      const std::string bytes = "\xFF\xFF\xFF" + scene;
-      expect(model_.sendScene(camera, bytes));
-      host::channel(camera - 1).pushScene(bytes);
-    }
-  }
-  host::drain();
-}
-
-World::Action World::anyHandlerCall(const Choose& choose) {
-  const int camera = anyCamera(choose);
-  switch (choose(4)) {
-    case 0:
-      return [this, camera] { teardown(camera); };
-    case 1:
-      return [this, choose] { ask(choose); };
-    default:
-      return [this, choose, camera] { setup(choose, camera); };
-  }
-}
-
-void World::sendSceneThatActs(const Choose& choose) {
-  const int camera = anyChannel(choose);
-  const std::string scene = anyScene(choose);
-  const auto frame = model_.sendScene(camera, scene);
-  expect(frame);
-  if (frame && choose(4) == 0) {
-    arrivals_.nextOneDoes([this, camera] {
-      model_.dropSubscription(camera);
-      host::channel(camera - 1).dropSubscriptions();
-    });
-  } else if (frame) {
-    arrivals_.nextOneDoes(anyHandlerCall(choose));
-  }
-  host::channel(camera - 1).pushScene(scene);
-  host::drain();
-  host::drain();  // for a drop that came up while the first waited
-}
-
-void World::sendSceneThatThrows(const Choose& choose) {
-  const int camera = anyChannel(choose);
-  const std::string scene = anyScene(choose);
-  const auto frame = model_.sendScene(camera, scene);
-  expect(frame);
-  if (frame) {
-    ++expectedExceptions_;
-    arrivals_.nextOneDoes([] { throw std::runtime_error("the application's own"); });
-  }
-  host::channel(camera - 1).pushScene(scene);
-  host::drain();
-}
-
-void World::sendSceneThatTakesLong(const Choose& choose) {
-  const int camera = anyChannel(choose);
-  const std::string scene = anyScene(choose);
-  const auto frame = model_.sendScene(camera, scene);
-  expect(frame);
-  const host::Gate gate;
-  if (frame) {
-    arrivals_.nextOneDoes([gate] { gate.pass(); });
-  }
-  host::channel(camera - 1).pushScene(scene);
-  if (frame) {
-    gate.waitUntilReached();
-    if (settings_.deleteWaitsForCallbacks) {
-      // The teardown of this very camera waits for its callback, and so must find the way free.
-      host::plan(host::Fault(Function::Unsubscribe).always().runs([gate] { gate.open(); }));
-    }
-    if (choose(4) == 0) {
-      retry();
-    } else {
-      anyHandlerCall(choose)();
-    }
-    gate.open();
-  }
-  host::drain();
 }
 
 }  // namespace tarn::test

@@ -7,6 +7,7 @@
 #include "support/wire_bytes.h"
 
 #include <gmock/gmock.h>
+#include <malloc.h>
 #include <tarnvod/detector_information.h>
 #include <tarnvod/read_detector_information.h>
 
@@ -124,6 +125,17 @@ TEST_F(AService, ThatTellsALengthBeyondAnyMessageGivesAnEmptyMessage) {
     service.length = length;
     EXPECT_EQ(read().SerializeAsString(), "") << length;
   }
+}
+
+TEST_F(AService, HasItsBufferFreed) {
+  constexpr int times = 100;
+  service.information.append(10'000, '\0');  // no message from there on
+  static_cast<void>(read());                 // what is allocated once and kept
+  const std::size_t before = mallinfo2().uordblks;
+  for (int i = 0; i < times; ++i) {
+    static_cast<void>(read());
+  }
+  EXPECT_LT(mallinfo2().uordblks, before + times / 2 * service.information.size());
 }
 
 TEST_F(AService, IsReadCleanlyWhicheverAllocationFails) {

@@ -9,6 +9,8 @@
 #include <future>
 #include <mutex>
 
+extern "C" void __cxa_finalize(void* library);  // of the C++ runtime
+
 namespace tarn::test {
 namespace {
 
@@ -193,30 +195,30 @@ TEST_F(TheEndOfTheProcess, IsCleanOnceTheThreadWasStopped) {
       testing::ExitedWithCode(0), "");
 }
 
-/** Runs when the process ends, after the library has gone. */
-void deliverAtExit() {
-  static const vod::host::Registration registration = vod::host::registration(2);
-  struct AtTheVeryEnd {
-    ~AtTheVeryEnd() {
-      const std::uint8_t nothing = 0;
-      registration.detection(&nothing, 0, registration.userData);
-      registration.teardown(registration.userData);
-    }
-  };
-  static const AtTheVeryEnd atTheVeryEnd;
-  static_cast<void>(atTheVeryEnd);
-}
-
 TEST_F(TheEndOfTheProcess, MakesNoPlatformCallForACameraThatIsStillSetUpAndReleasesItsCallable) {
   EXPECT_EXIT(
       {
         vod::host::reset();
         vod::host::channel(0).detectorInformation(detectorBytes());
         Handler::setup(1, [token = onRelease([] { std::fputs("released\n", stderr); })](auto&&, int) {}, {"human"});
-        std::atexit(deliverAtExit);
         std::exit(0);
       },
       testing::ExitedWithCode(0), "released");
+}
+
+TEST_F(TheEndOfTheProcess, LeavesNothingToCallbacksThatStillCome) {
+  EXPECT_EXIT(
+      {
+        Handler::setup(1, [](auto&&, int) { std::fputs("received a frame\n", stderr); }, {"human"});
+        const vod::host::Registration live = vod::host::registration(2);
+        __cxa_finalize(nullptr);  // what exit does: destroys all static objects, those of the library too
+        const std::uint8_t nothing = 0;
+        live.detection(&nothing, 0, live.userData);
+        live.teardown(live.userData);
+        std::fputs("called back\n", stderr);
+        std::_Exit(0);
+      },
+      testing::ExitedWithCode(0), "^called back\n$");
 }
 
 }  // namespace

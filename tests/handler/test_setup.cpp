@@ -121,6 +121,14 @@ TEST_F(AnActiveCamera, KeepsItsOldRegionWhenItIsSubscribedAgainAfterAnUpdate) {
   EXPECT_THAT(vod::host::journal(), Not(testing::Contains(testing::StartsWith("set_channel_configuration"))));
 }
 
+TEST_F(AnActiveCamera, IsSubscribedAgainWithTheClassesOfItsLastUpdate) {
+  EXPECT_TRUE(setUp(1, {"car"}));
+  vod::host::channel(0).dropSubscriptions();
+  vod::host::drain();
+  retryOnce();
+  EXPECT_THAT(classesAfter(1, sceneOf({1, 5})), ElementsAre(ElementsAre("car")));
+}
+
 TEST_F(AnActiveCamera, StaysAsItIsAfterAnUpdateToAnUnsupportedClassFailed) {
   EXPECT_FALSE(setUp(1, {"unicorn"}));
   EXPECT_THAT(log_.lines(), ElementsAre(LogLine{LOG_INFO, "Not all requested classes are supported\n"}));

@@ -99,6 +99,8 @@ Feed::Feed(int camera, int cameras, Disturbances& disturbances)
       random_(static_cast<std::uint64_t>(camera)) {
   host::channel(camera - 1).detectorInformation(detectorOf(camera));
   setUp(camera);
+  // The platform starts a channel's thread when it first needs it; from here on their number stays the same.
+  host::channel(camera - 1).pushScene(scene_);
 }
 
 void Feed::sendUntilDelivered(std::int64_t frames, const std::atomic<bool>& stopped) {

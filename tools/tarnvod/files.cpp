@@ -6,9 +6,9 @@
 #include "errors.h"
 
 #include <cerrno>
-#include <cstring>
 #include <fstream>
 #include <sstream>
+#include <system_error>
 
 namespace tarn::command {
 
@@ -18,7 +18,7 @@ std::string readFile(const std::string& path, const std::string& whatItShouldBe)
   // Copying nothing counts as a failure of the copy, not of the file.
   const bool isEmpty = file.is_open() && file.peek() == std::ifstream::traits_type::eof() && !file.bad();
   if (!isEmpty && !(bytes << file.rdbuf())) {
-    throw Failure(path + ": " + std::strerror(errno) + "; name " + whatItShouldBe);
+    throw Failure(path + ": " + std::generic_category().message(errno) + "; name " + whatItShouldBe);
   }
   return bytes.str();
 }
@@ -28,7 +28,7 @@ void writeFile(const std::string& path, std::string_view contents) {
   file.write(contents.data(), static_cast<std::streamsize>(contents.size()));
   file.close();
   if (!file) {
-    throw Failure(path + ": " + std::strerror(errno));
+    throw Failure(path + ": " + std::generic_category().message(errno));
   }
 }
 

@@ -10,7 +10,7 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstring>
+#include <system_error>
 
 namespace tarn::command {
 namespace {
@@ -29,7 +29,7 @@ void handleFailedWrite(int descriptor, int error) {
   if (error == EAGAIN) {
     waitUntilWritable(descriptor);
   } else if (error != EINTR) {
-    throw Failure(std::string("standard output: ") + std::strerror(error));
+    throw Failure(std::string("standard output: ") + std::generic_category().message(error));
   }
 }
 

@@ -3,9 +3,10 @@
 
 #include "recording/recording.h"
 
+#include <array>
 #include <cerrno>
-#include <cstring>
 #include <fstream>
+#include <system_error>
 
 namespace vod::recording {
 
@@ -21,13 +22,15 @@ std::string readDetectorInformation(const std::filesystem::path& folder) {
   const std::string file = folder / detectorInformationFileName;
   std::ifstream stream(file, std::ios::binary);
   if (!stream) {
-    throw RecordingError(file + ": " + std::strerror(errno));
+    throw RecordingError(file + ": " + std::generic_category().message(errno));
   }
   // One byte more than allowed tells a file of the greatest length from a longer one.
   std::string bytes;
-  for (char block[4096]; stream.read(block, sizeof block), stream.gcount() > 0 && bytes.size() <= maximumMessageSize;) {
-    bytes.append(block, static_cast<std::size_t>(stream.gcount()));
-  }
+  std::array<char, 4096> block{};
+  do {
+    stream.read(block.data(), block.size());
+    bytes.append(block.data(), static_cast<std::size_t>(stream.gcount()));
+  } while (stream && bytes.size() <= maximumMessageSize);
   if (stream.bad()) {
     throw RecordingError(file + ": cannot be read");
   }

@@ -4,8 +4,8 @@
 #include "recording/recording_reader.h"
 
 #include <cerrno>
-#include <cstring>
 #include <fstream>
+#include <system_error>
 #include <utility>
 
 namespace vod::recording {
@@ -17,7 +17,7 @@ namespace {
 std::unique_ptr<std::istream> openScenes(const std::filesystem::path& file) {
   auto stream = std::make_unique<std::ifstream>(file, std::ios::binary);
   if (!*stream) {
-    throw RecordingError(file.string() + ": " + std::strerror(errno));
+    throw RecordingError(file.string() + ": " + std::generic_category().message(errno));
   }
   return stream;
 }

@@ -11,7 +11,6 @@
 
 #include <array>
 #include <cerrno>
-#include <cstring>
 #include <system_error>
 
 namespace vod::recording {
@@ -21,7 +20,7 @@ using google::protobuf::io::CodedOutputStream;
 namespace {
 
 [[noreturn]] void fail(const std::filesystem::path& file, int error) {
-  throw RecordingError(file.string() + ": " + std::strerror(error));
+  throw RecordingError(file.string() + ": " + std::generic_category().message(error));
 }
 
 int createFile(const std::filesystem::path& file) {
@@ -92,7 +91,8 @@ void RecordingWriter::append(std::string_view scene) {
   if (const int error = writeAll(scenes_, bytes)) {
     // A disk that is full takes a part; what follows it could not be read.
     if (::ftruncate(scenes_, size_) != 0) {
-      throw RecordingError(scenesFile_.string() + ": " + std::strerror(error) + ", and its last message is cut off");
+      throw RecordingError(scenesFile_.string() + ": " + std::generic_category().message(error) +
+                           ", and its last message is cut off");
     }
     fail(scenesFile_, error);
   }
