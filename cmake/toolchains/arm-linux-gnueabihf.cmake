@@ -7,6 +7,7 @@ set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR armv7l)
 set(CMAKE_C_COMPILER arm-linux-gnueabihf-gcc)
 set(CMAKE_CXX_COMPILER arm-linux-gnueabihf-g++)
+set(CMAKE_CXX_FLAGS_INIT -Wno-psabi)  # what changed in gcc 7 for some parameters concerns no compiler that builds this
 
 get_filename_component(default_sysroot "${CMAKE_CURRENT_LIST_DIR}/../../build/armhf/sysroot" ABSOLUTE)
 set(TARNVOD_SYSROOT "${default_sysroot}" CACHE PATH "Folder that holds the device's libraries and headers")
