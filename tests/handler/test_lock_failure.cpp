@@ -129,9 +129,11 @@ TEST_F(ALockThatIsRefused, OnTheRetryThreadEndsTheProcess) {
         setUp(2);
         vod::host::lift(down);
         vod::host::plan(Fault(Function::Create).onCall(1).runs([] { refusing = true; }));
+        vod::host::clearJournal();
         sleep_.releaseAll();
         Handler::initialize(0);
-        vod::host::waitForCalls([](const auto&) { return !vod::host::channel(1).subscriptions().empty(); });
+        vod::host::waitForCalls([](const auto& calls) { return !calls.empty(); });
+        Handler::deinitialize();  // waits for the thread
       },
       "system_error");
 }
