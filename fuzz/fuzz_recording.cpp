@@ -45,8 +45,9 @@ Expected readByHand(const std::string& bytes) {
       expected.isDamaged = true;
       break;
     }
-    expected.scenes.push_back(bytes.substr(position, length));
-    position += length;
+    const auto size = static_cast<std::size_t>(length);
+    expected.scenes.push_back(bytes.substr(position, size));
+    position += size;
   }
   return expected;
 }

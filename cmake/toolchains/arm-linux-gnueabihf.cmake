@@ -2,13 +2,19 @@
 # SPDX-License-Identifier: MIT
 
 # Builds for 32-bit ARM with hardware floating point, and runs what it builds (tests, say) under emulation. The libraries come
-# from the folder that scripts/make-armhf-sysroot fills, or from another given as TARNVOD_SYSROOT; protoc is this machine's own.
+# from the folder that scripts/make-armhf-sysroot fills, or from another given as TARNVOD_SYSROOT, an option or an environment
+# variable; protoc is this machine's own.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR armv7l)
 set(CMAKE_C_COMPILER arm-linux-gnueabihf-gcc)
 set(CMAKE_CXX_COMPILER arm-linux-gnueabihf-g++)
+set(CMAKE_CXX_FLAGS_INIT -Wno-psabi)  # what changed in gcc 7 for some parameters concerns no compiler that builds this
 
-get_filename_component(default_sysroot "${CMAKE_CURRENT_LIST_DIR}/../../build/armhf/sysroot" ABSOLUTE)
+if(DEFINED ENV{TARNVOD_SYSROOT})
+  set(default_sysroot "$ENV{TARNVOD_SYSROOT}")
+else()
+  get_filename_component(default_sysroot "${CMAKE_CURRENT_LIST_DIR}/../../build/armhf/sysroot" ABSOLUTE)
+endif()
 set(TARNVOD_SYSROOT "${default_sysroot}" CACHE PATH "Folder that holds the device's libraries and headers")
 list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES TARNVOD_SYSROOT)
 if(NOT IS_DIRECTORY "${TARNVOD_SYSROOT}/usr/include")
@@ -16,6 +22,7 @@ if(NOT IS_DIRECTORY "${TARNVOD_SYSROOT}/usr/include")
 endif()
 
 set(CMAKE_SYSROOT "${TARNVOD_SYSROOT}")
+set(CMAKE_FIND_ROOT_PATH ${CMAKE_PREFIX_PATH})  # what is named there is found too, an installed copy of tarnvod for one
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
