@@ -35,8 +35,7 @@ const char* nameOf(CameraLink::State state) {
 
 Json stateOf(const WatchedCamera& camera, Clock::time_point now) {
   const CameraStatistics& statistics = camera.statistics;
-  const Json age =
-      statistics.latest() == nullptr ? Json(nullptr) : Json(secondsBetween(statistics.latestAt(), now));
+  const Json age = statistics.latest() == nullptr ? Json(nullptr) : Json(secondsBetween(statistics.latestAt(), now));
   return {{"camera", camera.link.camera()},
           {"state", nameOf(camera.link.state())},
           {"problem", camera.link.problem(now)},

@@ -44,15 +44,9 @@ VOD::Data detectionOf(const ::VOD::Detection& detection, const SceneNames& names
   for (const auto& classification : detection.classifications()) {
     classifications.push_back(classificationOf(classification, names));
   }
-  return {detection.coord_1(),
-          detection.coord_2(),
-          detection.coord_3(),
-          detection.coord_4(),
-          detection.object_id(),
-          names.className(detection.class_id()),
-          detection.score(),
-          statusOf(detection),
-          std::move(attributes),
+  return {detection.coord_1(),       detection.coord_2(),   detection.coord_3(),
+          detection.coord_4(),       detection.object_id(), names.className(detection.class_id()),
+          detection.score(),         statusOf(detection),   std::move(attributes),
           std::move(classifications)};
 }
 

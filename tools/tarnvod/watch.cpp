@@ -27,8 +27,7 @@ struct WatchOptions {
 /** Receives the cameras' frames and shows them until told to end. */
 class Watch {
  public:
-  explicit Watch(const WatchOptions& options)
-      : limits_(options.limits), json_(options.json), group_(options.cameras) {}
+  explicit Watch(const WatchOptions& options) : limits_(options.limits), json_(options.json), group_(options.cameras) {}
 
   void run() {
     group_.connect();

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-const columns = [['Object', ''], ['Score', 'number'], ['Status', ''], ['Age', 'number'], ['Attributes', '']];
+const columns = [['Object', ''], ['Score', 'number'], ['Status', ''], ['Age', 'number']];
 const eventsListed = 5;
 
 /** A camera's part of the page: its picture, its timeline, and a table that says the same without a picture. */
@@ -13,7 +13,7 @@ class CameraView {
   #picture = make('canvas');
   #veilTitle = make('strong');
   #veilText = make('span');
-  #veil = make('div', { className: 'veil', hidden: true }, this.#veilTitle, this.#veilText);
+  #veil = make('div', { className: 'veil', hidden: true }, make('p', {}, this.#veilTitle, this.#veilText));
   #timeline = make('canvas');
   #timelineBox = make('div', {}, this.#timeline);
   #events = make('ol', { className: 'events' });
@@ -27,6 +27,7 @@ class CameraView {
     this.#picture.style.aspectRatio = setup.aspect;
     this.#describe(title);
     this.section = this.#build(title);
+    this.section.style.setProperty('--aspect', setup.aspect);
     new ResizeObserver(() => this.redraw()).observe(this.#picture);
     darkScheme.addEventListener('change', () => this.redraw());
   }
@@ -97,34 +98,34 @@ class CameraView {
       make('header', {}, make('h2', {}, title), this.#pill, this.#facts),
       make('div', { className: 'content' },
         make('div', { className: 'picture' }, this.#picture, this.#veil),
-        make('div', { className: 'objects scroll' }, table),
         make('div', { className: 'past' }, this.#timelineBox,
           make('p', { className: 'legend' }, make('span', {}, '◆ connected'), make('span', {}, '✕ deleted'),
             make('span', {}, 'solid: tracked with confidence; dashed: without; dotted: not tracked')),
-          this.#events)));
+          this.#events),
+        make('div', { className: 'objects scroll' }, table)));
   }
 
   #fillTable(drawn, { lives, now }) {
     const byObjectId = (a, b) => a.detection.objectId - b.detection.objectId;
     this.#caption.textContent = counted(drawn.length, 'object');
-    this.#rows.replaceChildren(...drawn.sort(byObjectId).map(({ detection, area }) => {
+    this.#rows.replaceChildren(...drawn.sort(byObjectId).flatMap(({ detection, area }) => {
       const life = lives.findLast(({ objectId, first }) => objectId === detection.objectId && first <= now);
-      return this.#rowOf(detection, area, life ? seconds(now - life.first) : '');
+      return this.#rowsOf(detection, area, life ? seconds(Math.min(now, life.last) - life.first) : '');
     }));
   }
 
-  #rowOf(detection, area, age) {
+  /** A row for the object, and one below it for its attributes. */
+  #rowsOf(detection, area, age) {
     const swatch = make('span', { className: 'swatch' });
     swatch.style.background = colourOf(detection.objectId);
-    const attributes = detection.attributes.map((each) => make('span', { className: 'attribute' }, attributeText(each)));
     const row = make('tr', {},
       make('td', { className: 'name' }, swatch, nameOf(detection)),
       make('td', { className: 'number' }, `${detection.score}`),
       make('td', {}, statusText(detection.status)),
-      make('td', { className: 'number' }, age),
-      make('td', {}, ...attributes));
+      make('td', { className: 'number' }, age));
     row.dataset.objectId = detection.objectId;
     row.dataset.box = area ? [area.x, area.y, area.width, area.height].map((each) => each.toFixed(2)).join(' ') : '';
-    return row;
+    const attributes = detection.attributes.map((each) => make('span', {}, attributeText(each)));
+    return [row, make('tr', { className: 'attributes' }, make('td', { colSpan: columns.length }, ...attributes))];
   }
 }

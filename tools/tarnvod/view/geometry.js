@@ -18,18 +18,31 @@ const footOf = (box) => ({ x: (box.left + box.right) / 2, y: box.bottom });
 
 const darkScheme = matchMedia('(prefers-color-scheme: dark)');
 
+const saturation = 0.72;
+const hueOf = (objectId) => (objectId * 137.508) % 360;
+const lightnessOf = (objectId) => (darkScheme.matches ? [0.66, 0.73, 0.59] : [0.4, 0.47, 0.32])[objectId % 3];
+
 /** An object's colour is the same everywhere and differs from that of its neighbours in number. */
 function colourOf(objectId) {
-  const hue = (objectId * 137.508) % 360;
-  const lightness = (darkScheme.matches ? [66, 73, 59] : [40, 47, 32])[objectId % 3];
-  return `hsl(${hue.toFixed(1)} 72% ${lightness}%)`;
+  return `hsl(${hueOf(objectId).toFixed(1)} ${100 * saturation}% ${100 * lightnessOf(objectId)}%)`;
+}
+
+/** Black or white, whichever can be read better on an object's colour. */
+function inkOn(objectId) {
+  const lightness = lightnessOf(objectId);
+  const part = (offset) => {
+    const place = (offset + hueOf(objectId) / 30) % 12;
+    return lightness - saturation * Math.min(lightness, 1 - lightness) * Math.max(-1, Math.min(place - 3, 9 - place, 1));
+  };
+  const luminance = 0.2126 * part(0) ** 2.2 + 0.7152 * part(8) ** 2.2 + 0.0722 * part(4) ** 2.2;
+  return luminance > 0.18 ? '#000000' : '#ffffff';
 }
 
 /** What is neither an object's colour nor the page's style. */
 function inks() {
   return darkScheme.matches
-    ? { ground: '#0d1117', grid: '#1d2530', text: '#9aa4b0', onColour: '#0d1117', mark: '#e6e9ee' }
-    : { ground: '#fbfcfd', grid: '#e6eaee', text: '#59636e', onColour: '#ffffff', mark: '#1b1f24' };
+    ? { ground: '#0d1117', grid: '#1d2530', text: '#9aa4b0', mark: '#e6e9ee' }
+    : { ground: '#fbfcfd', grid: '#e6eaee', text: '#59636e', mark: '#1b1f24' };
 }
 
 /** Fits the canvas to its place and the screen's pixels; gives what draws on it in units of the page. */

@@ -4,13 +4,16 @@
 /** An object that was away for longer is seen anew. In seconds. */
 const longestGap = 1;
 
+/** How long an object that was seen live keeps its row, while the service may still tell that it is deleted. In seconds. */
+const deletionPatience = 6;
+
 /** Rows of a timeline: what is there at the same time stands in different ones. */
 class Lanes {
   #lanes = [];
 
-  /** Gives the life the first row that is free when it begins. */
+  /** Gives the life the first row that is free when it begins. A life keeps its row to its `end`. */
   place(life) {
-    const free = this.#lanes.findIndex((other) => other.last + longestGap < life.first);
+    const free = this.#lanes.findIndex((other) => other.end + longestGap < life.first);
     life.lane = free < 0 ? this.#lanes.length : free;
     this.#lanes[life.lane] = life;
   }
@@ -36,6 +39,7 @@ class History {
     }
     for (const event of frame.events) {
       this.events.push({ ...event, at });
+      this.#noteDeletion(event, at);
     }
     this.#forget(at);
   }
@@ -53,12 +57,20 @@ class History {
     const known = this.#current.get(objectId);
     if (known && at - known.last <= longestGap) {
       known.last = at;
+      known.end = at + deletionPatience;
       return;
     }
-    const life = { objectId, className, first: at, last: at, lane: 0 };
+    const life = { objectId, className, first: at, last: at, end: at + deletionPatience, lane: 0 };
     this.#lanes.place(life);
     this.#current.set(objectId, life);
     this.lives.push(life);
+  }
+
+  #noteDeletion({ action, objectId }, at) {
+    const life = this.lives.findLast((each) => each.objectId === objectId);
+    if (action === 'Delete' && life) {
+      life.end = at;
+    }
   }
 
   #forget(now) {

@@ -40,7 +40,7 @@ function drawTail(context, { objectId, points }, width, height, now) {
 }
 
 /** The object's name on a ground of its colour, and what it looks like: above the box, or inside where there is no room. */
-function drawChip(context, detection, area, width, ink) {
+function drawChip(context, detection, area, width) {
   const values = valuesText(detection);
   context.font = chipFont;
   const name = fittingText(context, nameOf(detection), width - 10);
@@ -57,7 +57,7 @@ function drawChip(context, detection, area, width, ink) {
   context.roundRect(x, y, chipWidth, chipHeight, 3);
   context.fill();
   context.globalAlpha = 1;
-  context.fillStyle = ink.onColour;
+  context.fillStyle = inkOn(detection.objectId);
   context.font = chipFont;
   context.fillText(name, x + 5, y + 13);
   context.font = valuesFont;
@@ -101,6 +101,6 @@ function drawPicture(canvas, { frame, frames, now }, boxes, isShown) {
   }
   const visible = drawn.filter(({ area }) => area);
   visible.forEach(({ detection, area }) => drawBox(context, detection, area));
-  visible.forEach(({ detection, area }) => drawChip(context, detection, area, width, ink));
+  visible.forEach(({ detection, area }) => drawChip(context, detection, area, width));
   return drawn;
 }

@@ -36,6 +36,7 @@ class FrameStore {
     const frames = known ?? fetchJson(`frames.json?first=${piece * size}&count=${size}`);
     this.#pieces.delete(piece);
     this.#pieces.set(piece, frames);
+    frames.catch(() => this.#pieces.delete(piece));
     if (this.#pieces.size > FrameStore.#piecesKept) {
       this.#pieces.delete(this.#pieces.keys().next().value);
     }
@@ -60,8 +61,8 @@ class RecordingPage {
   constructor(setup, overview) {
     this.#overview = overview;
     this.#times = overview.frameSeconds;
-    this.#lives = this.#placeLives(overview.objects);
     this.#events = overview.eventList.map((event) => ({ ...event, at: this.#times[event.frame] }));
+    this.#lives = this.#placeLives(overview.objects);
     this.#view = new CameraView('Recording', setup, this.#filters);
     this.#view.section.dataset.camera = '1';
     this.#view.makeSeekable((time) => this.#seek(this.#indexAt(time)));
@@ -86,8 +87,10 @@ class RecordingPage {
 
   #placeLives(objects) {
     const lanes = new Lanes();
-    const lives = objects.map(({ objectId, className, firstSeconds, lastSeconds }) =>
-      ({ objectId, className, first: firstSeconds, last: lastSeconds, lane: 0 }));
+    const deletions = new Map(this.#events.filter(({ action }) => action === 'Delete')
+      .map(({ objectId, at }) => [objectId, at]));
+    const lives = objects.map(({ objectId, className, firstSeconds: first, lastSeconds: last }) =>
+      ({ objectId, className, first, last, end: Math.max(last, deletions.get(objectId) ?? last), lane: 0 }));
     lives.sort((a, b) => a.first - b.first);
     lives.forEach((life) => lanes.place(life));
     return lives;

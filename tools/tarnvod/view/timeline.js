@@ -30,7 +30,7 @@ function drawAxis(context, { from, to, zero }, x, height, ink, width) {
   context.textAlign = 'left';
 }
 
-function drawLife(context, life, x, laneHeight, ink) {
+function drawLife(context, life, x, laneHeight) {
   const left = x(life.first);
   const width = Math.max(2, x(life.last) - left);
   const top = axisHeight + life.lane * laneHeight;
@@ -40,7 +40,7 @@ function drawLife(context, life, x, laneHeight, ink) {
   context.fill();
   if (laneHeight >= 13) {
     context.font = timelineFont;
-    context.fillStyle = ink.onColour;
+    context.fillStyle = inkOn(life.objectId);
     const visibleLeft = Math.max(left, 0);
     context.fillText(fittingText(context, nameOf(life), left + width - visibleLeft - 8), visibleLeft + 4,
       top + laneHeight / 2 + 4);
@@ -56,6 +56,8 @@ function drawEvent(context, event, lives, x, laneHeight, ink) {
   const [at, middle, size] = [x(event.at), axisHeight + (life.lane + 0.5) * laneHeight, Math.min(5, laneHeight / 2)];
   context.beginPath();
   if (event.action === 'Delete') {
+    context.fillStyle = colourOf(life.objectId);
+    context.fillRect(x(life.last), middle - 1, at - x(life.last), 2);
     context.moveTo(at - size, middle - size);
     context.lineTo(at + size, middle + size);
     context.moveTo(at + size, middle - size);
@@ -86,7 +88,7 @@ function drawTimeline(canvas, { lives, events }, span, isShown) {
   const { context, width, height, ink } = prepareCanvas(canvas);
   const x = (at) => ((at - span.from) / (span.to - span.from)) * width;
   drawAxis(context, span, x, height, ink, width);
-  shown.forEach((life) => drawLife(context, life, x, laneHeight, ink));
+  shown.forEach((life) => drawLife(context, life, x, laneHeight));
   events.forEach((event) => drawEvent(context, event, shown, x, laneHeight, ink));
   if (span.cursor !== undefined) {
     context.fillStyle = ink.mark;
