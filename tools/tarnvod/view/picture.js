@@ -4,6 +4,9 @@
 const chipFont = '600 12px system-ui, "DejaVu Sans", sans-serif';
 const valuesFont = '11px system-ui, "DejaVu Sans", sans-serif';
 
+/** Names are cut there, so that they do not cover what others show. In units of the page. */
+const widestName = 180;
+
 /** Whole for an object that is tracked for sure, dashed for one that may not be, dotted for one that is only seen. */
 const dashesOf = (status) => ({ TrackedConfident: [], TrackedUnconfident: [8, 4] })[status] ?? [2, 4];
 
@@ -43,10 +46,11 @@ function drawTail(context, { objectId, points }, width, height, now) {
 function drawChip(context, detection, area, width) {
   const values = valuesText(detection);
   context.font = chipFont;
-  const name = fittingText(context, nameOf(detection), width - 10);
+  const room = Math.min(widestName, width - 10);
+  const name = fittingText(context, nameOf(detection), room);
   const nameWidth = context.measureText(name).width;
   context.font = valuesFont;
-  const fittingValues = fittingText(context, values, width - 10);
+  const fittingValues = fittingText(context, values, room);
   const chipWidth = Math.max(nameWidth, context.measureText(fittingValues).width) + 10;
   const chipHeight = values === '' ? 18 : 32;
   const x = Math.min(Math.max(0, area.x), width - chipWidth);
