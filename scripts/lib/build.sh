@@ -7,8 +7,7 @@ source scripts/lib/packages.sh
 
 # build_release TARGET...: builds these in release, with what they need.
 build_release() {
-  require_packages cmake ninja-build g++ protobuf-compiler libprotobuf-dev libgtest-dev libgmock-dev libcli11-dev \
-    nlohmann-json3-dev
+  require_packages "${build_packages[@]}"
   cmake --preset release >/dev/null
   cmake --build --preset release --target "$@"
 }

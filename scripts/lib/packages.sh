@@ -1,7 +1,12 @@
 # SPDX-FileCopyrightText: 2026 The tarnvod authors
 # SPDX-License-Identifier: MIT
 #
-# To be sourced: require_packages.
+# To be sourced: require_packages, command_packages and build_packages.
+
+# What the library, the host platform and the command are built with; and what everything is, tests and fuzzers included.
+readonly command_packages=(cmake ninja-build g++ pkgconf protobuf-compiler libprotobuf-dev libcli11-dev libcpp-httplib-dev
+  nlohmann-json3-dev)
+readonly build_packages=("${command_packages[@]}" libgtest-dev libgmock-dev)
 
 is_installed() {
   [[ $(dpkg-query --show --showformat='${db:Status-Status}' "$1" 2>/dev/null) == installed ]]

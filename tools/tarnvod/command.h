@@ -21,6 +21,8 @@ void addWatch(CLI::App& app, Action& action);
 void addRecord(CLI::App& app, Action& action);
 void addInspect(CLI::App& app, Action& action);
 void addRender(CLI::App& app, Action& action);
+/** Only where the viewer was built. */
+void addView(CLI::App& app, Action& action);
 
 /** The whole command: parses, runs, tells failures on standard error in one line, returns the exit code. */
 int run(int argc, const char* const* argv);

@@ -3,6 +3,7 @@
 
 #include "drawing.h"
 #include "frame_text.h"
+#include "scene_record.h"
 #include "text.h"
 
 #include <algorithm>
@@ -16,17 +17,6 @@ using svg::number;
 constexpr double chipSize = 12.5;
 constexpr double chipHeight = 18;
 constexpr double lineHeight = 17;
-
-VOD::DetectionStatus statusOf(const ::VOD::Detection& detection) {
-  switch (detection.status()) {
-    case ::VOD::Detection::TRACKED_UNCONFIDENT:
-      return VOD::DetectionStatus::TrackedUnconfident;
-    case ::VOD::Detection::TRACKED_CONFIDENT:
-      return VOD::DetectionStatus::TrackedConfident;
-    default:
-      return VOD::DetectionStatus::Untracked;
-  }
-}
 
 /** Whole for an object that is tracked for sure, dashed for one that may not be, dotted for one that is only seen. */
 std::string dashesOf(VOD::DetectionStatus status) {

@@ -47,6 +47,17 @@ CLI::Validator numberFrom(double least, const std::string& what) {
       "");
 }
 
+/** "4:3", or a number. */
+std::optional<double> parseAspect(const std::string& text) {
+  const std::size_t colon = text.find(':');
+  double width = 0;
+  double height = 1;
+  const bool isRead = CLI::detail::lexical_cast(text.substr(0, colon), width) &&
+                      (colon == std::string::npos || CLI::detail::lexical_cast(text.substr(colon + 1), height));
+  const double aspect = width / height;
+  return isRead && aspect >= 0.1 && aspect <= 10 ? std::make_optional(aspect) : std::nullopt;
+}
+
 }  // namespace
 
 bool Limits::reachedBy(std::chrono::steady_clock::duration elapsed) const {
@@ -71,6 +82,20 @@ CLI::Option* addFourNumbers(CLI::App& command, const std::string& name, std::opt
     }
   };
   return command.add_option_function<std::string>(name, parse, help)->type_name("A,B,C,D");
+}
+
+void addAspect(CLI::App& command, std::optional<double>& aspect) {
+  const auto parse = [&aspect](const std::string& text) {
+    aspect = parseAspect(text);
+    if (!aspect) {
+      throw CLI::ValidationError("--aspect", "'" + text + "' is no shape of a picture like 4:3");
+    }
+  };
+  command
+      .add_option_function<std::string>(
+          "--aspect", parse,
+          "Shape of what the camera sees; default: that of the range, or 4:3 when the range is a square")
+      ->type_name("W:H");
 }
 
 void takesCameraNumbers(CLI::Option& option) {

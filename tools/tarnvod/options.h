@@ -32,6 +32,9 @@ void addLimits(CLI::App& command, Limits& limits, const std::string& framesHelp)
 CLI::Option* addFourNumbers(CLI::App& command, const std::string& name, std::optional<std::array<float, 4>>& numbers,
                             const std::string& help);
 
+/** Adds `--aspect`, the width by height of what the camera sees, written "4:3" or as a number. */
+void addAspect(CLI::App& command, std::optional<double>& aspect);
+
 /** Makes an option accept camera numbers: 1 and above. */
 void takesCameraNumbers(CLI::Option& option);
 

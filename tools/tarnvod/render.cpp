@@ -5,6 +5,7 @@
 #include "drawing.h"
 #include "errors.h"
 #include "files.h"
+#include "options.h"
 #include "text.h"
 
 #include <CLI/CLI.hpp>
@@ -112,17 +113,6 @@ int render(const RenderOptions& options) {
   return success;
 }
 
-/** "4:3", or a number. */
-std::optional<double> parseAspect(const std::string& text) {
-  const std::size_t colon = text.find(':');
-  double width = 0;
-  double height = 1;
-  const bool isRead = CLI::detail::lexical_cast(text.substr(0, colon), width) &&
-                      (colon == std::string::npos || CLI::detail::lexical_cast(text.substr(colon + 1), height));
-  const double aspect = width / height;
-  return isRead && aspect >= 0.1 && aspect <= 10 ? std::make_optional(aspect) : std::nullopt;
-}
-
 }  // namespace
 
 void addRender(CLI::App& app, Action& action) {
@@ -141,17 +131,7 @@ void addRender(CLI::App& app, Action& action) {
   command->add_option("--detector", options->detector, "Detector-information file that names the classes")
       ->type_name("FILE");
   command->add_option("--background", options->background, "PNG or JPEG image behind the boxes")->type_name("FILE");
-  command
-      ->add_option_function<std::string>(
-          "--aspect",
-          [options](const std::string& text) {
-            options->aspect = parseAspect(text);
-            if (!options->aspect) {
-              throw CLI::ValidationError("--aspect", "'" + text + "' is no shape of a picture like 4:3");
-            }
-          },
-          "Shape of what the camera sees; default: that of the range, or 4:3 when the range is a square")
-      ->type_name("W:H");
+  addAspect(*command, options->aspect);
   options->boxes.addTo(*command);
   command->callback([options, &action] { action = [options] { return render(*options); }; });
 }

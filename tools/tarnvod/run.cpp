@@ -43,6 +43,9 @@ void build(CLI::App& app, Action& action) {
   addRecord(app, action);
   addInspect(app, action);
   addRender(app, action);
+#ifdef TARNVOD_WITH_VIEWER
+  addView(app, action);
+#endif
 }
 
 int parseAndRun(CLI::App& app, int argc, const char* const* argv) {

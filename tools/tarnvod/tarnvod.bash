@@ -11,10 +11,11 @@ _tarnvod() {
     [record]="--camera --output --seconds --frames --help"
     [inspect]="--json --help"
     [render]="--output --frame --box --range --aspect --background --detector --help"
+    [view]="--camera --class --all-classes --roi --recording --port --address --box --range --aspect --help"
   )
   COMPREPLY=()
   if [[ $COMP_CWORD -eq 1 ]]; then
-    mapfile -t COMPREPLY < <(compgen -W "info watch record inspect render --help --version" -- "$current")
+    mapfile -t COMPREPLY < <(compgen -W "info watch record inspect render view --help --version" -- "$current")
     return
   fi
   case $previous in
@@ -28,12 +29,12 @@ _tarnvod() {
       mapfile -t COMPREPLY < <(compgen -W "$(seq 1 "${channels:-0}")" -- "$current")
       return
       ;;
-    --file | --output | --background | --detector)
+    --file | --output | --background | --detector | --recording)
       compopt -o filenames
       mapfile -t COMPREPLY < <(compgen -f -- "$current")
       return
       ;;
-    --class | --roi | --frames | --seconds | --frame | --range | --aspect)
+    --class | --roi | --frames | --seconds | --frame | --range | --aspect | --port | --address)
       return
       ;;
   esac

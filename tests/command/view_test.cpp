@@ -1,0 +1,278 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#include "situations.h"
+#include "viewer.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <deque>
+#include <map>
+#include <set>
+#include <sstream>
+
+using nlohmann::json;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::MatchesRegex;
+using testing::Not;
+using testing::SizeIs;
+using testing::StartsWith;
+
+namespace {
+
+class View : public test::TwoCameras {
+ protected:
+  /** What `watch --json` says of each frame of the recording, by its time stamp. */
+  std::map<std::uint64_t, std::string> watchedFrames() const {
+    const test::Outcome outcome = test::run({"watch", "--camera", "1", "--frames", "20", "--json"}, playing("20"));
+    std::map<std::uint64_t, std::string> frames;
+    std::istringstream stream(outcome.output);
+    for (std::string line; std::getline(stream, line);) {
+      frames[json::parse(line)["timestamp"].get<std::uint64_t>()] = line;
+    }
+    return frames;
+  }
+};
+
+TEST_F(View, PrintsWhereItsPageIsAndNothingElse) {
+  const test::Viewer viewer({"--camera", "1"}, playing());
+
+  EXPECT_EQ(viewer.process.output(), "http://127.0.0.1:" + std::to_string(viewer.port()) + "/\n");
+}
+
+TEST_F(View, ServesOnePageThatFetchesNothingFromElsewhere) {
+  const test::Answer page = test::Viewer({"--camera", "1"}, playing()).get("/");
+
+  EXPECT_EQ(page.status, 200);
+  EXPECT_EQ(page.header("Content-Type"), "text/html; charset=utf-8");
+  EXPECT_THAT(page.body, StartsWith("<!doctype html>"));
+  EXPECT_THAT(page.body, Not(HasSubstr("@NONCE@")));
+  EXPECT_THAT(page.body, Not(HasSubstr("@SCRIPT@")));
+  EXPECT_THAT(page.body, Not(HasSubstr(" src=")));
+  EXPECT_THAT(page.body, Not(HasSubstr("https:")));
+}
+
+TEST_F(View, AllowsThePageItsOwnScriptAndStyleOnly) {
+  const test::Viewer viewer({"--camera", "1"}, playing());
+  const test::Answer page = viewer.get("/");
+
+  const std::string policy = page.header("Content-Security-Policy");
+  EXPECT_THAT(policy, MatchesRegex("default-src 'none'; script-src 'nonce-[0-9a-f]*'; style-src 'nonce-[0-9a-f]*'; "
+                                   "connect-src 'self'; img-src data:; base-uri 'none'; form-action 'none'; "
+                                   "frame-ancestors 'none'; require-trusted-types-for 'script'; trusted-types 'none'"));
+  const std::string nonce = policy.substr(policy.find("nonce-") + 6, 32);
+  EXPECT_THAT(page.body, HasSubstr("<script nonce=\"" + nonce + "\""));
+  EXPECT_THAT(page.body, HasSubstr("<style nonce=\"" + nonce + "\""));
+  EXPECT_THAT(viewer.get("/").body, Not(HasSubstr(nonce))) << "each answer has a nonce of its own";
+}
+
+TEST_F(View, LetsNoAnswerBeKeptGuessedOrEmbeddedElsewhere) {
+  const test::Viewer viewer({"--camera", "1"}, playing());
+
+  for (const char* path : {"/", "/setup.json", "/nowhere"}) {
+    const test::Answer answer = viewer.get(path);
+    EXPECT_EQ(answer.header("Cache-Control"), "no-store");
+    EXPECT_EQ(answer.header("X-Content-Type-Options"), "nosniff");
+    EXPECT_EQ(answer.header("Referrer-Policy"), "no-referrer");
+    EXPECT_EQ(answer.header("Cross-Origin-Resource-Policy"), "same-origin");
+  }
+  EXPECT_EQ(viewer.get("/nowhere").status, 404);
+}
+
+TEST_F(View, RefusesRequestsThatNameAnotherHost) {
+  const test::Viewer viewer({"--camera", "1"}, playing());
+
+  for (const char* path : {"/", "/events", "/setup.json"}) {
+    const test::Answer answer = viewer.get(path, {{"Host", "camera.example:" + std::to_string(viewer.port())}});
+    EXPECT_EQ(answer.status, 403);
+    EXPECT_THAT(answer.body, HasSubstr("answers no requests for other places"));
+  }
+  EXPECT_EQ(viewer.get("/", {{"Host", "localhost:" + std::to_string(viewer.port())}}).status, 200);
+}
+
+TEST_F(View, RefusesWhatThePageOfAnotherSiteAsksFor) {
+  const test::Viewer viewer({"--camera", "1"}, playing());
+
+  EXPECT_EQ(viewer.get("/setup.json", {{"Sec-Fetch-Site", "cross-site"}}).status, 403);
+  EXPECT_EQ(viewer.get("/setup.json", {{"Sec-Fetch-Site", "same-origin"}}).status, 200);
+  EXPECT_EQ(viewer.get("/", {{"Sec-Fetch-Site", "cross-site"}}).status, 200) << "that is a link to the page";
+}
+
+TEST_F(View, TellsThePageCamerasBoxesAndShape) {
+  const test::Viewer viewer({"--camera", "2", "1", "--box", "size", "--range", "0,0,1920,1080"}, playing());
+
+  const json setup = json::parse(viewer.get("/setup.json").body);
+
+  EXPECT_EQ(setup["mode"], "live");
+  EXPECT_EQ(setup["cameras"], (json{1, 2}));
+  EXPECT_EQ(setup["boxes"], (json{{"form", "size"}, {"range", {0.0, 0.0, 1920.0, 1080.0}}}));
+  EXPECT_NEAR(setup["aspect"].get<double>(), 16.0 / 9.0, 1e-6);
+}
+
+TEST_F(View, SendsTheFramesThatWatchShows) {
+  const auto watched = watchedFrames();
+  ASSERT_THAT(watched, SizeIs(test::framesInRecording));
+  const test::Viewer viewer({"--camera", "1"}, playing("5"));
+
+  std::set<std::uint64_t> seen;
+  viewer.receive([&](const test::Event& event) {
+    if (event.name == "frame") {
+      const auto timestamp = event.json()["timestamp"].get<std::uint64_t>();
+      EXPECT_EQ(event.data, watched.at(timestamp));
+      seen.insert(timestamp);
+    }
+    return seen.size() == watched.size();
+  });
+}
+
+TEST_F(View, TellsHowACameraIs) {
+  const test::Viewer viewer({"--camera", "1"}, playing());
+
+  json state;
+  viewer.receive([&](const test::Event& event) {
+    state = event.name == "state" ? event.json()["cameras"][0] : state;
+    return !state.is_null() && state["frames"] > 5;
+  });
+
+  EXPECT_EQ(state["camera"], 1);
+  EXPECT_EQ(state["state"], "receiving");
+  EXPECT_EQ(state["problem"], "");
+  EXPECT_NEAR(state["framesPerSecond"].get<double>(), 10, 3);
+  EXPECT_LT(state["secondsSinceFrame"].get<double>(), 1);
+}
+
+TEST_F(View, OfOneClassSendsNoOther) {
+  const test::Viewer viewer({"--camera", "1", "--class", "car"}, playing("20"));
+
+  std::set<std::string> classes;
+  int frames = 0;
+  viewer.receive([&](const test::Event& event) {
+    if (event.name == "frame") {
+      const json frame = event.json();
+      for (const json& detection : frame["detections"]) {
+        classes.insert(detection["className"].get<std::string>());
+      }
+      ++frames;
+    }
+    return frames == test::framesInRecording;
+  });
+
+  EXPECT_THAT(classes, testing::ElementsAre("car"));
+}
+
+TEST_F(View, TellsAnOutageAndItsEnd) {
+  test::Viewer viewer({"--camera", "1"}, playing());
+  viewer.receive([](const test::Event& event) { return event.name == "frame"; });
+
+  viewer.process.write("down");
+  json camera;
+  viewer.receive([&](const test::Event& event) {
+    camera = event.name == "state" ? event.json()["cameras"][0] : camera;
+    return camera.is_object() && camera["state"] == "silent";
+  });
+  EXPECT_THAT(camera["problem"].get<std::string>(),
+              AllOf(StartsWith("no frame for "), HasSubstr("the service does not answer")));
+
+  viewer.process.write("up");
+  json state;
+  viewer.receive([&](const test::Event& event) {
+    state = event.name == "state" ? event.json() : state;
+    return state.is_object() && state["cameras"][0]["state"] == "receiving";
+  });
+  EXPECT_EQ(state["cameras"][0]["problem"], "");
+  EXPECT_EQ(state["cameras"][0]["interruptions"], 1);
+  ASSERT_FALSE(state["news"].empty());
+  EXPECT_THAT(state["news"].back()["text"].get<std::string>(), StartsWith("camera 1: frames are back after "));
+}
+
+TEST_F(View, GoesOnForOthersWhenABrowserDoesNotRead) {
+  const test::Viewer viewer({"--camera", "1"}, playing("100"));
+  const test::SilentBrowser silent(viewer.port());
+
+  std::uint64_t dropped = 0;
+  std::size_t frames = 0;
+  viewer.receive([&](const test::Event& event) {
+    frames += event.name == "frame" ? 1U : 0U;
+    dropped = event.name == "state" ? event.json()["framesDropped"].get<std::uint64_t>() : dropped;
+    return frames == 3000;  // some times more than fits into the buffers of the connection that is not read
+  });
+
+  EXPECT_EQ(dropped, 0U) << "the service's thread never waited";
+}
+
+TEST_F(View, TakesEightBrowsersAndNewOnesWhenTheyAreGone) {
+  const test::Viewer viewer({"--camera", "1"}, playing());
+  {
+    std::deque<test::SilentBrowser> browsers;
+    for (int count = 0; count < 8; ++count) {
+      EXPECT_EQ(browsers.emplace_back(viewer.port()).statusLine(), "HTTP/1.1 200 OK");
+    }
+    const test::Answer refusal = viewer.get("/events");
+    EXPECT_EQ(refusal.status, 503);
+    EXPECT_THAT(refusal.body, HasSubstr("No more than 8 browsers"));
+    EXPECT_EQ(viewer.get("/").status, 200);
+  }
+
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+  while (test::SilentBrowser(viewer.port()).statusLine() != "HTTP/1.1 200 OK") {
+    ASSERT_LT(std::chrono::steady_clock::now(), deadline) << "those that vanished keep their places";
+  }
+}
+
+class ViewToldToEnd : public test::TwoCameras, public testing::WithParamInterface<int> {};
+
+TEST_P(ViewToldToEnd, EndsInOrderWhateverBrowsersDo) {
+  test::Viewer viewer({"--camera", "1"}, playing("100"));
+  const test::SilentBrowser silent(viewer.port());
+  viewer.receive([](const test::Event& event) { return event.name == "frame"; });
+
+  viewer.process.signal(GetParam());
+
+  const test::Outcome outcome = viewer.process.wait();
+  EXPECT_EQ(outcome.exitCode, 0);
+  EXPECT_THAT(outcome.errors, IsEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(BySignal, ViewToldToEnd, testing::Values(SIGINT, SIGTERM, SIGHUP));
+
+TEST_F(View, AtAPortThatIsTakenFails) {
+  const test::Viewer viewer({"--camera", "1"}, playing());
+
+  const test::Outcome outcome =
+      test::run({"view", "--camera", "1", "--port", std::to_string(viewer.port())}, playing());
+
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_TRUE(test::isOneLine(outcome.errors));
+  EXPECT_THAT(outcome.errors,
+              HasSubstr("cannot listen at 127.0.0.1:" + std::to_string(viewer.port()) + ": Address already in use"));
+}
+
+TEST_F(View, AtAnAddressOfAnotherMachineFails) {
+  const test::Outcome outcome = test::run({"view", "--camera", "1", "--address", "192.0.2.1"}, playing());
+
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_TRUE(test::isOneLine(outcome.errors));
+  EXPECT_THAT(outcome.errors, HasSubstr("192.0.2.1"));
+}
+
+TEST_F(View, OfAnUnknownClassNamesTheKnownOnes) {
+  const test::Outcome outcome = test::run({"view", "--port", "0", "--camera", "1", "--class", "Human"}, playing());
+
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_THAT(outcome.output, IsEmpty());
+  EXPECT_THAT(outcome.errors, HasSubstr("it knows car, human"));
+}
+
+TEST_F(View, OfACameraThatIsNotThereFails) {
+  const test::Outcome outcome = test::run({"view", "--port", "0", "--camera", "7"}, playing());
+
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_TRUE(test::isOneLine(outcome.errors));
+  EXPECT_THAT(outcome.errors, HasSubstr("camera 7"));
+}
+
+}  // namespace

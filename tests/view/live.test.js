@@ -1,0 +1,151 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+import assert from 'node:assert/strict';
+import { after, before, describe, test } from 'node:test';
+import {
+  Viewer, assertDrawn, assertFits, cameraOf, closeBrowser, drawn, freeEdges, isSameColour, look, openBrowser, pixels,
+  takePicture,
+} from './support.js';
+
+before(openBrowser);
+after(closeBrowser);
+
+/** Pauses at a moment that the condition likes; gives what is drawn then. */
+async function pauseWhen(page, camera, condition) {
+  for (;;) {
+    await page.locator('#pause').click();
+    const picture = await drawn(page, camera);
+    if (condition(picture)) {
+      return picture;
+    }
+    await page.locator('#pause').click();
+    await page.waitForFunction(([number, timestamp]) =>
+      document.querySelector(`.camera[data-camera="${number}"]`).dataset.timestamp !== `${timestamp}`,
+    [camera, picture.timestamp]);
+  }
+}
+
+describe('two cameras that are seen live', () => {
+  let viewer;
+  let sent;
+  let page;
+  let complaints;
+
+  before(async () => {
+    viewer = await Viewer.start('--camera', '1', '2');
+    sent = viewer.collectFrames();
+    ({ page, complaints } = await look(viewer));
+  });
+  after(async () => {
+    sent.stop();
+    await viewer.stop();
+  });
+
+  test('are drawn as their frames were sent', async () => {
+    await pauseWhen(page, 1, (picture) => freeEdges(picture).length > 0);
+    for (const camera of [1, 2]) {
+      const picture = await drawn(page, camera);
+      assertDrawn(picture, sent.frames.get(`${camera} ${picture.timestamp}`));
+    }
+    await page.locator('#pause').click();
+  });
+
+  test('have boxes where the frames say, in the colours of their rows', async () => {
+    const picture = await pauseWhen(page, 1, (each) => freeEdges(each).length > 0);
+    const edges = freeEdges(picture);
+    const colours = await pixels(page, 1, edges.map(({ place }) => place));
+    colours.forEach((colour, index) => assert.ok(isSameColour(colour, edges[index].colour), `${colour} is not drawn`));
+    await page.locator('#pause').click();
+  });
+
+  test('stay as they are while paused, and go on after', async () => {
+    const picture = await pauseWhen(page, 1, () => true);
+    await page.getByText(/paused, [1-9]\d* frames? since/).first().waitFor();
+    assert.deepEqual(await drawn(page, 1), picture);
+    await page.keyboard.press('Escape');
+    await page.locator('h1').click();
+    await page.keyboard.press('Space');
+    await page.waitForFunction((timestamp) =>
+      document.querySelector('.camera').dataset.timestamp !== timestamp, `${picture.timestamp}`);
+    assert.equal(await page.locator('#pause').textContent(), 'Pause');
+  });
+
+  test('show nothing of a class that is filtered out', async () => {
+    const picture = await pauseWhen(page, 1, (each) => freeEdges(each).length > 0);
+    const [{ place, colour }] = freeEdges(picture);
+    await page.getByLabel('human').uncheck();
+    assert.equal((await drawn(page, 1)).rows.length, 0);
+    assert.ok(!isSameColour((await pixels(page, 1, [place]))[0], colour));
+    await page.getByLabel('human').check();
+    assert.deepEqual(await drawn(page, 1), picture);
+    assert.ok(isSameColour((await pixels(page, 1, [place]))[0], colour));
+    await page.locator('#pause').click();
+  });
+
+  test('tell their frames per second and the age of the last frame', async () => {
+    await cameraOf(page, 1).getByText(/^(9|10|11)\.\d frames\/s$/).waitFor();
+    await cameraOf(page, 1).getByText(/^last frame 0\.\d s ago$/).waitFor();
+  });
+
+  test('have a timeline with a bar for each object, up to now', async () => {
+    const picture = await pauseWhen(page, 1, ({ rows }) => rows.length > 0);
+    const { width, height } = await cameraOf(page, 1).locator('canvas').nth(1).evaluate((canvas) =>
+      ({ width: canvas.clientWidth, height: canvas.clientHeight }));
+    const column = await pixels(page, 1, Array.from({ length: Math.floor(height) }, (_, y) => [width - 2, y]), 1);
+    for (const { cells, colour } of picture.rows) {
+      assert.ok(column.some((each) => isSameColour(each, colour)), `${cells[0]} has no bar`);
+    }
+    await page.locator('#pause').click();
+  });
+
+  test('fit into wide and narrow windows, light and dark', async () => {
+    for (const [width, colorScheme] of [[1280, 'light'], [1280, 'dark'], [400, 'light'], [400, 'dark']]) {
+      await page.setViewportSize({ width, height: 860 });
+      await page.emulateMedia({ colorScheme });
+      await page.waitForTimeout(300);
+      await assertFits(page);
+      await takePicture(page, `live-${width}-${colorScheme}`);
+    }
+    await page.setViewportSize({ width: 1280, height: 860 });
+    await page.emulateMedia({ colorScheme: 'light' });
+  });
+
+  test('say plainly that their subscriptions are down, and that they are back', async () => {
+    const veil = cameraOf(page, 1).locator('.veil');
+    assert.ok(!await veil.isVisible());
+    viewer.switchService('down');
+    await cameraOf(page, 1).locator('.pill', { hasText: 'down' }).waitFor();
+    assert.match(await veil.textContent(), /No frames.*the service does not answer; the library tries again every 1 s/);
+    await cameraOf(page, 2).locator('.pill', { hasText: 'down' }).waitFor();
+    await takePicture(page, 'down-1280-light');
+    viewer.switchService('up');
+    await cameraOf(page, 1).locator('.pill', { hasText: 'receiving' }).waitFor();
+    await veil.waitFor({ state: 'hidden' });
+    await page.locator('#news').getByText(/camera 1: frames are back after \d/).waitFor();
+    await takePicture(page, 'back-1280-light');
+  });
+
+  test('make the page complain of nothing', () => assert.deepEqual(complaints, []));
+});
+
+test('a page whose viewer ends says so, and goes on with the next one at the same port', async () => {
+  const first = await Viewer.start('--camera', '1');
+  const { page } = await look(first);
+  await first.stop();
+  await page.locator('#connection', { hasText: 'not connected' }).waitFor();
+  await page.getByText('No connection to tarnvod view').waitFor();
+  const second = await Viewer.startAt(first.port, '--camera', '1');
+  await page.locator('#connection', { hasText: /^connected/ }).waitFor();
+  await cameraOf(page, 1).locator('.pill', { hasText: 'receiving' }).waitFor();
+  await second.stop();
+});
+
+test('a canvas has as many pixels as the screen', async () => {
+  const viewer = await Viewer.start('--camera', '1');
+  const { page } = await look(viewer, { deviceScaleFactor: 2 });
+  const { pixelWidth, pageWidth } = await cameraOf(page, 1).locator('canvas').first().evaluate((canvas) =>
+    ({ pixelWidth: canvas.width, pageWidth: canvas.clientWidth }));
+  assert.equal(pixelWidth, 2 * pageWidth);
+  await viewer.stop();
+});

@@ -1,0 +1,148 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+import assert from 'node:assert/strict';
+import { after, before, describe, test } from 'node:test';
+import {
+  Viewer, assertDrawn, assertFits, cameraOf, closeBrowser, drawn, freeEdges, isSameColour, look, openBrowser, pixels,
+  street, takePicture,
+} from './support.js';
+
+before(openBrowser);
+after(closeBrowser);
+
+const shows = (page, index) => page.waitForSelector(`.camera[data-frame="${index}"]`);
+
+describe('a recording', () => {
+  let viewer;
+  let page;
+  let complaints;
+
+  const frameAt = async (index) => (await viewer.json(`frames.json?first=${index}&count=1`))[0];
+  const scrubTo = async (index) => {
+    await page.locator('#scrubber').fill(`${index}`);
+    await shows(page, index);
+  };
+
+  before(async () => {
+    viewer = await Viewer.start('--recording', street);
+    ({ page, complaints } = await look(viewer));
+  });
+  after(() => viewer.stop());
+
+  test('is drawn frame by frame where the scrubber stands', async () => {
+    for (const index of [0, 99, 100, 300, 794]) {
+      await scrubTo(index);
+      const picture = await drawn(page, 1);
+      const frame = await frameAt(index);
+      assert.equal(picture.timestamp, frame.timestamp);
+      assertDrawn(picture, frame);
+      await page.locator('#position', { hasText: `frame ${index + 1} of 795` }).waitFor();
+    }
+  });
+
+  test('has boxes where the frames say, in the colours of their rows', async () => {
+    let checked = 0;
+    for (const index of [20, 150, 300, 450, 600]) {
+      await scrubTo(index);
+      const edges = freeEdges(await drawn(page, 1));
+      const colours = await pixels(page, 1, edges.map(({ place }) => place));
+      colours.forEach((colour, at) => assert.ok(isSameColour(colour, edges[at].colour), `${colour} in frame ${index}`));
+      checked += edges.length;
+    }
+    assert.ok(checked >= 5, `only ${checked} edges stand free`);
+  });
+
+  test('has tails that fade: fresh where an object was just now, gone where it was long ago', async () => {
+    await scrubTo(300);
+    const { width, height, rows } = await drawn(page, 1);
+    const [ground] = await pixels(page, 1, [[3, height - 3]]);
+    const footOf = async (index, objectId) => {
+      const { coord1, coord3, coord4 } = (await frameAt(index)).detections.find((each) => each.objectId === objectId);
+      return [((coord1 + coord3) / 2) * width, coord4 * height];
+    };
+    const { colour } = rows.find(({ cells }) => cells[0] === 'human 18');
+    const distance = (one) => one.reduce((sum, part, index) => sum + Math.abs(part - ground[index]), 0);
+    const places = await Promise.all([294, 280, 260].map((index) => footOf(index, 18)));
+    const [fresh, faint, gone] = (await pixels(page, 1, places)).map(distance);
+    assert.ok(fresh > faint && faint > 10, `${fresh}, ${faint}`);
+    assert.ok(gone < 10, `${gone}`);
+    assert.ok(fresh < distance(colour) + 30);
+  });
+
+  test('lists the events that were, the latest first', async () => {
+    const { eventList } = await viewer.json('recording.json');
+    const past = eventList.filter(({ frame }) => frame <= 300).slice(-5).reverse();
+    await scrubTo(300);
+    const texts = await page.locator('.events li').allTextContents();
+    assert.deepEqual(texts.map((text) => text.replace(/^[\d.]+ s /, '')), past.map(({ action, objectId, objectIds }) =>
+      (action === 'Delete' ? `deleted ${objectId}` : `connected ${objectId} with ${objectIds.join(', ')}`)));
+  });
+
+  test('is stepped through with the keyboard', async () => {
+    await scrubTo(300);
+    await page.locator('#scrubber').press('ArrowRight');
+    await shows(page, 301);
+    await page.locator('#scrubber').blur();
+    for (const [key, index] of [['ArrowLeft', 300], ['Shift+ArrowRight', 310], ['Home', 0], ['ArrowLeft', 0], ['End', 794]]) {
+      await page.keyboard.press(key);
+      await shows(page, index);
+    }
+  });
+
+  test('goes where the timeline is pointed at', async () => {
+    const timeline = page.locator('.seekable canvas');
+    const { width } = await timeline.boundingBox();
+    await timeline.click({ position: { x: width / 2, y: 10 } });
+    await page.locator('#position', { hasText: /· 39\.[5-9] of 79\.4 s/ }).waitFor();
+  });
+
+  test('plays and pauses with the space key', async () => {
+    await scrubTo(500);
+    await page.locator('#scrubber').blur();
+    await page.keyboard.press('Space');
+    await page.locator('.pill', { hasText: 'playing' }).waitFor();
+    await page.waitForFunction(() => Number(document.querySelector('.camera').dataset.frame) > 505);
+    await page.keyboard.press('Space');
+    await page.locator('.pill', { hasText: 'paused' }).waitFor();
+    const index = Number(await page.locator('#scrubber').inputValue());
+    await shows(page, index);
+    assertDrawn(await drawn(page, 1), await frameAt(index));
+  });
+
+  test('ends at its end, and plays again from its start', async () => {
+    await page.locator('#speed').selectOption('8');
+    await scrubTo(780);
+    await page.locator('#pause').click();
+    await page.locator('.pill', { hasText: 'paused' }).waitFor();
+    await shows(page, 794);
+    await page.locator('#pause').click();
+    await page.waitForFunction(() => Number(document.querySelector('.camera').dataset.frame) < 700);
+    await page.locator('#pause').click();
+  });
+
+  test('fits into wide and narrow windows, light and dark', async () => {
+    await scrubTo(300);
+    for (const [width, colorScheme] of [[1280, 'light'], [1280, 'dark'], [400, 'light'], [400, 'dark']]) {
+      await page.setViewportSize({ width, height: 860 });
+      await page.emulateMedia({ colorScheme });
+      await page.waitForTimeout(300);
+      await assertFits(page);
+      await takePicture(page, `recording-${width}-${colorScheme}`);
+    }
+  });
+
+  test('makes the page complain of nothing', () => assert.deepEqual(complaints, []));
+});
+
+test('boxes of width and height in pixels are drawn as such', async () => {
+  const viewer = await Viewer.start('--recording', street, '--box', 'size', '--range', '0,0,2,1');
+  const { page } = await look(viewer);
+  const { width, height, rows } = await drawn(page, 1);
+  const [{ detections }] = await viewer.json('frames.json?first=0&count=1');
+  assert.ok(Math.abs(width / height - 2) < 0.02);
+  const { coord1, coord2, coord3, coord4 } = detections.find(({ objectId }) => objectId === 1);
+  const expected = [(coord1 / 2) * width, coord2 * height, (coord3 / 2) * width, coord4 * height];
+  rows[0].box.forEach((number, place) => assert.ok(Math.abs(number - expected[place]) < 0.02));
+  await viewer.stop();
+});
