@@ -237,6 +237,22 @@ TEST_F(ASubscribedCamera, ComparesClassIdsAsSignedNumbers) {
   EXPECT_THAT(classesAfter(1, sceneOf({0xFFFFFFFE, 2})), ElementsAre(ElementsAre("ghost")));
 }
 
+TEST_F(ASubscribedCamera, TellsAnAttributeWithoutAValueFromOneOfValueZero) {
+  ::VOD::DetectorInformation information;
+  information.ParseFromString(detectorBytes());
+  information.mutable_attribute_types(0)->mutable_attribute_classes(0)->set_id(0);
+  vod::host::channel(1).detectorInformation(information.SerializeAsString());
+  setUp(2);
+  ::VOD::Scene scene;
+  scene.add_detections()->set_class_id(1);
+  scene.mutable_detections(0)->add_attributes()->set_type(10);
+  scene.mutable_detections(0)->add_attributes()->set_type(10);
+  scene.mutable_detections(0)->mutable_attributes(1)->set_class_(0);
+  vod::host::channel(1).deliverScene(scene.SerializeAsString());
+  EXPECT_THAT(inbox_.last().detections[0].attributes, ElementsAre(VOD::Attribute("colour", std::nullopt, std::nullopt),
+                                                                  VOD::Attribute("colour", "red", std::nullopt)));
+}
+
 TEST_F(ASubscribedCamera, NamesAttributesByItsOwnDetector) {
   ::VOD::DetectorInformation other;
   other.ParseFromString(detectorBytes());
