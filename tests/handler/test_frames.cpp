@@ -255,7 +255,7 @@ TEST_F(ASubscribedCamera, TellsAnAttributeWithoutAValueFromOneOfValueZero) {
 
 TEST_F(ASubscribedCamera, NamesAttributesByItsOwnDetector) {
   ::VOD::DetectorInformation other;
-  other.ParseFromString(detectorBytes());
+  ASSERT_TRUE(other.ParseFromString(detectorBytes()));
   other.mutable_attribute_types(0)->set_name("paint");
   vod::host::channel(1).detectorInformation(other.SerializeAsString());
   setUp(2);

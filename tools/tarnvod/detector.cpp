@@ -43,7 +43,7 @@ VOD::DetectorInformation readDetectorFile(const std::string& path) {
 
 SceneNames::SceneNames(const std::string& bytes) {
   ::VOD::DetectorInformation message;
-  message.ParsePartialFromString(bytes);
+  static_cast<void>(message.ParsePartialFromString(bytes));  // of damaged bytes, the names before the damage
   for (const auto& objectClass : message.object_classes()) {
     classes_.emplace(objectClass.id(), objectClass.name());
   }
