@@ -38,13 +38,12 @@ std::optional<std::array<float, 4>> parseFourNumbers(std::string_view text) {
 
 /** Accepts numbers from `least` on; `what` says which. */
 CLI::Validator numberFrom(double least, const std::string& what) {
-  return CLI::Validator(
-      [least, what](std::string& text) {
-        double number = 0;
-        const bool isNumber = CLI::detail::lexical_cast(text, number) && std::isfinite(number);
-        return isNumber && number >= least ? std::string() : "'" + text + "' is not " + what;
-      },
-      "");
+  return {[least, what](std::string& text) {
+            double number = 0;
+            const bool isNumber = CLI::detail::lexical_cast(text, number) && std::isfinite(number);
+            return isNumber && number >= least ? std::string() : "'" + text + "' is not " + what;
+          },
+          ""};
 }
 
 /** "4:3", or a number. */

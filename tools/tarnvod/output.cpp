@@ -35,6 +35,7 @@ void handleFailedWrite(int descriptor, int error) {
 
 }  // namespace
 
+// NOLINTNEXTLINE(readability-make-member-function-const): what it writes to is not the same afterwards
 void Output::write(std::string_view text) {
   while (!text.empty()) {
     const ssize_t written = ::write(descriptor_, text.data(), text.size());

@@ -71,9 +71,10 @@ int parseAndRun(CLI::App& app, int argc, const char* const* argv) {
 
 int run(int argc, const char* const* argv) {
   // Widths of characters in the tables; everything else stays as in the C locale.
-  std::setlocale(LC_CTYPE, "C.UTF-8");
+  // NOLINTNEXTLINE(concurrency-mt-unsafe): there is no other thread yet
+  static_cast<void>(std::setlocale(LC_CTYPE, "C.UTF-8"));
   // A closed pipe is told by write, which ends the command in order: cameras are torn down, files closed.
-  std::signal(SIGPIPE, SIG_IGN);
+  static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
   installStopSignals();
 
   CLI::App app("What a camera's video object detection service sees: shown, recorded, inspected, drawn.");

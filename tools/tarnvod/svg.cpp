@@ -28,12 +28,12 @@ constexpr std::string_view styleSheet =
     ".unseen{fill:none;stroke-width:1.6;stroke-dasharray:1.5 5;stroke-linecap:round}";
 
 std::string hexadecimal(double red, double green, double blue) {
-  std::array<char, 8> buffer;
+  std::array<char, 8> buffer{};
   const auto channel = [](double value) {
     return static_cast<unsigned>(std::lround(255 * std::clamp(value, 0.0, 1.0)));
   };
-  std::snprintf(buffer.data(), buffer.size(), "#%02x%02x%02x", channel(red) & 0xFF, channel(green) & 0xFF,
-                channel(blue) & 0xFF);
+  static_cast<void>(std::snprintf(buffer.data(), buffer.size(), "#%02x%02x%02x", channel(red) & 0xFF,
+                                  channel(green) & 0xFF, channel(blue) & 0xFF));
   return buffer.data();
 }
 

@@ -63,12 +63,12 @@ std::string rendered(const Line& line, std::size_t columns, bool coloured) {
 }
 
 bool canRedraw(const Output& output) {
-  const char* const terminal = std::getenv("TERM");
+  const char* const terminal = std::getenv("TERM");  // NOLINT(concurrency-mt-unsafe): nobody changes the environment
   return output.isTerminal() && terminal != nullptr && std::string_view(terminal) != "dumb";
 }
 
 bool wantsColour(const Output& output) {
-  const char* const refused = std::getenv("NO_COLOR");
+  const char* const refused = std::getenv("NO_COLOR");  // NOLINT(concurrency-mt-unsafe): as above
   return canRedraw(output) && (refused == nullptr || *refused == '\0');
 }
 
@@ -84,6 +84,7 @@ Screen::~Screen() {
   }
 }
 
+// NOLINTNEXTLINE(readability-convert-member-functions-to-static): the terminal that was entered is the object's
 TerminalSize Screen::size() const {
   return terminalSize(STDOUT_FILENO);
 }

@@ -21,10 +21,18 @@ struct Character {
 };
 
 std::size_t lengthOfSequence(unsigned char first) {
-  if (first < 0x80) return 1;
-  if (first >= 0xC2 && first < 0xE0) return 2;
-  if (first >= 0xE0 && first < 0xF0) return 3;
-  if (first >= 0xF0 && first < 0xF5) return 4;
+  if (first < 0x80) {
+    return 1;
+  }
+  if (first >= 0xC2 && first < 0xE0) {
+    return 2;
+  }
+  if (first >= 0xE0 && first < 0xF0) {
+    return 3;
+  }
+  if (first >= 0xF0 && first < 0xF5) {
+    return 4;
+  }
   return 0;
 }
 
@@ -41,12 +49,12 @@ Character firstCharacter(std::string_view text) {
   if (length == 0 || length > text.size()) {
     return invalid;
   }
-  char32_t codePoint = length == 1 ? byteAt(0) : byteAt(0) & (0x7Fu >> length);
+  char32_t codePoint = length == 1 ? byteAt(0) : byteAt(0) & (0x7FU >> length);
   for (std::size_t index = 1; index < length; ++index) {
     if ((byteAt(index) & 0xC0) != 0x80) {
       return invalid;
     }
-    codePoint = codePoint << 6 | (byteAt(index) & 0x3Fu);
+    codePoint = codePoint << 6 | (byteAt(index) & 0x3FU);
   }
   if (isOverlongOrSurrogate(codePoint, length)) {
     return invalid;
@@ -118,7 +126,7 @@ std::string fittedRight(std::string_view text, std::size_t columns) {
 }
 
 std::string fixed(double number, int digits) {
-  std::array<char, 400> buffer;  // the greatest double has 309 digits
+  std::array<char, 400> buffer{};  // the greatest double has 309 digits
   const int length = std::snprintf(buffer.data(), buffer.size(), "%.*f", digits, number);
   return {buffer.data(), static_cast<std::size_t>(length)};
 }
@@ -129,14 +137,20 @@ std::string counted(std::uint64_t count, const std::string& noun) {
 
 std::string byteSize(std::uint64_t bytes) {
   const auto size = static_cast<double>(bytes);
-  if (bytes < 1000) return std::to_string(bytes) + " B";
-  if (bytes < 1000 * 1000) return fixed(size / 1e3, 1) + " kB";
-  if (bytes < 1000 * 1000 * 1000) return fixed(size / 1e6, 1) + " MB";
+  if (bytes < 1'000) {
+    return std::to_string(bytes) + " B";
+  }
+  if (bytes < 1'000'000) {
+    return fixed(size / 1e3, 1) + " kB";
+  }
+  if (bytes < 1'000'000'000) {
+    return fixed(size / 1e6, 1) + " MB";
+  }
   return fixed(size / 1e9, 1) + " GB";
 }
 
 std::string shortest(float number) {
-  std::array<char, 32> buffer;
+  std::array<char, 32> buffer{};
   const auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number);
   return {buffer.data(), end};
 }

@@ -24,7 +24,7 @@ class LineDisplay : public WatchDisplay {
     standardOutput().write(json_ ? oneLine(toJson(frame, camera)) : frameLine(frame, camera));
   }
   void tell(const std::string& news) override { tellUser("tarnvod: " + news); }
-  void refresh(const WatchedCameras&, Clock::time_point) override {}
+  void refresh(const WatchedCameras& /*cameras*/, Clock::time_point /*now*/) override {}
   void tellAtEnd(const std::string& line) override { tellUser("tarnvod: " + line); }
 
  private:
@@ -36,8 +36,8 @@ class TableDisplay : public WatchDisplay {
  public:
   TableDisplay() : screen_(std::in_place, standardOutput()) {}
 
-  void showFrame(const VOD::DetectionData&, int) override {}
-  void tell(const std::string&) override {}
+  void showFrame(const VOD::DetectionData& /*frame*/, int /*camera*/) override {}
+  void tell(const std::string& /*news*/) override {}
   void refresh(const WatchedCameras& cameras, Clock::time_point now) override {
     if (now - drawnAt_ >= redrawPeriod) {
       screen_->draw(watchTable(cameras, screen_->size(), now));
