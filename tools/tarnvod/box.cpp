@@ -14,12 +14,19 @@
 #include <string>
 
 namespace tarn::command {
+namespace {
+
+/** 0 at the first end, 1 at the second. */
+double positionBetween(float first, float second, float value) {
+  return (double{value} - first) / (double{second} - first);
+}
+
+}  // namespace
 
 Box BoxConvention::toPicture(const std::array<float, 4>& numbers) const {
-  const auto [left, top, right, bottom] = range;
   const bool isSize = form == Form::Size;
-  const auto across = [left = left, right = right](float x) { return (double{x} - left) / (double{right} - left); };
-  const auto down = [top = top, bottom = bottom](float y) { return (double{y} - top) / (double{bottom} - top); };
+  const auto across = [this](float x) { return positionBetween(range[0], range[2], x); };
+  const auto down = [this](float y) { return positionBetween(range[1], range[3], y); };
   const auto [x1, x2] = std::minmax({across(numbers[0]), across(isSize ? numbers[0] + numbers[2] : numbers[2])});
   const auto [y1, y2] = std::minmax({down(numbers[1]), down(isSize ? numbers[1] + numbers[3] : numbers[3])});
   return {x1, y1, x2, y2};
