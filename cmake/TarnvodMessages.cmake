@@ -12,24 +12,30 @@ set(TARNVOD_SCHEMA_DIR "${CMAKE_CURRENT_SOURCE_DIR}/src/video-object-detection")
 set(TARNVOD_GENERATED_INCLUDE_DIR "${CMAKE_CURRENT_BINARY_DIR}/generated")
 set(TARNVOD_MESSAGES_HEADER "${TARNVOD_GENERATED_INCLUDE_DIR}/tarnvod/video_object_detection.pb.h")
 set(TARNVOD_MESSAGES_SOURCE "${TARNVOD_GENERATED_INCLUDE_DIR}/tarnvod/video_object_detection.pb.cc")
+set(TARNVOD_MARK_FRAME_FUNCTIONS "${CMAKE_CURRENT_LIST_DIR}/mark_frame_functions.cmake")
 
 file(MAKE_DIRECTORY "${TARNVOD_GENERATED_INCLUDE_DIR}/tarnvod")
 add_custom_command(
   OUTPUT "${TARNVOD_MESSAGES_HEADER}" "${TARNVOD_MESSAGES_SOURCE}"
   COMMAND protobuf::protoc "--cpp_out=${TARNVOD_GENERATED_INCLUDE_DIR}/tarnvod" "--proto_path=${TARNVOD_SCHEMA_DIR}"
           video_object_detection.proto
-  DEPENDS "${TARNVOD_SCHEMA_DIR}/video_object_detection.proto" protobuf::protoc
+  COMMAND ${CMAKE_COMMAND} "-DSOURCE=${TARNVOD_MESSAGES_SOURCE}" -P "${TARNVOD_MARK_FRAME_FUNCTIONS}"
+  DEPENDS "${TARNVOD_SCHEMA_DIR}/video_object_detection.proto" protobuf::protoc "${TARNVOD_MARK_FRAME_FUNCTIONS}"
   COMMENT "Generating the message classes"
   VERBATIM)
 add_custom_target(tarnvod_generate_messages DEPENDS "${TARNVOD_MESSAGES_HEADER}" "${TARNVOD_MESSAGES_SOURCE}")
 
-# tarnvod_add_messages(NAME VISIBILITY): an object library of the generated classes, with default or hidden visibility.
+# tarnvod_add_messages(NAME VISIBILITY): an object library of the generated classes, with default or hidden visibility. Inline
+# functions are always hidden: whoever uses them compiles a copy.
 function(tarnvod_add_messages name visibility)
   add_library(${name} OBJECT "${TARNVOD_MESSAGES_SOURCE}" "${TARNVOD_MESSAGES_HEADER}")
   add_dependencies(${name} tarnvod_generate_messages)
-  set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET ${visibility})
-  if(visibility STREQUAL "hidden")
-    set_target_properties(${name} PROPERTIES VISIBILITY_INLINES_HIDDEN ON)
+  set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET ${visibility}
+    VISIBILITY_INLINES_HIDDEN ON)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_BUILD_TYPE STREQUAL "Release")
+    target_compile_options(${name} PRIVATE -Os -flto=auto -ffat-lto-objects -fno-semantic-interposition "-DTARNVOD_EACH_FRAME=__attribute__((optimize(\"O2\")))")
+  else()
+    target_compile_definitions(${name} PRIVATE TARNVOD_EACH_FRAME=)
   endif()
   target_include_directories(${name} SYSTEM PUBLIC "$<BUILD_INTERFACE:${TARNVOD_GENERATED_INCLUDE_DIR}>")
   target_link_libraries(${name} PUBLIC protobuf::libprotobuf-lite)

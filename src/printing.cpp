@@ -3,8 +3,6 @@
 
 #include "printing.h"
 
-#include <string_view>
-
 namespace tarn::VOD::printing {
 namespace {
 
@@ -25,7 +23,7 @@ std::ostream& printEnumerator(std::ostream& out, int number, std::initializer_li
   return name != nullptr ? out << name : out << number;
 }
 
-std::ostream& printEnumerator(std::ostream& out, int number, const std::string& name) {
+std::ostream& printEnumerator(std::ostream& out, int number, std::string_view name) {
   return name.empty() ? out << number : out << name;
 }
 
@@ -42,6 +40,19 @@ void print(std::ostream& out, const std::string& text) {
     }
   }
   out << '"';
+}
+
+Record::Record(std::ostream& out, const char* name) : out_(out) {
+  out_ << name << '{';
+}
+
+std::ostream& Record::end() {
+  return out_ << '}';
+}
+
+void Record::begin(const char* member) {
+  out_ << separator_ << member << ": ";
+  separator_ = ", ";
 }
 
 }  // namespace tarn::VOD::printing

@@ -10,6 +10,7 @@
 #include <ostream>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 /** How the library's values become text: one line each, whatever bytes the names in them hold. */
@@ -19,7 +20,7 @@ namespace tarn::VOD::printing {
 std::ostream& printEnumerator(std::ostream& out, int number, std::initializer_list<const char*> names);
 
 /** Prints the name, or the number if the name is empty. */
-std::ostream& printEnumerator(std::ostream& out, int number, const std::string& name);
+std::ostream& printEnumerator(std::ostream& out, int number, std::string_view name);
 
 /** Prints the text in quotation marks, with control characters escaped so that it stays on its line. */
 void print(std::ostream& out, const std::string& text);
@@ -77,19 +78,20 @@ void print(std::ostream& out, const std::map<std::string, Value>& map) {
 /** Prints a record: `Name{member: value, other: value}`. */
 class Record {
  public:
-  Record(std::ostream& out, const char* name) : out_(out) { out_ << name << '{'; }
+  Record(std::ostream& out, const char* name);
 
   template <typename Value>
   Record& member(const char* name, const Value& value) {
-    out_ << separator_ << name << ": ";
+    begin(name);
     print(out_, value);
-    separator_ = ", ";
     return *this;
   }
 
-  std::ostream& end() { return out_ << '}'; }
+  std::ostream& end();
 
  private:
+  void begin(const char* member);
+
   std::ostream& out_;
   const char* separator_ = "";
 };

@@ -11,15 +11,15 @@ namespace VOD {
 using tarn::VOD::printing::printEnumerator;
 
 std::ostream& operator<<(std::ostream& out, ComputeChip chip) {
-  return printEnumerator(out, chip, std::string(ComputeChip_Name(chip)));
+  return printEnumerator(out, chip, ComputeChip_Name(chip));
 }
 
 std::ostream& operator<<(std::ostream& out, ReIDStatus status) {
-  return printEnumerator(out, status, std::string(ReIDStatus_Name(status)));
+  return printEnumerator(out, status, ReIDStatus_Name(status));
 }
 
 std::ostream& operator<<(std::ostream& out, FisheyeMountingPosition position) {
-  return printEnumerator(out, position, std::string(FisheyeMountingPosition_Name(position)));
+  return printEnumerator(out, position, FisheyeMountingPosition_Name(position));
 }
 
 }  // namespace VOD

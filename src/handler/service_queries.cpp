@@ -40,7 +40,7 @@ std::string Handler::getServiceVersion() {
     syslog(LOG_ERR, "Failed to get the version of the vod lib: %d\n", result);
     return {};
   }
-  return std::to_string(major) + "." + std::to_string(minor);
+  return std::to_string(major).append(1, '.').append(std::to_string(minor));
 }
 
 }  // namespace tarn::VOD
