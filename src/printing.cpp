@@ -17,14 +17,19 @@ void printEscaped(std::ostream& out, unsigned char byte) {
 
 }  // namespace
 
-std::ostream& printEnumerator(std::ostream& out, int number, std::initializer_list<const char*> names) {
-  const bool listed = number >= 0 && static_cast<std::size_t>(number) < names.size();
-  const char* const name = listed ? names.begin()[number] : nullptr;
-  return name != nullptr ? out << name : out << number;
-}
-
 std::ostream& printEnumerator(std::ostream& out, int number, std::string_view name) {
   return name.empty() ? out << number : out << name;
+}
+
+std::ostream& printListedEnumerator(std::ostream& out, int number, std::string_view names) {
+  for (int place = 0; place != number; ++place) {
+    const std::size_t comma = names.find(',');
+    if (comma == std::string_view::npos) {
+      return out << number;
+    }
+    names.remove_prefix(comma + 1);
+  }
+  return printEnumerator(out, number, names.substr(0, names.find(',')));
 }
 
 void print(std::ostream& out, const std::string& text) {

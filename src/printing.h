@@ -4,7 +4,6 @@
 #ifndef TARNVOD_PRINTING_H
 #define TARNVOD_PRINTING_H
 
-#include <initializer_list>
 #include <map>
 #include <optional>
 #include <ostream>
@@ -16,11 +15,14 @@
 /** How the library's values become text: one line each, whatever bytes the names in them hold. */
 namespace tarn::VOD::printing {
 
-/** Prints the name at the number's place in the list, or the number where the list has no name for it. */
-std::ostream& printEnumerator(std::ostream& out, int number, std::initializer_list<const char*> names);
-
 /** Prints the name, or the number if the name is empty. */
 std::ostream& printEnumerator(std::ostream& out, int number, std::string_view name);
+
+/**
+ * Prints the name at the number's place in the list, or the number where the list has no name for it. The names stand in
+ * one text, separated by commas: an array of texts would have to be relocated when the library is loaded.
+ */
+std::ostream& printListedEnumerator(std::ostream& out, int number, std::string_view names);
 
 /** Prints the text in quotation marks, with control characters escaped so that it stays on its line. */
 void print(std::ostream& out, const std::string& text);

@@ -21,12 +21,12 @@ std::ostream& operator<<(std::ostream& out, EventAction action) {
 namespace tarn::VOD {
 
 std::ostream& operator<<(std::ostream& out, EventAction action) {
-  return printing::printEnumerator(out, static_cast<int>(action), {"Delete", "Connect"});
+  return printing::printListedEnumerator(out, static_cast<int>(action), "Delete,Connect");
 }
 
 std::ostream& operator<<(std::ostream& out, DetectionStatus status) {
-  return printing::printEnumerator(out, static_cast<int>(status),
-                                   {"Untracked", "TrackedUnconfident", "TrackedConfident"});
+  return printing::printListedEnumerator(out, static_cast<int>(status),
+                                         "Untracked,TrackedUnconfident,TrackedConfident");
 }
 
 std::ostream& operator<<(std::ostream& out, const Attribute& attribute) {

@@ -26,22 +26,22 @@ std::ostream& operator<<(std::ostream& out, FisheyeMountingPosition position) {
 
 namespace tarn::VOD {
 
-using printing::printEnumerator;
+using printing::printListedEnumerator;
 using printing::Record;
 
 std::ostream& operator<<(std::ostream& out, ComputeChip chip) {
-  return printEnumerator(out, static_cast<int>(chip),
-                         {"CHIP_UNKNOWN", "CPU", "TOVREK_6_FD", "TOVREK_7_GPU", "TOVREK_7_TPU", "TOVREK_7_OD",
-                          "TOVREK_8_DLPU", "TOVREK_9_DLPU", nullptr, "QN17_DLPU"});
+  return printListedEnumerator(
+      out, static_cast<int>(chip),
+      "CHIP_UNKNOWN,CPU,TOVREK_6_FD,TOVREK_7_GPU,TOVREK_7_TPU,TOVREK_7_OD,TOVREK_8_DLPU,TOVREK_9_DLPU,,QN17_DLPU");
 }
 
 std::ostream& operator<<(std::ostream& out, ReidStatus status) {
-  return printEnumerator(out, static_cast<int>(status), {"REID_NOT_RUNNING", "REID_RUNNING"});
+  return printListedEnumerator(out, static_cast<int>(status), "REID_NOT_RUNNING,REID_RUNNING");
 }
 
 std::ostream& operator<<(std::ostream& out, FishEyeMountingPosition position) {
-  return printEnumerator(out, static_cast<int>(position),
-                         {"MOUNTING_UNKNOWN", "DESK_MOUNTED", "WALL_MOUNTED", "CEILING_MOUNTED"});
+  return printListedEnumerator(out, static_cast<int>(position),
+                               "MOUNTING_UNKNOWN,DESK_MOUNTED,WALL_MOUNTED,CEILING_MOUNTED");
 }
 
 std::ostream& operator<<(std::ostream& out, const Calibration& calibration) {
