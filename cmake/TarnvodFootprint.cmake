@@ -3,20 +3,29 @@
 
 # What makes the shipped library small without making a frame slow; docs/device.md tells what each brings.
 
-# tarnvod_footprint(TARGET...): optimises these targets of one library together. What the library calls of itself it calls
-# directly, not through the table by which a program could put its own functions in between.
-function(tarnvod_footprint)
-  if(NOT CMAKE_BUILD_TYPE STREQUAL "Release" OR TARNVOD_SANITIZE OR NOT CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-    return()
+if(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT TARNVOD_SANITIZE AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  # The objects hold machine code as well, for tools that read them without the compiler's help.
+  set(TARNVOD_OPTIMISED_TOGETHER -fno-semantic-interposition -flto=auto -ffat-lto-objects)
+endif()
+
+# tarnvod_footprint(LIBRARY): optimises the library's sources together. What it calls of itself it calls directly, not
+# through the table by which a program could put its own functions in between.
+function(tarnvod_footprint library)
+  if(TARNVOD_OPTIMISED_TOGETHER)
+    target_compile_options(${library} PRIVATE -O2 ${TARNVOD_OPTIMISED_TOGETHER})
+    target_link_options(${library} PRIVATE -flto=auto -flto-partition=none -fno-ipa-sra -fuse-linker-plugin
+      LINKER:--gc-sections LINKER:-Bsymbolic-functions)
   endif()
-  foreach(target IN LISTS ARGN)
-    # The objects hold machine code as well, for tools that read them without the compiler's help.
-    target_compile_options(${target} PRIVATE -O2 -fno-semantic-interposition -flto=auto -ffat-lto-objects)
-    get_target_property(type ${target} TYPE)
-    if(type STREQUAL "SHARED_LIBRARY")
-      target_link_options(${target} PRIVATE -flto=auto -flto-partition=none -fno-ipa-sra -fuse-linker-plugin LINKER:--gc-sections LINKER:-Bsymbolic-functions)
-    endif()
-  endforeach()
+endfunction()
+
+# tarnvod_messages_footprint(OBJECTS): optimises the generated classes for size, but for speed what runs with each frame.
+function(tarnvod_messages_footprint objects)
+  if(TARNVOD_OPTIMISED_TOGETHER)
+    target_compile_options(${objects} PRIVATE -Os ${TARNVOD_OPTIMISED_TOGETHER}
+      "-DTARNVOD_EACH_FRAME=__attribute__((optimize(\"O2\")))")
+  else()
+    target_compile_definitions(${objects} PRIVATE TARNVOD_EACH_FRAME=)
+  endif()
 endfunction()
 
 # tarnvod_rarely_run(SOURCE...): optimises these sources for size. They run when a camera is set up, not with each frame.

@@ -25,18 +25,14 @@ add_custom_command(
   VERBATIM)
 add_custom_target(tarnvod_generate_messages DEPENDS "${TARNVOD_MESSAGES_HEADER}" "${TARNVOD_MESSAGES_SOURCE}")
 
-# tarnvod_add_messages(NAME VISIBILITY): an object library of the generated classes, with default or hidden visibility. Inline
-# functions are always hidden: whoever uses them compiles a copy.
+# tarnvod_add_messages(NAME VISIBILITY): an object library of the generated classes, with default or hidden visibility.
+# Inline functions are always hidden: whoever uses them compiles a copy.
 function(tarnvod_add_messages name visibility)
   add_library(${name} OBJECT "${TARNVOD_MESSAGES_SOURCE}" "${TARNVOD_MESSAGES_HEADER}")
   add_dependencies(${name} tarnvod_generate_messages)
-  set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET ${visibility}
-    VISIBILITY_INLINES_HIDDEN ON)
-  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_BUILD_TYPE STREQUAL "Release")
-    target_compile_options(${name} PRIVATE -Os -flto=auto -ffat-lto-objects -fno-semantic-interposition "-DTARNVOD_EACH_FRAME=__attribute__((optimize(\"O2\")))")
-  else()
-    target_compile_definitions(${name} PRIVATE TARNVOD_EACH_FRAME=)
-  endif()
+  set_target_properties(${name} PROPERTIES
+    POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET ${visibility} VISIBILITY_INLINES_HIDDEN ON)
+  tarnvod_messages_footprint(${name})
   target_include_directories(${name} SYSTEM PUBLIC "$<BUILD_INTERFACE:${TARNVOD_GENERATED_INCLUDE_DIR}>")
   target_link_libraries(${name} PUBLIC protobuf::libprotobuf-lite)
 endfunction()
