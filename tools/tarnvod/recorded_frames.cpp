@@ -59,11 +59,13 @@ void RecordedFrames::scan() {
   overview_["eventList"] = std::move(events);
 }
 
-Json RecordedFrames::frames(std::size_t first, std::size_t count) const {
+Json RecordedFrames::frames(std::uint64_t first, std::uint64_t count) const {
   Json frames = Json::array();
-  const std::size_t end = std::min(offsets_.size(), first + std::min(count, mostAtOnce));
-  for (std::size_t index = first; index < end; ++index) {
-    frames.push_back(toJson(recordOf(sceneAt(offsets_[index]), names_), camera));
+  const std::uint64_t begin = std::min<std::uint64_t>(offsets_.size(), first);
+  const std::uint64_t end =
+      std::min<std::uint64_t>(offsets_.size(), begin + std::min<std::uint64_t>(count, mostAtOnce));
+  for (std::uint64_t index = begin; index < end; ++index) {
+    frames.push_back(toJson(recordOf(sceneAt(offsets_[static_cast<std::size_t>(index)]), names_), camera));
   }
   return frames;
 }

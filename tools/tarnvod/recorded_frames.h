@@ -34,7 +34,7 @@ class RecordedFrames {
   const Json& overview() const { return overview_; }
 
   /** So many frames as `watch --json` shows them, from one on that is counted from 0; fewer where they end. */
-  Json frames(std::size_t first, std::size_t count) const;
+  Json frames(std::uint64_t first, std::uint64_t count) const;
 
  private:
   void scan();

@@ -17,6 +17,7 @@
 
 #include <charconv>
 #include <chrono>
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -56,9 +57,9 @@ std::string setupText(const ViewOptions& options, const std::set<int>& cameras) 
                   {"version", TARNVOD_VERSION}});
 }
 
-std::size_t numberIn(const ViewServer::Parameters& parameters, const std::string& name) {
+std::uint64_t numberIn(const ViewServer::Parameters& parameters, const std::string& name) {
   const auto found = parameters.find(name);
-  std::size_t number = 0;
+  std::uint64_t number = 0;
   if (found != parameters.end()) {
     const char* const end = found->second.data() + found->second.size();
     const auto [last, error] = std::from_chars(found->second.data(), end, number);
