@@ -1,7 +1,7 @@
 # SPDX-FileCopyrightText: 2026 The tarnvod authors
 # SPDX-License-Identifier: MIT
 #
-# To be sourced: require_packages, command_packages and build_packages.
+# To be sourced: require_packages, debian_mirror, command_packages and build_packages.
 
 # What the library, the host platform and the command are built with; and what everything is, tests and fuzzers included.
 readonly command_packages=(cmake ninja-build g++ pkgconf protobuf-compiler libprotobuf-dev libcli11-dev libcpp-httplib-dev
@@ -35,4 +35,15 @@ require_packages() {
   "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get update --quiet --quiet
   "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
     apt-get install --quiet --quiet --yes --no-install-recommends "${missing[@]}"
+}
+
+# The mirror from which this machine has its own packages.
+debian_mirror() {
+  local mirror
+  mirror=$(apt-get indextargets --format '$(REPO_URI)' 'Identifier: Packages' 'Origin: Debian' 'Label: Debian' | head -n 1)
+  if [[ -z $mirror ]]; then
+    echo "apt has no lists of a Debian mirror; run apt-get update" >&2
+    return 1
+  fi
+  echo "$mirror"
 }

@@ -27,12 +27,8 @@ fi
 folder=$project/build/packaging
 base=$folder/$architecture.tar
 root=$folder/$architecture
-mirror=$(apt-get indextargets --format '$(REPO_URI)' 'Identifier: Packages' 'Origin: Debian' 'Label: Debian' | head -n 1)
+mirror=$(debian_mirror)
 release=$(. /etc/os-release && echo "$VERSION_CODENAME")
-if [[ -z $mirror ]]; then
-  echo "$0: apt has no lists of a Debian mirror; run apt-get update" >&2
-  exit 1
-fi
 mkdir -p "$folder"
 if [[ ! -f $base ]]; then
   "${run[@]}" mmdebstrap --mode=root --variant=apt --format=tar --architectures="$architecture" "$release" "$base.part" "$mirror"
