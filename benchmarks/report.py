@@ -15,6 +15,7 @@ import shlex
 import statistics
 import subprocess
 import sys
+import tempfile
 
 SAMPLES = ["3", "12", "100", "12-outlines", "12-long-names", "street"]
 BEGIN, END = "<!-- figures: scripts/benchmark -->", "<!-- end of figures -->"
@@ -38,7 +39,9 @@ def first_number(pattern, text):
 def instructions(command):
     if COUNTER:
         return int(output_of(COUNTER + command).split()[-1])
-    text = output_of(["valgrind", "--tool=callgrind", "--callgrind-out-file=/dev/null"] + command)
+    with tempfile.TemporaryDirectory() as folder:
+        profile = os.path.join(folder, "callgrind.out")
+        text = output_of(["valgrind", "--tool=callgrind", f"--callgrind-out-file={profile}"] + command)
     return first_number(r"Collected : (\d+)", text)
 
 

@@ -6,13 +6,13 @@
 #include "detection-data/scene_conversion.h"
 #include "sample_scenes.h"
 
+#include <recording/recording.h>
 #include <recording/recording_reader.h>
 #include <tarnvod/handler.h>
 #include <vod_host.h>
 
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <map>
 #include <memory>
 #include <optional>
@@ -85,9 +85,8 @@ std::optional<::VOD::Scene> sceneOf(const vod::recording::NextScene& next) {
 Sample street() {
   const std::filesystem::path folder = TARNVOD_STREET;
   Sample sample{"street", {}, {}};
-  std::ifstream file(folder / vod::recording::detectorInformationFileName, std::ios::binary);
-  if (!sample.detector.ParseFromIstream(&file)) {
-    throw std::runtime_error("the street's detector information cannot be read");
+  if (!sample.detector.ParseFromString(vod::recording::readDetectorInformation(folder))) {
+    throw std::runtime_error("the street's detector information does not parse");
   }
   vod::recording::RecordingReader reader(folder);
   for (int number = 0; auto scene = sceneOf(reader.next()); ++number) {

@@ -177,3 +177,14 @@ export async function assertFits(page) {
     ({ needed: document.documentElement.scrollWidth, there: document.documentElement.clientWidth }));
   assert.ok(needed <= there, `the page is ${needed} wide where there is room for ${there}`);
 }
+
+/** Takes a picture of each width and colour scheme; leaves the page wide and light, as it was opened. */
+export async function assertFitsWindows(page, name) {
+  for (const [width, colorScheme] of [[400, 'dark'], [400, 'light'], [1280, 'dark'], [1280, 'light']]) {
+    await page.setViewportSize({ width, height: 860 });
+    await page.emulateMedia({ colorScheme });
+    await page.waitForTimeout(300);
+    await assertFits(page);
+    await takePicture(page, `${name}-${width}-${colorScheme}`);
+  }
+}

@@ -37,12 +37,6 @@ Json classificationJson(const VOD::Classification& classification) {
   return {{"className", orNull(classification.className)}, {"score", orNull(classification.score)}};
 }
 
-Json eventJson(const VOD::VodEvent& event) {
-  return {{"action", nameOf(event.action)},
-          {"objectId", event.objectId},
-          {"objectIds", arrayOf(event.objectIds, [](int id) { return Json(id); })}};
-}
-
 Json detectionJson(const VOD::Data& detection) {
   return {{"coord1", detection.coord1},
           {"coord2", detection.coord2},
@@ -104,11 +98,17 @@ Json mountingJson(const std::optional<VOD::FishEyeMountingPosition>& position) {
 
 }  // namespace
 
+Json toJson(const VOD::VodEvent& event) {
+  return {{"action", nameOf(event.action)},
+          {"objectId", event.objectId},
+          {"objectIds", arrayOf(event.objectIds, [](int id) { return Json(id); })}};
+}
+
 Json toJson(const VOD::DetectionData& frame, int camera) {
   return {{"camera", camera},
           {"timestamp", frame.timestamp},
           {"detections", arrayOf(frame.detections, detectionJson)},
-          {"events", arrayOf(frame.events, eventJson)}};
+          {"events", arrayOf(frame.events, [](const VOD::VodEvent& event) { return toJson(event); })}};
 }
 
 Json toJson(const VOD::DetectorInformation& information) {

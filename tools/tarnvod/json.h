@@ -24,6 +24,9 @@ using Json =
  */
 Json toJson(const VOD::DetectionData& frame, int camera);
 
+/** An event as it stands in a frame. */
+Json toJson(const VOD::VodEvent& event);
+
 Json toJson(const VOD::DetectorInformation& information);
 
 /** The JSON text on one line, with its line end; bytes in names that are no UTF-8 become U+FFFD. */

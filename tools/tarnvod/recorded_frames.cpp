@@ -44,10 +44,9 @@ void RecordedFrames::scan() {
   Json events = Json::array();
   const auto visit = [&](const ScannedScene& scanned) {
     clock.advanceTo(scanned.scene.timestamp());
-    const Json frame = toJson(recordOf(scanned.scene, names_), camera);
-    for (Json event : frame["events"]) {
-      event["frame"] = offsets_.size();
-      events.push_back(std::move(event));
+    for (const VOD::VodEvent& event : eventsOf(scanned.scene)) {
+      events.push_back(toJson(event));
+      events.back()["frame"] = offsets_.size();
     }
     seconds.push_back(static_cast<float>(clock.seconds()));
     offsets_.push_back(scanned.offset);

@@ -50,17 +50,6 @@ VOD::Data detectionOf(const ::VOD::Detection& detection, const SceneNames& names
           std::move(classifications)};
 }
 
-std::vector<VOD::VodEvent> eventsOf(const ::VOD::Scene& scene) {
-  std::vector<VOD::VodEvent> events;
-  for (const auto& event : scene.events()) {
-    if (event.action() == ::VOD::EVENT_DELETE || event.action() == ::VOD::EVENT_CONNECT) {
-      events.emplace_back(static_cast<VOD::EventAction>(event.action()), event.object_id(),
-                          std::vector<int>(event.object_ids().begin(), event.object_ids().end()));
-    }
-  }
-  return events;
-}
-
 }  // namespace
 
 VOD::DetectionStatus statusOf(const ::VOD::Detection& detection) {
@@ -72,6 +61,17 @@ VOD::DetectionStatus statusOf(const ::VOD::Detection& detection) {
     default:
       return VOD::DetectionStatus::Untracked;
   }
+}
+
+std::vector<VOD::VodEvent> eventsOf(const ::VOD::Scene& scene) {
+  std::vector<VOD::VodEvent> events;
+  for (const auto& event : scene.events()) {
+    if (event.action() == ::VOD::EVENT_DELETE || event.action() == ::VOD::EVENT_CONNECT) {
+      events.emplace_back(static_cast<VOD::EventAction>(event.action()), event.object_id(),
+                          std::vector<int>(event.object_ids().begin(), event.object_ids().end()));
+    }
+  }
+  return events;
 }
 
 VOD::DetectionData recordOf(const ::VOD::Scene& scene, const SceneNames& names) {

@@ -9,9 +9,14 @@
 #include <tarnvod/detection_data.h>
 #include <tarnvod/video_object_detection.pb.h>
 
+#include <vector>
+
 namespace tarn::command {
 
 VOD::DetectionStatus statusOf(const ::VOD::Detection& detection);
+
+/** The events that applications get: those of known actions. */
+std::vector<VOD::VodEvent> eventsOf(const ::VOD::Scene& scene);
 
 /**
  * A raw scene as the record in which the library would deliver it, except that nothing is left out: what the detector
