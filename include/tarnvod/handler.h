@@ -56,7 +56,7 @@ using DetectionCallback = std::function<void(std::unique_ptr<DetectionData>, int
  * from a callback.
  *
  * | function | blocks on the service | throws |
- * | --------------------------------- | --------------------------------- | ------ |
+ * | --- | --- | --- |
  * | `initialize` | no | `std::system_error` |
  * | `deinitialize` | while a retry runs | `std::system_error` |
  * | `setup` | yes | `std::system_error`, `std::bad_alloc`, what copying the callback throws |
@@ -71,6 +71,9 @@ using DetectionCallback = std::function<void(std::unique_ptr<DetectionData>, int
  *
  * `std::system_error` means that a lock or a thread was not to be had. A function that takes the library's lock also
  * waits while another thread holds it; `setup` and the retries hold it for as long as they block on the service.
+ *
+ * When memory runs out while a message is parsed, Protocol Buffers 3.21 throw `std::bad_alloc`; version 36 may end the
+ * process instead.
  */
 class TARNVOD_EXPORT Handler {
  public:

@@ -239,7 +239,7 @@ TEST_F(ASubscribedCamera, ComparesClassIdsAsSignedNumbers) {
 
 TEST_F(ASubscribedCamera, TellsAnAttributeWithoutAValueFromOneOfValueZero) {
   ::VOD::DetectorInformation information;
-  information.ParseFromString(detectorBytes());
+  ASSERT_TRUE(information.ParseFromString(detectorBytes()));
   information.mutable_attribute_types(0)->mutable_attribute_classes(0)->set_id(0);
   vod::host::channel(1).detectorInformation(information.SerializeAsString());
   setUp(2);
