@@ -8,11 +8,13 @@ if(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT TARNVOD_SANITIZE AND CMAKE_CXX_CO
   set(TARNVOD_OPTIMISED_TOGETHER -fno-semantic-interposition -flto=auto -ffat-lto-objects)
 endif()
 
-# tarnvod_footprint(LIBRARY): optimises the library's sources together. What it calls of itself it calls directly, not
-# through the table by which a program could put its own functions in between.
+# tarnvod_footprint(LIBRARY SOURCE...): optimises the library's sources together, for size, but for speed these that run with
+# each frame. What it calls of itself it calls directly, not through the table by which a program could put its own functions
+# in between.
 function(tarnvod_footprint library)
   if(TARNVOD_OPTIMISED_TOGETHER)
-    target_compile_options(${library} PRIVATE -O2 ${TARNVOD_OPTIMISED_TOGETHER})
+    target_compile_options(${library} PRIVATE -Os ${TARNVOD_OPTIMISED_TOGETHER})
+    set_source_files_properties(${ARGN} PROPERTIES COMPILE_OPTIONS -O2)
     target_link_options(${library} PRIVATE -flto=auto -flto-partition=none -fno-ipa-sra -fuse-linker-plugin
       LINKER:--gc-sections LINKER:-Bsymbolic-functions)
   endif()
@@ -26,9 +28,4 @@ function(tarnvod_messages_footprint objects)
   else()
     target_compile_definitions(${objects} PRIVATE TARNVOD_EACH_FRAME=)
   endif()
-endfunction()
-
-# tarnvod_rarely_run(SOURCE...): optimises these sources for size. They run when a camera is set up, not with each frame.
-function(tarnvod_rarely_run)
-  set_source_files_properties(${ARGN} PROPERTIES COMPILE_OPTIONS "$<$<CONFIG:Release>:-Os>")
 endfunction()
