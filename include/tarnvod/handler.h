@@ -77,7 +77,8 @@ using DetectionCallback = std::function<void(std::unique_ptr<DetectionData>, int
  */
 class TARNVOD_EXPORT Handler {
  public:
-  Handler() = delete;
+  explicit Handler() = delete;  // explicit, or braces would still make one
+  Handler(const Handler&) = delete;
 
   /**
    * Starts the thread that subscribes channels again whose set-up failed or whose subscription the service dropped.

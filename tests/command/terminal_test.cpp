@@ -30,11 +30,11 @@ class WatchOnATerminal : public test::TwoCameras {
 TEST_F(WatchOnATerminal, DrawsATableInPlace) {
   test::Process watch(test::command(), {"watch", "--camera", "1", "2"}, onTerminal("NO_COLOR="),
                       test::Process::Output::Terminal);
+  watch.waitForOutput("camera 2");
   watch.waitForOutput("coat red");
 
   EXPECT_THAT(watch.output(), StartsWith("\x1b[?1049h\x1b[?25l"));
   EXPECT_THAT(watch.output(), HasSubstr("camera 1"));
-  EXPECT_THAT(watch.output(), HasSubstr("camera 2"));
   EXPECT_THAT(watch.output(), HasSubstr("\x1b[32mconfident"));
   EXPECT_THAT(watch.output(), HasSubstr(" frames/s"));
 }

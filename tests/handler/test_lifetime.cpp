@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <future>
 #include <mutex>
+#include <type_traits>
 
 extern "C" void __cxa_finalize(void* library);  // of the C++ runtime
 
@@ -16,6 +17,10 @@ namespace {
 
 using testing::ElementsAre;
 using vod::host::Gate;
+
+// Braces would make an object of an aggregate, deleted constructors or not.
+static_assert(!std::is_aggregate_v<Handler>);
+static_assert(!std::is_default_constructible_v<Handler> && !std::is_copy_constructible_v<Handler>);
 
 /** Something that a callable captures; `released` becomes true with the last copy. */
 std::shared_ptr<void> onRelease(std::function<void()> action) {
