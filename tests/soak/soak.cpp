@@ -9,6 +9,7 @@
 #include "soak/resources.h"
 
 #include <CLI/CLI.hpp>
+#include <poll.h>
 #include <tarnvod/handler.h>
 #include <vod_host.h>
 
@@ -114,6 +115,9 @@ Resources settled(const std::deque<Feed>& feeds) {
   for (const Feed& feed : feeds) {
     feed.waitUntilSubscribed();
   }
+  // A joined thread stays listed until the kernel is done with it. The sleeps of the C++ library are cut short here.
+  constexpr int milliseconds = 200;
+  poll(nullptr, 0, milliseconds);
   return Resources::now();
 }
 
