@@ -45,9 +45,7 @@ TEST_F(AnOutage, LeavesTheClassesThatWereAskedForAsTheyWere) {
 }
 
 TEST_F(AnOutage, IsShownInTheTable) {
-  test::Environment environment = playing();
-  environment.push_back("TERM=xterm");
-  test::Process watch(test::commandWithServiceSwitch(), {"watch", "--camera", "1", "2"}, environment,
+  test::Process watch(test::commandWithServiceSwitch(), {"watch", "--camera", "1", "2"}, playing(),
                       test::Process::Output::Terminal);
   watch.waitForOutput("confident");
 

@@ -57,18 +57,29 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts) {
   return pointers;
 }
 
+/** Whether it holds the variable, whose name ends with the equals sign. */
+bool holds(const Environment& environment, const std::string& name) {
+  return std::any_of(environment.begin(), environment.end(),
+                     [&](const std::string& entry) { return entry.compare(0, name.size(), name) == 0; });
+}
+
 std::vector<std::string> withInherited(const Environment& environment) {
   std::vector<std::string> all = environment;
   for (char** inherited = environ; *inherited != nullptr; ++inherited) {
     const std::string entry = *inherited;
-    const std::string name = entry.substr(0, entry.find('=') + 1);
-    const bool isReplaced = std::any_of(environment.begin(), environment.end(),
-                                        [&](const std::string& own) { return own.compare(0, name.size(), name) == 0; });
-    if (!isReplaced) {
+    if (!holds(environment, entry.substr(0, entry.find('=') + 1))) {
       all.push_back(entry);
     }
   }
   return all;
+}
+
+/** A terminal has a kind, whatever the tests themselves run on. */
+Environment onTerminal(Environment environment) {
+  if (!holds(environment, "TERM=")) {
+    environment.emplace_back("TERM=xterm");
+  }
+  return environment;
 }
 
 [[noreturn]] void become(const std::string& program, std::vector<char*>& arguments, std::vector<char*>& environment,
@@ -98,7 +109,8 @@ Process::Process(const std::string& program, const std::vector<std::string>& arg
                  Output output) {
   std::vector<std::string> words{program};
   words.insert(words.end(), arguments.begin(), arguments.end());
-  std::vector<std::string> variables = withInherited(environment);
+  std::vector<std::string> variables =
+      withInherited(output == Output::Terminal ? onTerminal(environment) : environment);
   auto wordPointers = pointersTo(words);
   auto variablePointers = pointersTo(variables);
   const Ends inputs = makePipe();

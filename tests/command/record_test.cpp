@@ -56,14 +56,12 @@ TEST_P(RecordToldToEnd, LeavesAReadableRecording) {
 INSTANTIATE_TEST_SUITE_P(BySignal, RecordToldToEnd, testing::Values(SIGINT, SIGTERM, SIGKILL));
 
 TEST_F(Record, ShowsItsProgressOnATerminal) {
-  test::Environment environment = playing("10");
-  environment.push_back("TERM=xterm");
   // A shell gives the terminal to both outputs.
   const std::string script = "exec \"$0\" \"$@\" 2>&1";
   std::vector<std::string> words{"-c", script, test::command()};
   const auto arguments = recording20Frames();
   words.insert(words.end(), arguments.begin(), arguments.end());
-  test::Process record("/bin/sh", words, environment, test::Process::Output::Terminal);
+  test::Process record("/bin/sh", words, playing("10"), test::Process::Output::Terminal);
 
   record.waitForOutput("%  ");
 

@@ -21,7 +21,6 @@ class WatchOnATerminal : public test::TwoCameras {
  protected:
   test::Environment onTerminal(const std::string& more) const {
     test::Environment environment = playing();
-    environment.push_back("TERM=xterm");
     environment.push_back(more);
     return environment;
   }
