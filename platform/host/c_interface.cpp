@@ -10,7 +10,7 @@
 #pragma GCC visibility pop
 
 #include "diagnostics.h"
-#include "service.h"
+#include "service/service.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "callback_exceptions.h"
-#include "service.h"
+#include "service/callback_exceptions.h"
+#include "service/service.h"
 
 #include <vod_host.h>
 

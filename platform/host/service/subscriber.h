@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#ifndef VOD_HOST_SUBSCRIBER_H
-#define VOD_HOST_SUBSCRIBER_H
+#ifndef VOD_HOST_SERVICE_SUBSCRIBER_H
+#define VOD_HOST_SERVICE_SUBSCRIBER_H
 
-#include "scene_filter.h"
+#include "messages/scene_filter.h"
 
 #include <vod_host.h>
 

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#ifndef VOD_HOST_INSTALLED_RECORDINGS_H
-#define VOD_HOST_INSTALLED_RECORDINGS_H
+#ifndef VOD_HOST_REPLAY_INSTALLED_RECORDINGS_H
+#define VOD_HOST_REPLAY_INSTALLED_RECORDINGS_H
 
 #include <string>
 #include <vector>

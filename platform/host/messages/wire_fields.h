@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#ifndef VOD_HOST_FIELD_WALK_H
-#define VOD_HOST_FIELD_WALK_H
+#ifndef VOD_HOST_MESSAGES_WIRE_FIELDS_H
+#define VOD_HOST_MESSAGES_WIRE_FIELDS_H
 
 #include <google/protobuf/io/coded_stream.h>
 #include <google/protobuf/wire_format_lite.h>
@@ -25,7 +25,7 @@ struct Field {
  * @return where the walk ended: the size, or the offset of the first field that is none or that was refused
  */
 template <typename Visit>
-std::size_t walkFields(std::string_view message, Visit visit) {
+std::size_t forEachField(std::string_view message, Visit visit) {
   google::protobuf::io::CodedInputStream input(reinterpret_cast<const std::uint8_t*>(message.data()),
                                                static_cast<int>(message.size()));
   while (true) {

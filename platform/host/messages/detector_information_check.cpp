@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "detector_information_check.h"
+#include "messages/detector_information_check.h"
 
-#include "field_walk.h"
+#include "messages/wire_fields.h"
 #include "recording/recording.h"
 
 #include <tarnvod/video_object_detection.pb.h>
@@ -12,7 +12,7 @@ namespace vod::host {
 
 std::string readSoundDetectorInformation(const std::string& folder) {
   std::string bytes = recording::readDetectorInformation(folder);
-  const std::size_t sound = walkFields(bytes, [](const Field& field) {
+  const std::size_t sound = forEachField(bytes, [](const Field& field) {
     VOD::DetectorInformation message;
     return message.ParseFromArray(field.bytes.data(), static_cast<int>(field.bytes.size()));
   });

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "subscriber.h"
+#include "service/subscriber.h"
 
-#include "callback_exceptions.h"
+#include "service/callback_exceptions.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "delivery_thread.h"
+#include "service/delivery_thread.h"
 
 #include <utility>
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "installed_recordings.h"
+#include "replay/installed_recordings.h"
 
 #include <dlfcn.h>
 

@@ -3,10 +3,10 @@
 
 // What the C interface asks of the service.
 
-#include "detector_information_check.h"
 #include "diagnostics.h"
-#include "environment.h"
-#include "service.h"
+#include "messages/detector_information_check.h"
+#include "replay/environment.h"
+#include "service/service.h"
 
 #include <algorithm>
 #include <filesystem>

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "call_journal.h"
+#include "calls/call_journal.h"
 
 #include <chrono>
 #include <stdexcept>

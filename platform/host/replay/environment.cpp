@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "environment.h"
+#include "replay/environment.h"
 
-#include "installed_recordings.h"
+#include "replay/installed_recordings.h"
 
 #include <charconv>
 #include <cmath>

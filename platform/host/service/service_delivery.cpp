@@ -4,7 +4,7 @@
 // How scenes and teardowns reach the callbacks.
 
 #include "diagnostics.h"
-#include "service.h"
+#include "service/service.h"
 
 #include <stdexcept>
 #include <utility>

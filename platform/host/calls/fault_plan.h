@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#ifndef VOD_HOST_FAULT_PLAN_H
-#define VOD_HOST_FAULT_PLAN_H
+#ifndef VOD_HOST_CALLS_FAULT_PLAN_H
+#define VOD_HOST_CALLS_FAULT_PLAN_H
 
 #include <vod_host.h>
 

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#ifndef VOD_HOST_CALLBACK_EXCEPTIONS_H
-#define VOD_HOST_CALLBACK_EXCEPTIONS_H
+#ifndef VOD_HOST_SERVICE_CALLBACK_EXCEPTIONS_H
+#define VOD_HOST_SERVICE_CALLBACK_EXCEPTIONS_H
 
 #include <atomic>
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "playback.h"
+#include "replay/playback.h"
 
 #include "diagnostics.h"
 

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#ifndef VOD_HOST_SCENE_FILTER_H
-#define VOD_HOST_SCENE_FILTER_H
+#ifndef VOD_HOST_MESSAGES_SCENE_FILTER_H
+#define VOD_HOST_MESSAGES_SCENE_FILTER_H
 
 #include <cstddef>
 #include <cstdint>

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#ifndef VOD_HOST_DELIVERY_THREAD_H
-#define VOD_HOST_DELIVERY_THREAD_H
+#ifndef VOD_HOST_SERVICE_DELIVERY_THREAD_H
+#define VOD_HOST_SERVICE_DELIVERY_THREAD_H
 
 #include <chrono>
 #include <condition_variable>

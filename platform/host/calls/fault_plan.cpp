@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "fault_plan.h"
+#include "calls/fault_plan.h"
 
 #include <algorithm>
 #include <condition_variable>

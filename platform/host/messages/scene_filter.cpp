@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "scene_filter.h"
+#include "messages/scene_filter.h"
 
-#include "field_walk.h"
+#include "messages/wire_fields.h"
 
 #include <tarnvod/video_object_detection.pb.h>
 
@@ -36,7 +36,7 @@ std::optional<FilteredScene> filterScene(const Frame& frame, const Region* regio
   const std::string_view scene(reinterpret_cast<const char*>(frame.buffer), static_cast<std::size_t>(frame.length));
   FilteredScene result;
   std::string remaining;
-  const std::size_t end = walkFields(scene, [&](const Field& field) {
+  const std::size_t end = forEachField(scene, [&](const Field& field) {
     if (region == nullptr) {
       result.hasDetections |= field.tag == detectionTag;
       return true;

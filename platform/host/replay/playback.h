@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#ifndef VOD_HOST_PLAYBACK_H
-#define VOD_HOST_PLAYBACK_H
+#ifndef VOD_HOST_REPLAY_PLAYBACK_H
+#define VOD_HOST_REPLAY_PLAYBACK_H
 
 #include "recording/recording_reader.h"
 

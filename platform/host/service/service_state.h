@@ -1,13 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#ifndef VOD_HOST_SERVICE_STATE_H
-#define VOD_HOST_SERVICE_STATE_H
+#ifndef VOD_HOST_SERVICE_SERVICE_STATE_H
+#define VOD_HOST_SERVICE_SERVICE_STATE_H
 
-#include "delivery_thread.h"
-#include "replayer.h"
-#include "scene_filter.h"
-#include "subscriber.h"
+#include "messages/scene_filter.h"
+#include "replay/replayer.h"
+#include "service/delivery_thread.h"
+#include "service/subscriber.h"
 
 #include <vod_host.h>
 

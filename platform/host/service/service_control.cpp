@@ -3,8 +3,8 @@
 
 // What the control interface asks of the service.
 
-#include "callback_exceptions.h"
-#include "service.h"
+#include "service/callback_exceptions.h"
+#include "service/service.h"
 
 #include <stdexcept>
 #include <utility>

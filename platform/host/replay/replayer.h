@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#ifndef VOD_HOST_REPLAYER_H
-#define VOD_HOST_REPLAYER_H
+#ifndef VOD_HOST_REPLAY_REPLAYER_H
+#define VOD_HOST_REPLAY_REPLAYER_H
 
-#include "playback.h"
+#include "replay/playback.h"
 
 #include <chrono>
 #include <condition_variable>

@@ -1,12 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#ifndef VOD_HOST_SERVICE_H
-#define VOD_HOST_SERVICE_H
+#ifndef VOD_HOST_SERVICE_SERVICE_H
+#define VOD_HOST_SERVICE_SERVICE_H
 
-#include "call_journal.h"
-#include "fault_plan.h"
-#include "service_state.h"
+#include "calls/call_journal.h"
+#include "calls/fault_plan.h"
+#include "service/service_state.h"
 
 #include <vod_host.h>
 

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "call_journal.h"
-#include "scene_filter.h"
+#include "calls/call_journal.h"
+#include "messages/scene_filter.h"
 
 #include <array>
 #include <iomanip>

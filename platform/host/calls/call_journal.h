@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#ifndef VOD_HOST_CALL_JOURNAL_H
-#define VOD_HOST_CALL_JOURNAL_H
+#ifndef VOD_HOST_CALLS_CALL_JOURNAL_H
+#define VOD_HOST_CALLS_CALL_JOURNAL_H
 
 #include <vod_host.h>
 

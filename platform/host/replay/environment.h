@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#ifndef VOD_HOST_ENVIRONMENT_H
-#define VOD_HOST_ENVIRONMENT_H
+#ifndef VOD_HOST_REPLAY_ENVIRONMENT_H
+#define VOD_HOST_REPLAY_ENVIRONMENT_H
 
 #include <vod_host.h>
 
