@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "recording/recording_reader.h"
+
 #include "support/temporary_folder.h"
 
 #include <gmock/gmock.h>

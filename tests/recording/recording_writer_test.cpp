@@ -1,8 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "recording/recording_reader.h"
 #include "recording/recording_writer.h"
+
+#include "recording/recording_reader.h"
 #include "support/temporary_folder.h"
 
 #include <gmock/gmock.h>
