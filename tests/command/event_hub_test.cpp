@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "event_hub.h"
+#include "viewer/event_hub.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

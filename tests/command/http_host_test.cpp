@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "http_host.h"
+#include "viewer/http_host.h"
 
 #include <gtest/gtest.h>
 

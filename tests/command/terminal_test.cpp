@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "terminal.h"
+#include "base/terminal.h"
 
 #include "situations.h"
 

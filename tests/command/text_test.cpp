@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "text.h"
+#include "base/text.h"
 
-#include "bounded_queue.h"
-#include "svg.h"
+#include "cameras/bounded_queue.h"
+#include "drawing/svg.h"
 
 #include <gtest/gtest.h>
 

@@ -1,0 +1,34 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#include "base/stop_signal.h"
+
+#include <csignal>
+#include <initializer_list>
+
+namespace tarn::command {
+namespace {
+
+volatile std::sig_atomic_t requested = 0;
+
+}  // namespace
+
+void installStopSignals() {
+  struct sigaction action {};
+  action.sa_handler = [](int) { requested = 1; };
+  // Without SA_RESTART: a write that waits for a reader is interrupted, so that it cannot hold the end up.
+  action.sa_flags = static_cast<int>(SA_RESETHAND);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    struct sigaction inherited {};
+    sigaction(signal, nullptr, &inherited);
+    if (inherited.sa_handler != SIG_IGN) {  // as nohup wants it
+      sigaction(signal, &action, nullptr);
+    }
+  }
+}
+
+bool stopRequested() {
+  return requested != 0;
+}
+
+}  // namespace tarn::command

@@ -1,0 +1,69 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#ifndef TARNVOD_COMMAND_CAMERA_GROUP_H
+#define TARNVOD_COMMAND_CAMERA_GROUP_H
+
+#include "cameras/camera_options.h"
+#include "cameras/watched_camera.h"
+
+#include <tarnvod/handler.h>
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace tarn::command {
+
+/** The library's thread of retries, for as long as this lives. */
+class RetryThread {
+ public:
+  RetryThread() { VOD::Handler::initialize(static_cast<int>(retryPeriod.count())); }
+  ~RetryThread() { VOD::Handler::deinitialize(); }
+  RetryThread(const RetryThread&) = delete;
+  RetryThread& operator=(const RetryThread&) = delete;
+};
+
+/** The cameras that a subcommand watches, and the frames that come from them. They are torn down with it. */
+class CameraGroup {
+ public:
+  /** How long to wait for a frame before the time is looked at. */
+  static constexpr std::chrono::milliseconds tickPeriod{50};
+
+  /** @throw Failure when the service has no such camera */
+  explicit CameraGroup(const CameraOptions& options);
+
+  /** Sets all up, or tries to. @throw Failure when a detector does not know a class that was asked for */
+  void connect();
+
+  /** Waits for a frame, a tick at most. */
+  std::optional<Arrival> next() { return queue_->popWithin(tickPeriod); }
+
+  WatchedCamera& cameraOf(const Arrival& arrival);
+
+  /** Takes note of the time; tries again what failed. */
+  void tick(Clock::time_point now);
+
+  /** Tells what has changed since the last call: one line, which names its camera. */
+  void tellNews(const std::function<void(const std::string&)>& tell);
+
+  const WatchedCameras& cameras() const { return cameras_; }
+
+  /** How many frames were dropped because nobody fetched them in time. */
+  std::uint64_t dropped() const { return queue_->dropped(); }
+
+ private:
+  /** Enough for a short stall of the reader. */
+  static constexpr std::size_t queueCapacity = 256;
+
+  const RetryThread retryThread_;
+  const std::shared_ptr<ArrivalQueue> queue_ = std::make_shared<ArrivalQueue>(queueCapacity);
+  WatchedCameras cameras_;
+};
+
+}  // namespace tarn::command
+
+#endif

@@ -1,0 +1,38 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#include "cameras/camera_options.h"
+
+#include "base/options.h"
+
+#include <CLI/CLI.hpp>
+
+namespace tarn::command {
+
+Request CameraOptions::request() const {
+  Request request;
+  request.classes.insert(classes.begin(), classes.end());
+  if (region) {
+    const auto& [a, b, c, d] = *region;
+    request.region = VOD::VodChannelConfiguration{a, b, c, d};
+  }
+  return request;
+}
+
+std::array<CLI::Option*, 4> addCameraOptions(CLI::App& command, CameraOptions& options) {
+  CLI::Option* camera =
+      command.add_option("--camera", options.cameras, "Cameras, counted from 1; several may be given");
+  takesCameraNumbers(*camera);
+  CLI::Option* all = command.add_flag("--all-classes", options.allClasses,
+                                      "All classes that the detector knows; so it is when no class is named");
+  CLI::Option* classes =
+      command
+          .add_option("--class", options.classes, "Only objects of these classes, named as 'tarnvod info' shows them")
+          ->type_name("NAME ...")
+          ->excludes(all);
+  CLI::Option* region = addFourNumbers(command, "--roi", options.region,
+                                       "Region of interest, four numbers in the service's box convention");
+  return {camera, classes, all, region};
+}
+
+}  // namespace tarn::command

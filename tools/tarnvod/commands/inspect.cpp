@@ -1,0 +1,45 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#include "base/command.h"
+#include "base/errors.h"
+#include "base/output.h"
+#include "recordings/recording_summary.h"
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+#include <memory>
+#include <string>
+
+namespace tarn::command {
+namespace {
+
+struct InspectOptions {
+  std::string folder;
+  bool json = false;
+};
+
+int inspect(const InspectOptions& options) {
+  const RecordingSummary summary = summarizeRecording(options.folder);
+  standardOutput().write(options.json ? indented(toJson(summary)) : summaryText(summary));
+  if (summary.damage.count() > 0) {
+    const std::uint64_t others = summary.damage.count() - 1;
+    throw Failure(vod::recording::toString(summary.damage.first().front()) +
+                  (others > 0 ? " (and " + std::to_string(others) + " more)" : "") +
+                  "; what is listed is what could be read");
+  }
+  return success;
+}
+
+}  // namespace
+
+void addInspect(CLI::App& app, Action& action) {
+  const auto options = std::make_shared<InspectOptions>();
+  CLI::App* command = app.add_subcommand("inspect", "Tell what is in a recording, and what is damaged");
+  command->add_option("recording", options->folder, "The recording's folder")->type_name("DIR")->required();
+  command->add_flag("--json", options->json, "As one JSON object");
+  command->callback([options, &action] { action = [options] { return inspect(*options); }; });
+}
+
+}  // namespace tarn::command

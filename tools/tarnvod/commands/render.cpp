@@ -1,0 +1,139 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#include "base/command.h"
+#include "base/errors.h"
+#include "base/files.h"
+#include "base/options.h"
+#include "base/text.h"
+#include "drawing/drawing.h"
+
+#include <CLI/CLI.hpp>
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tarn::command {
+namespace {
+
+struct RenderOptions {
+  std::vector<std::string> sources;
+  std::string output;
+  std::optional<std::uint64_t> frame;
+  std::optional<std::string> detector;
+  std::optional<std::string> background;
+  std::optional<double> aspect;
+  BoxOptions boxes;
+};
+
+constexpr const char* sceneFile = "a recording's folder or a file with one serialized VOD.Scene";
+constexpr const char* detectorFile = "a detector-information file";
+
+std::string nameOfSource(const std::string& source) {
+  const auto path = std::filesystem::path(source).lexically_normal();
+  return path.has_filename() ? path.filename().string() : path.parent_path().filename().string();
+}
+
+/** The pictures of some sources, all in one style. */
+class Renderer {
+ public:
+  explicit Renderer(const RenderOptions& options) : options_(options) {
+    style_.boxes = options.boxes.convention();
+    style_.aspect = options.aspect.value_or(style_.boxes.aspect().value_or(style_.aspect));
+    style_.background = options.background ? svg::embeddedImage(*options.background) : "";
+  }
+
+  svg::Drawing draw(const std::string& source) {
+    if (!std::filesystem::is_directory(source)) {
+      return drawSceneFile(source);
+    }
+    const SceneNames names = namesFor(source);
+    return options_.frame
+               ? drawFrameOf(source, names)
+               : drawTracks(collectTracks(source, names, style_.boxes, damage_), nameOfSource(source), style_);
+  }
+
+  const DamageList& damage() const { return damage_; }
+
+ private:
+  SceneNames namesFor(const std::string& folder) const {
+    return SceneNames(options_.detector ? readFile(*options_.detector, detectorFile)
+                                        : vod::recording::readDetectorInformation(folder));
+  }
+
+  svg::Drawing drawSceneFile(const std::string& file) const {
+    ::VOD::Scene scene;
+    if (!scene.ParseFromString(readFile(file, sceneFile))) {
+      throw Failure(file + ": this is no serialized VOD.Scene");
+    }
+    const SceneNames names = options_.detector ? SceneNames(readFile(*options_.detector, detectorFile)) : SceneNames();
+    return drawFrame(scene, names, nameOfSource(file), style_);
+  }
+
+  svg::Drawing drawFrameOf(const std::string& folder, const SceneNames& names) {
+    std::optional<svg::Drawing> drawing;
+    std::uint64_t frames = 0;
+    const auto visit = [&](const ScannedScene& scanned) {
+      frames = scanned.number;
+      if (scanned.number == *options_.frame) {
+        const std::string title = nameOfSource(folder) + ", frame " + std::to_string(scanned.number);
+        drawing = drawFrame(scanned.scene, names, title, style_);
+      }
+      return !drawing;
+    };
+    scanRecording(folder, visit, damage_);
+    if (!drawing) {
+      throw Failure(folder + ": there is no frame " + std::to_string(*options_.frame) + " to draw; the last one is " +
+                    std::to_string(frames));
+    }
+    return *drawing;
+  }
+
+  const RenderOptions& options_;
+  DrawingStyle style_;
+  DamageList damage_;
+};
+
+int render(const RenderOptions& options) {
+  Renderer renderer(options);
+  std::vector<svg::Drawing> drawings;
+  std::vector<std::string> names;
+  for (const std::string& source : options.sources) {
+    drawings.push_back(renderer.draw(source));
+    names.push_back(nameOfSource(source));
+  }
+  writeFile(options.output, svg::picture(drawings, joined(names, ", ")));
+  if (renderer.damage().count() > 0) {
+    throw Failure(vod::recording::toString(renderer.damage().first().front()) + "; " + options.output +
+                  " shows what could be read");
+  }
+  return success;
+}
+
+}  // namespace
+
+void addRender(CLI::App& app, Action& action) {
+  const auto options = std::make_shared<RenderOptions>();
+  CLI::App* command =
+      app.add_subcommand("render", "Draw the tracks of recordings, or one frame with its boxes, as SVG");
+  command
+      ->add_option("source", options->sources,
+                   "Recordings' folders, or files with one serialized VOD.Scene; several are drawn one below the other")
+      ->type_name("DIR|FRAME ...")
+      ->required();
+  command->add_option("--output", options->output, "The picture's file")->type_name("picture.svg")->required();
+  command->add_option("--frame", options->frame, "This frame of the recordings, counted from 1, instead of the tracks")
+      ->type_name("N")
+      ->check(CLI::PositiveNumber);
+  command->add_option("--detector", options->detector, "Detector-information file that names the classes")
+      ->type_name("FILE");
+  command->add_option("--background", options->background, "PNG or JPEG image behind the boxes")->type_name("FILE");
+  addAspect(*command, options->aspect);
+  options->boxes.addTo(*command);
+  command->callback([options, &action] { action = [options] { return render(*options); }; });
+}
+
+}  // namespace tarn::command

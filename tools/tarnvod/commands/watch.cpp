@@ -1,0 +1,120 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#include "base/command.h"
+#include "base/errors.h"
+#include "base/options.h"
+#include "base/stop_signal.h"
+#include "base/text.h"
+#include "cameras/camera_group.h"
+#include "commands/watch_display.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <memory>
+#include <string>
+
+namespace tarn::command {
+namespace {
+
+struct WatchOptions {
+  CameraOptions cameras;
+  Limits limits;
+  bool json = false;
+};
+
+/** Receives the cameras' frames and shows them until told to end. */
+class Watch {
+ public:
+  explicit Watch(const WatchOptions& options) : limits_(options.limits), json_(options.json), group_(options.cameras) {}
+
+  void run() {
+    group_.connect();
+    display_ = makeWatchDisplay(json_);
+    while (!isDone()) {
+      if (auto arrival = group_.next()) {
+        show(*arrival);
+      }
+      tick();
+    }
+    elapsed_ = Clock::now() - start_;
+  }
+
+  /** Tells what was seen. @throw Failure when a camera gave nothing at all */
+  void summarize() {
+    for (const WatchedCamera& camera : group_.cameras()) {
+      display_->tellAtEnd(watchSummary(camera, elapsed_));
+    }
+    if (group_.dropped() > 0) {
+      display_->tellAtEnd(counted(group_.dropped(), "frame") + " could not be shown: the output took too long");
+    }
+    display_.reset();
+    for (const WatchedCamera& camera : group_.cameras()) {
+      if (camera.statistics.frames() == 0 && !stopRequested()) {
+        throw Failure("camera " + std::to_string(camera.link.camera()) + ": no frame came" +
+                      (camera.link.problem(Clock::now()).empty() ? "" : "; " + camera.link.problem(Clock::now())));
+      }
+    }
+  }
+
+ private:
+  bool hasEnough(const WatchedCamera& camera) const {
+    return limits_.frames && camera.statistics.frames() >= *limits_.frames;
+  }
+
+  bool isDone() const {
+    return stopRequested() || limits_.reachedBy(Clock::now() - start_) ||
+           std::all_of(group_.cameras().begin(), group_.cameras().end(),
+                       [this](const auto& camera) { return hasEnough(camera); });
+  }
+
+  void show(const Arrival& arrival) {
+    WatchedCamera& camera = group_.cameraOf(arrival);
+    if (hasEnough(camera) || !camera.link.accept(arrival)) {
+      return;
+    }
+    tellNews();
+    camera.statistics.add(*arrival.frame, arrival.at);
+    display_->showFrame(*arrival.frame, arrival.camera);
+  }
+
+  void tick() {
+    const Clock::time_point now = Clock::now();
+    group_.tick(now);
+    tellNews();
+    display_->refresh(group_.cameras(), now);
+  }
+
+  void tellNews() {
+    group_.tellNews([this](const std::string& news) { display_->tell(news); });
+  }
+
+  const Limits limits_;
+  const bool json_;
+  CameraGroup group_;
+  std::unique_ptr<WatchDisplay> display_;
+  const Clock::time_point start_ = Clock::now();
+  Clock::duration elapsed_{0};
+};
+
+int watch(const WatchOptions& options) {
+  Watch session(options);
+  session.run();
+  session.summarize();
+  return success;
+}
+
+}  // namespace
+
+void addWatch(CLI::App& app, Action& action) {
+  const auto options = std::make_shared<WatchOptions>();
+  CLI::App* command = app.add_subcommand("watch", "Show what cameras see, as it comes");
+  const auto [camera, classes, all, region] = addCameraOptions(*command, options->cameras);
+  camera->required();
+  addLimits(*command, options->limits, "End after so many frames of each camera");
+  command->add_flag("--json", options->json, "One JSON object a line for each frame");
+  command->callback([options, &action] { action = [options] { return watch(*options); }; });
+}
+
+}  // namespace tarn::command

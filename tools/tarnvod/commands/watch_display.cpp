@@ -1,0 +1,68 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#include "commands/watch_display.h"
+
+#include "base/output.h"
+#include "base/terminal.h"
+#include "records/frame_text.h"
+#include "records/json.h"
+
+#include <nlohmann/json.hpp>
+
+#include <optional>
+
+namespace tarn::command {
+namespace {
+
+/** Frames on standard output, at once and one a line; all else on standard error. */
+class LineDisplay : public WatchDisplay {
+ public:
+  explicit LineDisplay(bool json) : json_(json) {}
+
+  void showFrame(const VOD::DetectionData& frame, int camera) override {
+    standardOutput().write(json_ ? oneLine(toJson(frame, camera)) : frameLine(frame, camera));
+  }
+  void tell(const std::string& news) override { tellUser("tarnvod: " + news); }
+  void refresh(const WatchedCameras& /*cameras*/, Clock::time_point /*now*/) override {}
+  void tellAtEnd(const std::string& line) override { tellUser("tarnvod: " + line); }
+
+ private:
+  const bool json_;
+};
+
+/** A table that is redrawn in place; each camera's line in it says how the camera is. */
+class TableDisplay : public WatchDisplay {
+ public:
+  TableDisplay() : screen_(std::in_place, standardOutput()) {}
+
+  void showFrame(const VOD::DetectionData& /*frame*/, int /*camera*/) override {}
+  void tell(const std::string& /*news*/) override {}
+  void refresh(const WatchedCameras& cameras, Clock::time_point now) override {
+    if (now - drawnAt_ >= redrawPeriod) {
+      screen_->draw(watchTable(cameras, screen_->size(), now));
+      drawnAt_ = now;
+    }
+  }
+  void tellAtEnd(const std::string& line) override {
+    screen_.reset();
+    standardOutput().write(line + '\n');
+  }
+
+ private:
+  static constexpr std::chrono::milliseconds redrawPeriod{100};
+
+  std::optional<Screen> screen_;
+  Clock::time_point drawnAt_;
+};
+
+}  // namespace
+
+std::unique_ptr<WatchDisplay> makeWatchDisplay(bool json) {
+  if (!json && canRedraw(standardOutput())) {
+    return std::make_unique<TableDisplay>();
+  }
+  return std::make_unique<LineDisplay>(json);
+}
+
+}  // namespace tarn::command

@@ -1,0 +1,70 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#include "recordings/detector.h"
+
+#include "base/errors.h"
+
+#include <tarnvod/detector_information_file_reader.h>
+#include <tarnvod/video_object_detection.pb.h>
+
+#include <fstream>
+
+namespace tarn::command {
+namespace {
+
+/** The library takes what it can get out of any bytes; a person who names the wrong file wants to know. */
+void checkIsDetectorInformation(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  ::VOD::DetectorInformation message;
+  if (!message.ParseFromIstream(&file) || message.object_classes().empty()) {
+    throw Failure(path + ": this is no detector information; name a file like a recording's detector-information.pb");
+  }
+}
+
+template <typename Key>
+std::string nameOrNumber(const std::map<Key, std::string>& names, const Key& key, const char* noun,
+                         std::uint32_t number) {
+  const auto found = names.find(key);
+  return found != names.end() ? found->second : noun + (' ' + std::to_string(number));
+}
+
+}  // namespace
+
+VOD::DetectorInformation readDetectorFile(const std::string& path) {
+  try {
+    VOD::DetectorInformation detector = VOD::DetectorInformationFileReader(path).parseDetectorInformation();
+    checkIsDetectorInformation(path);
+    return detector;
+  } catch (const char* problem) {
+    throw Failure(path + ": " + problem);
+  }
+}
+
+SceneNames::SceneNames(const std::string& bytes) {
+  ::VOD::DetectorInformation message;
+  static_cast<void>(message.ParsePartialFromString(bytes));  // of damaged bytes, the names before the damage
+  for (const auto& objectClass : message.object_classes()) {
+    classes_.emplace(objectClass.id(), objectClass.name());
+  }
+  for (const auto& type : message.attribute_types()) {
+    attributes_[type.id()] = type.name();
+    for (const auto& value : type.attribute_classes()) {
+      values_[{type.id(), value.id()}] = value.name();
+    }
+  }
+}
+
+std::string SceneNames::className(std::uint32_t id) const {
+  return nameOrNumber(classes_, id, "class", id);
+}
+
+std::string SceneNames::attributeName(std::uint32_t type) const {
+  return nameOrNumber(attributes_, type, "attribute", type);
+}
+
+std::string SceneNames::attributeValue(std::uint32_t type, std::uint32_t value) const {
+  return nameOrNumber(values_, {type, value}, "value", value);
+}
+
+}  // namespace tarn::command

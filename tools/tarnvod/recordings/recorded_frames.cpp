@@ -1,0 +1,85 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#include "recordings/recorded_frames.h"
+
+#include "base/errors.h"
+#include "recordings/recording_scan.h"
+#include "recordings/recording_summary.h"
+#include "recordings/scene_record.h"
+
+#include <nlohmann/json.hpp>
+#include <recording/recording_reader.h>
+
+#include <algorithm>
+#include <fstream>
+#include <memory>
+#include <utility>
+#include <variant>
+
+namespace tarn::command {
+namespace {
+
+/** The recordings that are viewed stand for one camera. */
+constexpr int camera = 1;
+
+SceneNames namesOf(const std::filesystem::path& folder) {
+  try {
+    return SceneNames(vod::recording::readDetectorInformation(folder));
+  } catch (const vod::recording::RecordingError&) {
+    return {};  // the overview tells of it as damage; objects then have the numbers of their classes
+  }
+}
+
+}  // namespace
+
+RecordedFrames::RecordedFrames(const std::filesystem::path& folder)
+    : folder_(folder), names_(namesOf(folder)), overview_(toJson(summarizeRecording(folder))) {
+  scan();
+}
+
+void RecordedFrames::scan() {
+  RecordingClock clock;
+  Json seconds = Json::array();
+  Json events = Json::array();
+  const auto visit = [&](const ScannedScene& scanned) {
+    clock.advanceTo(scanned.scene.timestamp());
+    for (const VOD::VodEvent& event : eventsOf(scanned.scene)) {
+      events.push_back(toJson(event));
+      events.back()["frame"] = offsets_.size();
+    }
+    seconds.push_back(static_cast<float>(clock.seconds()));
+    offsets_.push_back(scanned.offset);
+    return true;
+  };
+  DamageList damage;  // the overview tells of it
+  scanRecording(folder_, visit, damage);
+  overview_["frameSeconds"] = std::move(seconds);
+  overview_["eventList"] = std::move(events);
+}
+
+Json RecordedFrames::frames(std::uint64_t first, std::uint64_t count) const {
+  Json frames = Json::array();
+  const std::uint64_t begin = std::min<std::uint64_t>(offsets_.size(), first);
+  const std::uint64_t end =
+      std::min<std::uint64_t>(offsets_.size(), begin + std::min<std::uint64_t>(count, mostAtOnce));
+  for (std::uint64_t index = begin; index < end; ++index) {
+    frames.push_back(toJson(recordOf(sceneAt(offsets_[static_cast<std::size_t>(index)]), names_), camera));
+  }
+  return frames;
+}
+
+::VOD::Scene RecordedFrames::sceneAt(std::int64_t offset) const {
+  const std::string file = (folder_ / vod::recording::scenesFileName).string();
+  auto stream = std::make_unique<std::ifstream>(file, std::ios::binary);
+  stream->seekg(offset);
+  const auto next = vod::recording::RecordingReader(std::move(stream), file).next();
+  const auto* recorded = std::get_if<vod::recording::RecordedScene>(&next);
+  ::VOD::Scene scene;
+  if (recorded == nullptr || !scene.ParseFromString(recorded->bytes)) {
+    throw Failure(file + ": offset " + std::to_string(offset) + ": the scene that was here is gone");
+  }
+  return scene;
+}
+
+}  // namespace tarn::command

@@ -1,0 +1,52 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#ifndef TARNVOD_COMMAND_RECORDED_FRAMES_H
+#define TARNVOD_COMMAND_RECORDED_FRAMES_H
+
+#include "recordings/detector.h"
+#include "records/json.h"
+
+#include <nlohmann/json.hpp>
+#include <tarnvod/video_object_detection.pb.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace tarn::command {
+
+/** A recording's frames in any order. Holds where they are, not what is in them; may be read by several threads. */
+class RecordedFrames {
+ public:
+  /** The most frames that are given at once. */
+  static constexpr std::size_t mostAtOnce = 200;
+
+  /** @throw vod::recording::RecordingError  when there are no scenes to be opened */
+  explicit RecordedFrames(const std::filesystem::path& folder);
+
+  /**
+   * What is in the recording: what `inspect --json` tells, and `frameSeconds`, the time of each frame that can be read,
+   * and `eventList`, each event with the number of its frame among those, counted from 0.
+   */
+  const Json& overview() const { return overview_; }
+
+  /** So many frames as `watch --json` shows them, from one on that is counted from 0; fewer where they end. */
+  Json frames(std::uint64_t first, std::uint64_t count) const;
+
+ private:
+  void scan();
+  /** @throw Failure  when the recording has changed meanwhile */
+  ::VOD::Scene sceneAt(std::int64_t offset) const;
+
+  const std::filesystem::path folder_;
+  SceneNames names_;
+  Json overview_;
+  std::vector<std::int64_t> offsets_;
+};
+
+}  // namespace tarn::command
+
+#endif

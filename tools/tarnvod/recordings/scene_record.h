@@ -1,0 +1,29 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#ifndef TARNVOD_COMMAND_SCENE_RECORD_H
+#define TARNVOD_COMMAND_SCENE_RECORD_H
+
+#include "recordings/detector.h"
+
+#include <tarnvod/detection_data.h>
+#include <tarnvod/video_object_detection.pb.h>
+
+#include <vector>
+
+namespace tarn::command {
+
+VOD::DetectionStatus statusOf(const ::VOD::Detection& detection);
+
+/** The events that applications get: those of known actions. */
+std::vector<VOD::VodEvent> eventsOf(const ::VOD::Scene& scene);
+
+/**
+ * A raw scene as the record in which the library would deliver it, except that nothing is left out: what the detector
+ * does not name is named by its number.
+ */
+VOD::DetectionData recordOf(const ::VOD::Scene& scene, const SceneNames& names);
+
+}  // namespace tarn::command
+
+#endif

@@ -1,0 +1,100 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#include "viewer/live_view.h"
+
+#include "base/output.h"
+#include "base/stop_signal.h"
+
+#include <nlohmann/json.hpp>
+
+#include <utility>
+
+namespace tarn::command {
+namespace {
+
+/** Often enough that nobody takes an old state for the present one; also finds out which browsers are gone. */
+constexpr std::chrono::milliseconds statePeriod{500};
+constexpr std::size_t newsKept = 50;
+
+float secondsBetween(Clock::time_point from, Clock::time_point to) {
+  return std::chrono::duration<float>(to - from).count();
+}
+
+const char* nameOf(CameraLink::State state) {
+  switch (state) {
+    case CameraLink::State::Waiting:
+      return "waiting";
+    case CameraLink::State::Receiving:
+      return "receiving";
+    case CameraLink::State::Silent:
+      break;
+  }
+  return "silent";
+}
+
+Json stateOf(const WatchedCamera& camera, Clock::time_point now) {
+  const CameraStatistics& statistics = camera.statistics;
+  const Json age = statistics.latest() == nullptr ? Json(nullptr) : Json(secondsBetween(statistics.latestAt(), now));
+  return {{"camera", camera.link.camera()},
+          {"state", nameOf(camera.link.state())},
+          {"problem", camera.link.problem(now)},
+          {"interruptions", camera.link.interruptions()},
+          {"frames", statistics.frames()},
+          {"framesPerSecond", static_cast<float>(statistics.rate(now))},
+          {"secondsSinceFrame", age}};
+}
+
+}  // namespace
+
+void LiveView::run() {
+  while (!stopRequested()) {
+    if (const auto arrival = group_.next()) {
+      show(*arrival);
+    }
+    const Clock::time_point now = Clock::now();
+    group_.tick(now);
+    tellNews(now);
+    if (now - publishedAt_ >= statePeriod) {
+      publishState(now);
+    }
+  }
+}
+
+void LiveView::show(const Arrival& arrival) {
+  WatchedCamera& camera = group_.cameraOf(arrival);
+  if (camera.link.accept(arrival)) {
+    camera.statistics.add(*arrival.frame, arrival.at);
+    hub_.publishFrame(makeEvent("frame", toJson(*arrival.frame, arrival.camera)));
+  }
+}
+
+void LiveView::tellNews(Clock::time_point now) {
+  group_.tellNews([&](const std::string& text) {
+    tellUser("tarnvod: " + text);
+    news_.push_back({now, text});
+    if (news_.size() > newsKept) {
+      news_.pop_front();
+    }
+    publishedAt_ = {};
+  });
+}
+
+void LiveView::publishState(Clock::time_point now) {
+  publishedAt_ = now;
+  hub_.publishState(makeEvent("state", state(now)));
+}
+
+Json LiveView::state(Clock::time_point now) const {
+  Json cameras = Json::array();
+  for (const WatchedCamera& camera : group_.cameras()) {
+    cameras.push_back(stateOf(camera, now));
+  }
+  Json news = Json::array();
+  for (const News& each : news_) {
+    news.push_back({{"secondsAgo", secondsBetween(each.at, now)}, {"text", each.text}});
+  }
+  return {{"cameras", std::move(cameras)}, {"news", std::move(news)}, {"framesDropped", group_.dropped()}};
+}
+
+}  // namespace tarn::command

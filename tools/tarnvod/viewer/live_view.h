@@ -1,0 +1,47 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#ifndef TARNVOD_COMMAND_LIVE_VIEW_H
+#define TARNVOD_COMMAND_LIVE_VIEW_H
+
+#include "cameras/camera_group.h"
+#include "viewer/event_hub.h"
+
+#include <deque>
+#include <string>
+
+namespace tarn::command {
+
+/** Gives what cameras see to browsers, as it comes. */
+class LiveView {
+ public:
+  /** @throw Failure when the service has no such camera */
+  LiveView(const CameraOptions& options, EventHub& hub) : group_(options), hub_(hub) {}
+
+  /** Sets the cameras up, or tries to. @throw Failure when a detector does not know a class that was asked for */
+  void connect() { group_.connect(); }
+
+  /** Takes in frames until the command shall end. */
+  void run();
+
+ private:
+  /** A line about a camera that went away or came back. */
+  struct News {
+    Clock::time_point at;
+    std::string text;
+  };
+
+  void show(const Arrival& arrival);
+  void tellNews(Clock::time_point now);
+  void publishState(Clock::time_point now);
+  Json state(Clock::time_point now) const;
+
+  CameraGroup group_;
+  EventHub& hub_;
+  std::deque<News> news_;
+  Clock::time_point publishedAt_;
+};
+
+}  // namespace tarn::command
+
+#endif
