@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "detector-information/class_ids_to_names.h"
-#include "printing.h"
+#include "support/printing.h"
 
 #include <tarnvod/detector_information.h>
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "printing.h"
+#include "support/printing.h"
 
 #include <tarnvod/detector_information.h>
 #include <tarnvod/video_object_detection.pb.h>

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "platform_types.h"
+#include "support/platform_types.h"
 
 #include <syslog.h>
 #include <tarnvod/read_detector_information.h>

@@ -7,7 +7,7 @@
 
 #include "handler/attribute_names.h"
 #include "handler/handler_state.h"
-#include "platform_types.h"
+#include "support/platform_types.h"
 
 #include <tarnvod/handler.h>
 #include <tarnvod/read_detector_information.h>

@@ -3,7 +3,7 @@
 
 // What the service tells of itself. None of these takes the library's lock.
 
-#include "platform_types.h"
+#include "support/platform_types.h"
 
 #include <syslog.h>
 #include <tarnvod/handler.h>

@@ -7,7 +7,7 @@
 #include "handler/attribute_names.h"
 #include "handler/failure_count.h"
 #include "handler/platform_callbacks.h"
-#include "platform_types.h"
+#include "support/platform_types.h"
 
 #include <syslog.h>
 #include <tarnvod/read_detector_information.h>

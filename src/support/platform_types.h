@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#ifndef TARNVOD_PLATFORM_TYPES_H
-#define TARNVOD_PLATFORM_TYPES_H
+#ifndef TARNVOD_SUPPORT_PLATFORM_TYPES_H
+#define TARNVOD_SUPPORT_PLATFORM_TYPES_H
 
 #include <cstddef>
 #include <tuple>

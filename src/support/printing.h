@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#ifndef TARNVOD_PRINTING_H
-#define TARNVOD_PRINTING_H
+#ifndef TARNVOD_SUPPORT_PRINTING_H
+#define TARNVOD_SUPPORT_PRINTING_H
 
 #include <map>
 #include <optional>

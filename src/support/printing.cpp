@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "printing.h"
+#include "support/printing.h"
 
 namespace tarn::VOD::printing {
 namespace {
