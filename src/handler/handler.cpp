@@ -1,10 +1,14 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-// Setting cameras up and tearing them down.
+// Every function of the class, in the order of its header.
 
+#include "handler/attribute_names.h"
+#include "handler/camera_detector.h"
 #include "handler/handler_state.h"
+#include "handler/retry_thread.h"
 #include "handler/subscribe_channel.h"
+#include "support/platform_types.h"
 
 #include <syslog.h>
 #include <tarnvod/handler.h>
@@ -14,17 +18,48 @@
 namespace tarn::VOD {
 namespace {
 
+/** The camera of the queries that take no camera. */
+constexpr int firstCamera = 1;
+
+/** Takes a camera's record out of the registry: the pending one, or else the active one. */
+SubscriptionMap::node_type takeRecord(int camera) {
+  const HandlerLock lock(handlerMutex);
+  if (SubscriptionMap::node_type pending = registry.pending.extract(camera)) {
+    return pending;
+  }
+  return registry.active.extract(camera);
+}
+
 /** Ends a subscription at the platform; whatever fails there, the rest is still done. */
 void endSubscription(ChannelSubscription& subscription) {
   if (video_object_detection_subscriber_unsubscribe(subscription.subscriber) != 0) {
-    syslog(LOG_WARNING, "Failed to disconnect to vod for camera %i\n", subscription.camera);
+    syslog(LOG_WARNING, "Failed to disconnect to vod for camera %i\n", subscription.request.camera);
   }
   if (video_object_detection_subscriber_delete(&subscription.subscriber) != 0) {
-    syslog(LOG_WARNING, "Failed to destroy a vod subscription for camera %i\n", subscription.camera);
+    syslog(LOG_WARNING, "Failed to destroy a vod subscription for camera %i\n", subscription.request.camera);
   }
 }
 
+/** Asks the platform for a number; 0, and the failure in the system log, when it does not answer. */
+template <typename Query>
+std::uint32_t askForCount(Query query, const char* failure) {
+  OutParameterType<std::remove_pointer_t<Query>, 0> count = 0;
+  if (query(&count) != 0) {
+    syslog(LOG_ERR, "%s\n", failure);
+    return 0;
+  }
+  return static_cast<std::uint32_t>(count);
+}
+
 }  // namespace
+
+void Handler::initialize(int period) {
+  startRetryThread(period);
+}
+
+void Handler::deinitialize() {
+  stopRetryThread();
+}
 
 bool Handler::setup(int camera, DetectionCallback callback, const std::set<std::string>& classes) {
   return setup(camera, std::move(callback), classes, std::nullopt);
@@ -33,26 +68,62 @@ bool Handler::setup(int camera, DetectionCallback callback, const std::set<std::
 bool Handler::setup(int camera, DetectionCallback callback, const std::set<std::string>& classes,
                     const std::optional<VodChannelConfiguration>& channelConfiguration) {
   DiscardedSubscriptions discarded;
+  SubscriptionRequest request{camera, std::move(callback), {}, channelConfiguration};
   const HandlerLock lock(handlerMutex);
-  discard(pendingSubscriptions, camera, discarded);
-  return subscribeChannel(lock, discarded, camera, callback, classes, channelConfiguration);
+  discarded.insert(registry.pending.extract(camera));
+  request.classes = classes;
+  return subscribeChannel(lock, request, discarded);
 }
 
 void Handler::teardown(int camera) {
-  SubscriptionMap::node_type pending;
-  SubscriptionMap::node_type active;
-  {
-    const HandlerLock lock(handlerMutex);
-    pending = pendingSubscriptions.extract(camera);
-    if (!pending) {
-      active = activeSubscriptions.extract(camera);
-    }
-  }
+  SubscriptionMap::node_type record = takeRecord(camera);
   // The lock is released before the platform is called, which may wait for a callback that waits for the lock: with the
-  // record taken out, that callback finds its camera gone and returns.
-  if (active) {
-    endSubscription(*active.mapped());
+  // record taken out, that callback finds its subscription gone and returns.
+  if (record && record.mapped().userData) {
+    endSubscription(record.mapped());
   }
+}
+
+bool Handler::isDlpuEnabled() {
+  return video_object_detection_subscriber_service_is_enabled();
+}
+
+std::uint32_t Handler::getNumberOfChannels() {
+  return askForCount(video_object_detection_subscriber_get_nbr_channels,
+                     "Unable to get number of channels from video_object_detection_subscriber");
+}
+
+std::uint32_t Handler::getNumberOfSimultaneousChannels() {
+  return askForCount(video_object_detection_subscriber_get_nbr_channels_simultaneously,
+                     "Unable to get number of simultaneous channels from video_object_detection_subscriber");
+}
+
+std::string Handler::getServiceVersion() {
+  OutParameterType<decltype(video_object_detection_subscriber_get_version), 0> major = 0;
+  OutParameterType<decltype(video_object_detection_subscriber_get_version), 1> minor = 0;
+  if (const int result = video_object_detection_subscriber_get_version(&major, &minor); result != 0) {
+    syslog(LOG_ERR, "Failed to get the version of the vod lib: %d\n", result);
+    return {};
+  }
+  return std::to_string(major).append(1, '.').append(std::to_string(minor));
+}
+
+DetectorInformation Handler::getDetectorInformation(int camera) {
+  return DetectorInformation(readDetectorInformationForCamera(camera));
+}
+
+std::set<std::string> Handler::getSupportedClasses() {
+  const HandlerLock lock(handlerMutex);
+  return getDetectorInformation(firstCamera).getClassifications().getClassNames();
+}
+
+std::map<std::string, std::set<std::string>> Handler::getSupportedAttributes() {
+  const HandlerLock lock(handlerMutex);
+  return supportedAttributes(lock, firstCamera);
+}
+
+DetectorInformation getDetectorInformation() {
+  return Handler::getDetectorInformation(firstCamera);
 }
 
 }  // namespace tarn::VOD

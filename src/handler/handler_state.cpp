@@ -6,7 +6,7 @@
 namespace tarn::VOD {
 namespace {
 
-/** Its destructor runs after the thread's and before the maps'. */
+/** Its destructor runs after the thread's and before the registry's. */
 struct UnloadMark {
   ~UnloadMark() {
     const HandlerLock lock(handlerMutex);
@@ -24,14 +24,9 @@ HandlerMutex handlerMutex;
 bool unloading = false;
 
 // Destroyed from the bottom up. Destroying the records makes no platform call.
-std::map<int, std::int32_t> cameraNumbers;
-std::int32_t setupFailureCount = 0;
-std::map<int, std::shared_ptr<const AttributeTypeNames>> attributeTypeNames;
-std::map<int, std::shared_ptr<const AttributeClassNames>> attributeClassNames;
-SubscriptionMap activeSubscriptions;
-SubscriptionMap pendingSubscriptions;
+SubscriptionRegistry registry;
 static UnloadMark unloadMark;
 LifecycleMutex lifecycleMutex;
-std::thread resubscribeThread;  // ends the process if it still runs: Handler::deinitialize has not been called
+std::thread retryThread;  // ends the process if it still runs: Handler::deinitialize has not been called
 
 }  // namespace tarn::VOD

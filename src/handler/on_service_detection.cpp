@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-// The road of one frame, from the service's bytes to the application's callback.
+// The path of one frame, from the service's bytes to the application's callback.
 
 #include "detection-data/scene_conversion.h"
 #include "handler/handler_state.h"
@@ -32,15 +32,15 @@ Receiver copyReceiver(const void* userData) {
   if (unloading) {
     return {};
   }
-  const int camera = *static_cast<const std::int32_t*>(userData);
-  const auto active = activeSubscriptions.find(camera);
-  if (active == activeSubscriptions.end()) {
+  const auto active = registry.findActive(userData);
+  if (active == registry.active.end()) {
     return {};
   }
-  return {
-      camera,
-      active->second->callback,
-      {active->second->classIdsToNames, findTable(attributeTypeNames, camera), findTable(attributeClassNames, camera)}};
+  const auto& [camera, subscription] = *active;
+  return {camera,
+          subscription.request.callback,
+          {subscription.classNames, findTable(registry.attributeTypeNames, camera),
+           findTable(registry.attributeClassNames, camera)}};
 }
 
 void parse(::VOD::Scene& scene, const std::uint8_t* buffer, std::int32_t length) {

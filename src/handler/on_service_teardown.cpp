@@ -9,6 +9,18 @@
 #include <utility>
 
 namespace tarn::VOD {
+namespace {
+
+/** The service has ended the subscription itself, so there is nothing to unsubscribe. */
+void deleteSubscriber(ChannelSubscription& subscription) {
+  if (video_object_detection_subscriber_delete(&subscription.subscriber) != 0) {
+    syslog(LOG_ERR, "Failed to delete vod subscriber\n");
+  }
+  subscription.subscriber = nullptr;
+  subscription.userData = nullptr;
+}
+
+}  // namespace
 
 void onServiceTeardown(void* userData) {
   if (userData == nullptr) {
@@ -19,21 +31,13 @@ void onServiceTeardown(void* userData) {
   if (unloading) {
     return;
   }
-  const int camera = *static_cast<const std::int32_t*>(userData);
-  auto record = activeSubscriptions.extract(camera);
-  if (!record) {
+  const auto active = registry.findActive(userData);
+  if (active == registry.active.end()) {
     return;
   }
-  // The service has ended the subscription itself, so there is nothing to unsubscribe.
-  if (video_object_detection_subscriber_delete(&record.mapped()->subscriber) != 0) {
-    syslog(LOG_ERR, "Failed to delete vod subscriber\n");
-  }
-  record.mapped()->subscriber = nullptr;
-
-  auto parked = pendingSubscriptions.insert(std::move(record));
-  if (!parked.inserted) {
-    discarded.add(std::move(parked.node.mapped()));
-  }
+  SubscriptionMap::node_type record = registry.active.extract(active);
+  deleteSubscriber(record.mapped());
+  storeIfAbsent(registry.pending, std::move(record), discarded);
 }
 
 }  // namespace tarn::VOD

@@ -5,11 +5,10 @@
 
 #include "detector-information/class_ids_to_names.h"
 #include "handler/attribute_names.h"
-#include "handler/failure_count.h"
+#include "handler/camera_detector.h"
 #include "handler/platform_callbacks.h"
 #include "support/platform_types.h"
 
-#include <syslog.h>
 #include <tarnvod/read_detector_information.h>
 
 #include <limits>
@@ -37,128 +36,123 @@ void detectionCallback(Byte* buffer, Length length, UserData* userData) {
                      fits ? static_cast<std::int32_t>(length) : unparsable, userData);
 }
 
-/**
- * The record is made inside a map's node, so that moving it into a registry map later cannot fail. The callable is
- * moved in last: whatever fails before, it stays the caller's.
- */
-SubscriptionMap::node_type makeSubscription(int camera, DetectionCallback& callback,
-                                            const std::optional<VodChannelConfiguration>& channelConfiguration)
-    TARNVOD_REQUIRES(handlerMutex) {
-  std::int32_t& number = cameraNumbers.try_emplace(camera, camera).first->second;
-  SubscriptionMap single;
-  std::unique_ptr<ChannelSubscription>& record = single[camera];
-  record.reset(new ChannelSubscription{nullptr, number, nullptr, {}, nullptr, channelConfiguration, nullptr});
-  record->callback = std::move(callback);
-  return single.extract(camera);
-}
-
-std::shared_ptr<const ClassNames> makeClassNames(const Classifications& supported,
-                                                 const std::set<std::string>& classes) {
-  return std::make_shared<const ClassNames>(mapClassIdsToNames(supported, classes));
-}
-
-/** Swaps, so that what was there goes with the record that is discarded. */
-void update(ChannelSubscription& live, ChannelSubscription& wanted) noexcept {
-  live.callback.swap(wanted.callback);
-  live.classes.swap(wanted.classes);
-  live.classIdsToNames.swap(wanted.classIdsToNames);
-}
-
 using Create = decltype(video_object_detection_subscriber_create);
 using SetChannelConfiguration = decltype(video_object_detection_set_channel_configuration);
 
-void configureRegion(const ChannelSubscription& subscription) {
-  ::VOD::ChannelConfiguration configuration;
-  ::VOD::BoundingBox& roi = *configuration.mutable_roi();
-  roi.set_coord_1(subscription.channelConfiguration->coord1);
-  roi.set_coord_2(subscription.channelConfiguration->coord2);
-  roi.set_coord_3(subscription.channelConfiguration->coord3);
-  roi.set_coord_4(subscription.channelConfiguration->coord4);
-  const std::string bytes = configuration.SerializeAsString();
-  require(video_object_detection_set_channel_configuration(
-              static_cast<ParameterType<SetChannelConfiguration, 0>>(subscription.camera - 1),
-              reinterpret_cast<ParameterType<SetChannelConfiguration, 1>>(bytes.data()),
-              static_cast<ParameterType<SetChannelConfiguration, 2>>(bytes.size()), nullptr) == 0,
-          "Failed to set channel configuration on vod.");
-  require(video_object_detection_subscriber_use_channel_configuration(subscription.subscriber, true) == 0,
-          "Failed to enable channel configuration on vod.");
+/** A camera's new subscriber at the platform. Unless it is kept, it is unsubscribed and deleted. */
+class NewSubscriber {
+ public:
+  explicit NewSubscriber(int camera) TARNVOD_REQUIRES(handlerMutex)
+      : userData_(&registry.userData.try_emplace(camera, camera).first->second) {}
+
+  // There is nothing to be done about failures here.
+  ~NewSubscriber() {
+    if (subscriber_ != nullptr) {
+      static_cast<void>(video_object_detection_subscriber_unsubscribe(subscriber_));
+      static_cast<void>(video_object_detection_subscriber_delete(&subscriber_));
+    }
+  }
+
+  NewSubscriber(const NewSubscriber&) = delete;
+  NewSubscriber& operator=(const NewSubscriber&) = delete;
+
+  void subscribe(const std::optional<VodChannelConfiguration>& region) {
+    require(video_object_detection_subscriber_create(&subscriber_, userData_,
+                                                     static_cast<ParameterType<Create, 2>>(channel())) == 0,
+            "Failed to create subscription to vod.");
+    require(video_object_detection_subscriber_set_get_detection_callback(subscriber_, detectionCallback) == 0,
+            "Failed to set callback for reading data on vod");
+    require(video_object_detection_subscriber_set_teardown_callback(subscriber_, onServiceTeardown) == 0,
+            "Failed to set callback for teardown on vod");
+    require(video_object_detection_subscriber_set_receive_empty_hits(subscriber_, true) == 0,
+            "Failed to set property 'recieve_empty' on vod.");
+    if (region) {
+      configure(*region);
+    }
+    require(video_object_detection_subscriber_subscribe(subscriber_) == 0, "Failed to subscribe to vod data.");
+  }
+
+  video_object_detection_subscriber_st* get() const { return subscriber_; }
+
+  void keepIn(ChannelSubscription& record) noexcept {
+    record.subscriber = std::exchange(subscriber_, nullptr);
+    record.userData = userData_;
+  }
+
+ private:
+  int channel() const { return *userData_ - 1; }
+
+  void configure(const VodChannelConfiguration& region) const {
+    ::VOD::ChannelConfiguration configuration;
+    ::VOD::BoundingBox& roi = *configuration.mutable_roi();
+    roi.set_coord_1(region.coord1);
+    roi.set_coord_2(region.coord2);
+    roi.set_coord_3(region.coord3);
+    roi.set_coord_4(region.coord4);
+    const std::string bytes = configuration.SerializeAsString();
+    require(video_object_detection_set_channel_configuration(
+                static_cast<ParameterType<SetChannelConfiguration, 0>>(channel()),
+                reinterpret_cast<ParameterType<SetChannelConfiguration, 1>>(bytes.data()),
+                static_cast<ParameterType<SetChannelConfiguration, 2>>(bytes.size()), nullptr) == 0,
+            "Failed to set channel configuration on vod.");
+    require(video_object_detection_subscriber_use_channel_configuration(subscriber_, true) == 0,
+            "Failed to enable channel configuration on vod.");
+  }
+
+  std::int32_t* userData_;
+  video_object_detection_subscriber_st* subscriber_ = nullptr;
+};
+
+/** An empty record inside a map's node, so that moving it into the registry later cannot fail. */
+SubscriptionMap::node_type makeRecord(int camera) {
+  SubscriptionMap single;
+  single[camera];
+  return single.extract(camera);
 }
 
-void subscribe(ChannelSubscription& subscription) {
-  require(video_object_detection_subscriber_create(&subscription.subscriber, &subscription.camera,
-                                                   static_cast<ParameterType<Create, 2>>(subscription.camera - 1)) == 0,
-          "Failed to create subscription to vod.");
-  require(video_object_detection_subscriber_set_get_detection_callback(subscription.subscriber, detectionCallback) == 0,
-          "Failed to set callback for reading data on vod");
-  require(video_object_detection_subscriber_set_teardown_callback(subscription.subscriber, onServiceTeardown) == 0,
-          "Failed to set callback for teardown on vod");
-  require(video_object_detection_subscriber_set_receive_empty_hits(subscription.subscriber, true) == 0,
-          "Failed to set property 'recieve_empty' on vod.");
-  if (subscription.channelConfiguration) {
-    configureRegion(subscription);
-  }
-  require(video_object_detection_subscriber_subscribe(subscription.subscriber) == 0,
-          "Failed to subscribe to vod data.");
-}
-
-/** Gives back what a failed attempt got from the platform; there is nothing to be done about failures here. */
-void releaseSubscriber(ChannelSubscription& subscription) noexcept {
-  if (subscription.subscriber != nullptr) {
-    static_cast<void>(video_object_detection_subscriber_unsubscribe(subscription.subscriber));
-    static_cast<void>(video_object_detection_subscriber_delete(&subscription.subscriber));
-    subscription.subscriber = nullptr;
-  }
-}
-
-void logFailure(const char* failure) TARNVOD_REQUIRES(handlerMutex) {
-  if (setupFailureCount == 0) {
-    syslog(LOG_INFO, "%s\n", failure);
-  } else if (setupFailureCount % failuresBetweenWarnings == 0) {
-    syslog(LOG_WARNING, "%s\n", failure);
-  }
-  setupFailureCount = countAfterFailure(setupFailureCount);
+/** Swaps, so that the caller destroys what was there. */
+void update(ChannelSubscription& live, SubscriptionRequest& request,
+            std::shared_ptr<const ClassNames>& classNames) noexcept {
+  live.request.callback.swap(request.callback);
+  live.request.classes.swap(request.classes);
+  live.classNames.swap(classNames);
 }
 
 }  // namespace
 
-bool subscribeChannel(const HandlerLock& lock, DiscardedSubscriptions& discarded, int camera,
-                      DetectionCallback& callback, const std::set<std::string>& classes,
-                      const std::optional<VodChannelConfiguration>& channelConfiguration) {
-  SubscriptionMap::node_type record = makeSubscription(camera, callback, channelConfiguration);
-  ChannelSubscription& subscription = *record.mapped();
-  const auto abandon = [&]() noexcept {
-    releaseSubscriber(subscription);
-    discarded.add(std::move(record.mapped()));
-  };
+bool subscribeChannel(const HandlerLock& lock, SubscriptionRequest& request, DiscardedSubscriptions& discarded) {
+  SubscriptionMap::node_type record = makeRecord(request.camera);
+  ChannelSubscription& subscription = record.mapped();
+  bool classesAreSupported = false;
   try {
-    const Classifications supported = Handler::getDetectorInformation(camera).getClassifications();
-    require(supported.areAllClassesSupported(classes), "Not all requested classes are supported");
-    subscription.classes = classes;
-    subscription.classIdsToNames = makeClassNames(supported, classes);
-    if (const auto active = activeSubscriptions.find(camera); active != activeSubscriptions.end()) {
-      update(*active->second, subscription);
-      abandon();
+    const Classifications supported = Handler::getDetectorInformation(request.camera).getClassifications();
+    classesAreSupported = supported.areAllClassesSupported(request.classes);
+    require(classesAreSupported, "Not all requested classes are supported");
+    subscription.classNames = std::make_shared<const ClassNames>(mapClassIdsToNames(supported, request.classes));
+    if (const auto active = registry.active.find(request.camera); active != registry.active.end()) {
+      update(active->second, request, subscription.classNames);
       return true;
     }
-    subscribe(subscription);
-    // The service is asked for the detector through the new subscriber too; what it answers is of no further use.
-    static_cast<void>(readDetectorInformation(subscription.subscriber));
-    refreshAttributeNames(lock, camera);
+    NewSubscriber subscriber(request.camera);
+    subscriber.subscribe(request.channelConfiguration);
+    // The service is asked for the detector through the new subscriber too; its answer is of no further use.
+    static_cast<void>(readDetectorInformation(subscriber.get()));
+    refreshAttributeNames(lock, request.camera);
+    subscriber.keepIn(subscription);
   } catch (const std::system_error&) {
-    // A runtime error by its type, yet not a failure of the set-up.
-    abandon();
-    throw;
+    throw;  // a runtime error by its type, yet not a failure of the set-up
   } catch (const std::runtime_error& failure) {
-    releaseSubscriber(subscription);
-    store(pendingSubscriptions, std::move(record), discarded);
-    logFailure(failure.what());
+    if (!classesAreSupported) {
+      request.classes.clear();
+    }
+    subscription.request = std::move(request);
+    store(registry.pending, std::move(record), discarded);
+    registry.failureLog.add(failure.what());
     return false;
-  } catch (...) {
-    abandon();
-    throw;
   }
-  store(activeSubscriptions, std::move(record), discarded);
-  setupFailureCount = 0;
+  subscription.request = std::move(request);
+  store(registry.active, std::move(record), discarded);
+  registry.failureLog.endRun();
   return true;
 }
 

@@ -6,25 +6,19 @@
 
 #include "handler/handler_state.h"
 
-#include <tarnvod/handler.h>
-
-#include <optional>
-#include <set>
-#include <string>
-
 namespace tarn::VOD {
 
 /**
  * Subscribes a camera, or updates the callback and the classes of one that is subscribed already. A failure is logged
  * and the camera parked among the pending ones.
  *
- * @param callback  moved from; destroyed by the caller, after it has released the lock
+ * @param request    left as it is when this throws; otherwise moved into the registry, or exchanged with what an
+ *                   updated camera had. To be destroyed by the caller after it has released the lock
+ * @param discarded  receives the records that others replace
  * @return whether the camera is subscribed
- * @throw std::system_error, std::bad_alloc, what copying the callback throws  and then nothing of this attempt is left
+ * @throw std::system_error, std::bad_alloc  and then nothing of this attempt is left
  */
-bool subscribeChannel(const HandlerLock& lock, DiscardedSubscriptions& discarded, int camera,
-                      DetectionCallback& callback, const std::set<std::string>& classes,
-                      const std::optional<VodChannelConfiguration>& channelConfiguration)
+bool subscribeChannel(const HandlerLock& lock, SubscriptionRequest& request, DiscardedSubscriptions& discarded)
     TARNVOD_REQUIRES(handlerMutex);
 
 }  // namespace tarn::VOD

@@ -3,6 +3,7 @@
 
 #include "handler/handler_test.h"
 
+#include <stdexcept>
 #include <thread>
 
 namespace tarn::test {
@@ -221,6 +222,40 @@ TEST_F(TheRetryThread, CanBeStartedAndStoppedFromSeveralThreadsAtOnce) {
   vod::host::clearJournal();
   Handler::initialize(1);
   vod::host::waitForReturned(Function::Subscribe, 1);
+}
+
+/** A callable that counts its copies and, once armed, refuses to be copied. */
+struct Copied {
+  struct Count {
+    int copies = 0;
+    bool refused = false;
+  };
+
+  explicit Copied(Count& theCount) : count(theCount) {}
+  Copied(const Copied& other) : count(other.count) {
+    if (count.refused) {
+      throw std::logic_error("from the application's copy constructor");
+    }
+    ++count.copies;
+  }
+  void operator()(std::unique_ptr<VOD::DetectionData> /*frame*/, int /*camera*/) const {}
+
+  Count& count;
+};
+
+TEST_F(TheRetryThread, NeverCopiesTheCallableSoThatOneWhoseCopyThrowsIsRetriedToo) {
+  const int fault = failSubscribing();
+  Copied::Count count;
+  Handler::setup(1, Copied(count), {"human"});
+  const int copies = count.copies;
+  count.refused = true;
+  retryOnce();
+  EXPECT_THAT(vod::host::channel(0).subscriptions(), IsEmpty());
+  vod::host::lift(fault);
+  sleep_.release();
+  sleep_.waitUntilAsleep();
+  EXPECT_THAT(vod::host::channel(0).subscriptions(), SizeIs(1));
+  EXPECT_EQ(count.copies, copies);
 }
 
 TEST_F(TheRetryThread, GivesUpACameraThatIsTornDown) {

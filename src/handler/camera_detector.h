@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#ifndef TARNVOD_HANDLER_DETECTOR_QUERIES_H
-#define TARNVOD_HANDLER_DETECTOR_QUERIES_H
+#ifndef TARNVOD_HANDLER_CAMERA_DETECTOR_H
+#define TARNVOD_HANDLER_CAMERA_DETECTOR_H
 
 #include <tarnvod/video_object_detection.pb.h>
 

@@ -1,12 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-// The thread that subscribes cameras again whose set-up failed or that the service dropped.
+#include "handler/retry_thread.h"
 
 #include "handler/handler_state.h"
 #include "handler/subscribe_channel.h"
 
-#include <tarnvod/handler.h>
 #include <time.h>
 
 #include <cerrno>
@@ -16,24 +15,33 @@
 namespace tarn::VOD {
 namespace {
 
-thread_local bool onResubscribeThread = false;
+thread_local bool onRetryThread = false;
+
+/**
+ * One attempt for one pending camera. Its callable is moved from the pending record into the new one, never copied: a
+ * copy could throw, and could outlive a teardown.
+ */
+void retry(const HandlerLock& lock, int camera, DiscardedSubscriptions& discarded) TARNVOD_REQUIRES(handlerMutex) {
+  SubscriptionMap::node_type record = registry.pending.extract(camera);
+  try {
+    subscribeChannel(lock, record.mapped().request, discarded);
+  } catch (...) {
+    storeIfAbsent(registry.pending, std::move(record), discarded);
+    throw;
+  }
+  discarded.insert(std::move(record));
+}
 
 /** One attempt for each pending camera, in ascending order. */
 void retryPendingSubscriptions() {
   DiscardedSubscriptions discarded;
-  DetectionCallback callback;  // destroyed after the lock is released, as the discarded records are
   const HandlerLock lock(handlerMutex);
-  // Walks by camera number instead of by iterator: a platform that calls back from inside its functions can change the
-  // map under our feet, the mutex being recursive.
-  for (auto next = pendingSubscriptions.begin(); next != pendingSubscriptions.end();) {
+  // Continues by camera number instead of by iterator: a platform that calls back from inside its functions can change
+  // the map in between, the mutex being recursive.
+  for (auto next = registry.pending.begin(); next != registry.pending.end();) {
     const int camera = next->first;
-    callback = next->second->callback;
-    const std::set<std::string> classes = next->second->classes;
-    const std::optional<VodChannelConfiguration> channelConfiguration = next->second->channelConfiguration;
-    if (subscribeChannel(lock, discarded, camera, callback, classes, channelConfiguration)) {
-      discard(pendingSubscriptions, camera, discarded);
-    }
-    next = pendingSubscriptions.upper_bound(camera);
+    retry(lock, camera, discarded);
+    next = registry.pending.upper_bound(camera);
   }
 }
 
@@ -43,8 +51,8 @@ void sleepFor(std::int64_t seconds) {
   }
 }
 
-void resubscribe() {
-  onResubscribeThread = true;
+void retryUntilStopped() {
+  onRetryThread = true;
   while (handlerRunning) {
     try {
       retryPendingSubscriptions();
@@ -59,30 +67,30 @@ void resubscribe() {
 
 }  // namespace
 
-void Handler::initialize(int period) {
-  if (onResubscribeThread) {
+void startRetryThread(int period) {
+  if (onRetryThread) {
     return;  // it is running, and whoever stops it holds lifecycleMutex until we return
   }
   const LifecycleLock lock(lifecycleMutex);
-  if (resubscribeThread.joinable()) {
+  if (retryThread.joinable()) {
     return;
   }
   retryPeriod = period;
   handlerRunning = true;
-  resubscribeThread = std::thread(resubscribe);
+  retryThread = std::thread(retryUntilStopped);
 }
 
-void Handler::deinitialize() {
-  if (onResubscribeThread) {
+void stopRetryThread() {
+  if (onRetryThread) {
     handlerRunning = false;
     throw std::system_error(std::make_error_code(std::errc::resource_deadlock_would_occur));
   }
   const LifecycleLock lock(lifecycleMutex);
-  if (!resubscribeThread.joinable()) {
+  if (!retryThread.joinable()) {
     return;
   }
   handlerRunning = false;
-  resubscribeThread.join();
+  retryThread.join();
 }
 
 }  // namespace tarn::VOD

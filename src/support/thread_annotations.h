@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#ifndef TARNVOD_HANDLER_THREAD_ANNOTATIONS_H
-#define TARNVOD_HANDLER_THREAD_ANNOTATIONS_H
+#ifndef TARNVOD_SUPPORT_THREAD_ANNOTATIONS_H
+#define TARNVOD_SUPPORT_THREAD_ANNOTATIONS_H
 
 // clang checks at compile time that what a mutex guards is touched only while it is held; other compilers see nothing.
 #if defined(__clang__)
@@ -22,6 +22,7 @@ template <typename Mutex>
 class TARNVOD_ANNOTATION(capability("mutex")) AnnotatedMutex {
  public:
   void lock() TARNVOD_ANNOTATION(acquire_capability()) { mutex_.lock(); }
+  bool try_lock() TARNVOD_ANNOTATION(try_acquire_capability(true)) { return mutex_.try_lock(); }
   void unlock() TARNVOD_ANNOTATION(release_capability()) { mutex_.unlock(); }
 
  private:

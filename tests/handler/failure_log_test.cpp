@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "handler/failure_count.h"
+#include "handler/failure_log.h"
 
 #include <gtest/gtest.h>
 

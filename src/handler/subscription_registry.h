@@ -1,0 +1,89 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#ifndef TARNVOD_HANDLER_SUBSCRIPTION_REGISTRY_H
+#define TARNVOD_HANDLER_SUBSCRIPTION_REGISTRY_H
+
+#include "detection-data/scene_names.h"
+#include "handler/failure_log.h"
+
+#include <tarnvod/handler.h>
+#include <video_object_detection_subscriber.h>
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+
+namespace tarn::VOD {
+
+/** What an application asks for one camera. */
+struct SubscriptionRequest {
+  int camera = 0;
+  DetectionCallback callback;
+  std::set<std::string> classes;
+  std::optional<VodChannelConfiguration> channelConfiguration;
+};
+
+/** One camera's record. Without user data it has no subscriber: it is pending. */
+struct ChannelSubscription {
+  SubscriptionRequest request;
+  video_object_detection_subscriber_st* subscriber = nullptr;
+  std::int32_t* userData = nullptr;
+  std::shared_ptr<const ClassNames> classNames;
+};
+
+using SubscriptionMap = std::map<int, ChannelSubscription>;
+
+/**
+ * Records that wait until `handlerMutex` is released: with a record goes the application's callable, and the
+ * destructors of what it captured may take locks of the application. Declared before the lock, it ends after it. Moving
+ * a record here from the registry allocates nothing:
+ *
+ * @code
+ * discarded.insert(registry.pending.extract(camera));
+ * @endcode
+ */
+using DiscardedSubscriptions = std::multimap<int, ChannelSubscription>;
+
+/** All that `handlerMutex` guards. Destroyed from the bottom up, which makes no platform call. */
+struct SubscriptionRegistry {
+  /** The camera numbers that the platform's user data points to. Never erased: a callback may come late. */
+  std::map<int, std::int32_t> userData;
+  FailureLog failureLog;
+
+  /** The names that each camera's detector gave its attributes. A table is replaced, never changed; null is an empty
+   * one. */
+  std::map<int, std::shared_ptr<const AttributeTypeNames>> attributeTypeNames;
+  std::map<int, std::shared_ptr<const AttributeClassNames>> attributeClassNames;
+
+  /** Cameras whose platform subscription is live. */
+  SubscriptionMap active;
+
+  /** Cameras to be retried. */
+  SubscriptionMap pending;
+
+  /** The active subscription of the camera that the platform's user data points to, or the end. */
+  SubscriptionMap::iterator findActive(const void* platformUserData) {
+    return active.find(*static_cast<const std::int32_t*>(platformUserData));
+  }
+};
+
+/** Puts a record into one of the registry's maps, in the place of one that may be there for its camera. Cannot fail. */
+inline void store(SubscriptionMap& records, SubscriptionMap::node_type record,
+                  DiscardedSubscriptions& discarded) noexcept {
+  discarded.insert(records.extract(record.key()));
+  records.insert(std::move(record));
+}
+
+/** The same, but a record that is there already stays and this one is discarded. Cannot fail. */
+inline void storeIfAbsent(SubscriptionMap& records, SubscriptionMap::node_type record,
+                          DiscardedSubscriptions& discarded) noexcept {
+  discarded.insert(records.insert(std::move(record)).node);
+}
+
+}  // namespace tarn::VOD
+
+#endif
