@@ -18,6 +18,7 @@
 #include <exception>
 #include <limits>
 #include <string>
+#include <tuple>
 #include <utility>
 
 namespace {
@@ -297,3 +298,12 @@ bool video_object_detection_subscriber_service_is_enabled(void) {
   });
   return result != 0;
 }
+
+namespace {
+
+/** Refers to each function in the list, so that the library does not link while one of them is not defined above. */
+#define ADDRESS(enumerator, function) &function,
+[[gnu::used]] constexpr auto definitions = std::make_tuple(VOD_HOST_FUNCTIONS(ADDRESS) nullptr);
+#undef ADDRESS
+
+}  // namespace

@@ -40,21 +40,6 @@ std::set<std::string> anyClasses(const Choose& choose, const std::string& detect
   return classes;
 }
 
-constexpr std::array<Function, 14> everyFunction = {Function::Create,
-                                                    Function::Delete,
-                                                    Function::Subscribe,
-                                                    Function::Unsubscribe,
-                                                    Function::SetGetDetectionCallback,
-                                                    Function::SetTeardownCallback,
-                                                    Function::SetReceiveEmptyHits,
-                                                    Function::UseChannelConfiguration,
-                                                    Function::SetChannelConfiguration,
-                                                    Function::GetInformation,
-                                                    Function::GetNbrChannels,
-                                                    Function::GetNbrChannelsSimultaneously,
-                                                    Function::GetVersion,
-                                                    Function::ServiceIsEnabled};
-
 }  // namespace
 
 void World::step(const Choose& choose) {
@@ -158,7 +143,7 @@ void World::changeDetector(const Choose& choose) {
 }
 
 void World::planFault(const Choose& choose) {
-  const Function function = everyFunction[choose(everyFunction.size())];
+  const Function function = host::everyFunction[choose(host::everyFunction.size())];
   const int call = 1 + static_cast<int>(choose(3));
   const bool serviceReturns = choose(6) == 0;
   done_.back() += std::string(": call ") + std::to_string(call) + " of " + host::name(function) +

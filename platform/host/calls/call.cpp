@@ -8,25 +8,25 @@
 #include <iomanip>
 #include <ostream>
 #include <sstream>
+#include <string_view>
 
 namespace vod::host {
 
 namespace {
 
-constexpr std::array<const char*, functionCount> names = {"create",
-                                                          "delete",
-                                                          "subscribe",
-                                                          "unsubscribe",
-                                                          "set_get_detection_callback",
-                                                          "set_teardown_callback",
-                                                          "set_receive_empty_hits",
-                                                          "use_channel_configuration",
-                                                          "set_channel_configuration",
-                                                          "get_information",
-                                                          "get_nbr_channels",
-                                                          "get_nbr_channels_simultaneously",
-                                                          "get_version",
-                                                          "service_is_enabled"};
+/** The part of a C name that follows the longest prefix that the C functions share. */
+constexpr const char* withoutPrefix(std::string_view cName) {
+  for (const std::string_view prefix : {"video_object_detection_subscriber_", "video_object_detection_"}) {
+    if (cName.substr(0, prefix.size()) == prefix) {
+      return cName.substr(prefix.size()).data();
+    }
+  }
+  return cName.data();
+}
+
+#define NAME(enumerator, function) withoutPrefix(#function),
+constexpr std::array<const char*, everyFunction.size()> names = {VOD_HOST_FUNCTIONS(NAME)};
+#undef NAME
 
 std::string configurationText(const std::string& bytes) {
   std::ostringstream out;

@@ -10,8 +10,8 @@
 #ifndef VOD_HOST_CALLS_H
 #define VOD_HOST_CALLS_H
 
+#include <array>
 #include <chrono>
-#include <cstddef>
 #include <functional>
 #include <iosfwd>
 #include <memory>
@@ -29,24 +29,35 @@ inline constexpr std::chrono::seconds waitTimeout{30};
 
 // ---- The C functions, by name ----
 
-/** One for each function of the C interface. */
-enum class Function {
-  Create,
-  Delete,
-  Subscribe,
-  Unsubscribe,
-  SetGetDetectionCallback,
-  SetTeardownCallback,
-  SetReceiveEmptyHits,
-  UseChannelConfiguration,
-  SetChannelConfiguration,
-  GetInformation,
-  GetNbrChannels,
-  GetNbrChannelsSimultaneously,
-  GetVersion,
-  ServiceIsEnabled,
-};
-inline constexpr std::size_t functionCount = 14;
+/**
+ * Every function of the C interface: its enumerator and its C name. This is the only list of them; the enumeration, the
+ * names in the journal and the check that the host platform defines each function are generated from it.
+ */
+#define VOD_HOST_FUNCTIONS(X)                                                                        \
+  X(Create, video_object_detection_subscriber_create)                                                \
+  X(Delete, video_object_detection_subscriber_delete)                                                \
+  X(Subscribe, video_object_detection_subscriber_subscribe)                                          \
+  X(Unsubscribe, video_object_detection_subscriber_unsubscribe)                                      \
+  X(SetGetDetectionCallback, video_object_detection_subscriber_set_get_detection_callback)           \
+  X(SetTeardownCallback, video_object_detection_subscriber_set_teardown_callback)                    \
+  X(SetReceiveEmptyHits, video_object_detection_subscriber_set_receive_empty_hits)                   \
+  X(UseChannelConfiguration, video_object_detection_subscriber_use_channel_configuration)            \
+  X(SetChannelConfiguration, video_object_detection_set_channel_configuration)                       \
+  X(GetInformation, video_object_detection_subscriber_get_information)                               \
+  X(GetNbrChannels, video_object_detection_subscriber_get_nbr_channels)                              \
+  X(GetNbrChannelsSimultaneously, video_object_detection_subscriber_get_nbr_channels_simultaneously) \
+  X(GetVersion, video_object_detection_subscriber_get_version)                                       \
+  X(ServiceIsEnabled, video_object_detection_subscriber_service_is_enabled)
+
+#define VOD_HOST_ENUMERATOR(enumerator, function) enumerator,
+/** One enumerator for each function of the C interface: `Function::SetReceiveEmptyHits`. */
+enum class Function { VOD_HOST_FUNCTIONS(VOD_HOST_ENUMERATOR) };
+#undef VOD_HOST_ENUMERATOR
+
+#define VOD_HOST_ENUMERATOR(enumerator, function) Function::enumerator,
+/** All of them, in the order of the enumeration. */
+inline constexpr std::array everyFunction = {VOD_HOST_FUNCTIONS(VOD_HOST_ENUMERATOR)};
+#undef VOD_HOST_ENUMERATOR
 
 /** The C name without its prefix: `set_receive_empty_hits`. */
 VOD_HOST_EXPORT const char* name(Function function);
