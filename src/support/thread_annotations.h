@@ -4,6 +4,8 @@
 #ifndef TARNVOD_SUPPORT_THREAD_ANNOTATIONS_H
 #define TARNVOD_SUPPORT_THREAD_ANNOTATIONS_H
 
+#include <mutex>
+
 // clang checks at compile time that what a mutex guards is touched only while it is held; other compilers see nothing.
 #if defined(__clang__)
 #define TARNVOD_ANNOTATION(name) __attribute__((name))
@@ -12,6 +14,7 @@
 #endif
 
 #define TARNVOD_GUARDED_BY(mutex) TARNVOD_ANNOTATION(guarded_by(mutex))
+/** Of a function, and of the lambda that a condition variable calls: the caller holds the mutex. */
 #define TARNVOD_REQUIRES(mutex) TARNVOD_ANNOTATION(requires_capability(mutex))
 
 namespace tarn::VOD {
@@ -24,6 +27,9 @@ class TARNVOD_ANNOTATION(capability("mutex")) AnnotatedMutex {
   void lock() TARNVOD_ANNOTATION(acquire_capability()) { mutex_.lock(); }
   bool try_lock() TARNVOD_ANNOTATION(try_acquire_capability(true)) { return mutex_.try_lock(); }
   void unlock() TARNVOD_ANNOTATION(release_capability()) { mutex_.unlock(); }
+
+  /** The mutex itself, which the analysis does not see. */
+  Mutex& unannotated() { return mutex_; }
 
  private:
   Mutex mutex_;
@@ -43,6 +49,26 @@ class TARNVOD_ANNOTATION(scoped_lockable) ScopedLock {
 
  private:
   AnnotatedMutex<Mutex>& mutex_;
+};
+
+/** Holds a mutex, may release it early and take it again, and waits with a `std::condition_variable`. */
+class TARNVOD_ANNOTATION(scoped_lockable) WaitingLock {
+ public:
+  explicit WaitingLock(AnnotatedMutex<std::mutex>& mutex) TARNVOD_ANNOTATION(acquire_capability(mutex))
+      : lock_(mutex.unannotated()) {}
+  ~WaitingLock() TARNVOD_ANNOTATION(release_capability()) {}
+
+  void lock() TARNVOD_ANNOTATION(acquire_capability()) { lock_.lock(); }
+  void unlock() TARNVOD_ANNOTATION(release_capability()) { lock_.unlock(); }
+
+  /** For the wait functions of `std::condition_variable`, after which the mutex is held as before. */
+  std::unique_lock<std::mutex>& forWaiting() { return lock_; }
+
+  WaitingLock(const WaitingLock&) = delete;
+  WaitingLock& operator=(const WaitingLock&) = delete;
+
+ private:
+  std::unique_lock<std::mutex> lock_;
 };
 
 }  // namespace tarn::VOD
