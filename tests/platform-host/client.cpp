@@ -5,6 +5,8 @@
 
 namespace vod::host {
 
+using Lock = tarn::VOD::WaitingLock;
+
 Client::Client(int channel, Reactions reactions)
     : reactions_(std::move(reactions)),
       createResult_(video_object_detection_subscriber_create(&handle_, this, channel)) {}
@@ -13,7 +15,7 @@ Client::~Client() {
   if (handle_ != nullptr) {
     remove();
   }
-  waitFor([this] { return running_ == 0; });
+  waitFor([this]() TARNVOD_REQUIRES(mutex_) { return running_ == 0; });
 }
 
 Client& Client::receiveEmptyHits() {
@@ -54,7 +56,7 @@ std::vector<std::string> Client::scenes() const {
 }
 
 std::vector<Received> Client::received() const {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   return received_;
 }
 
@@ -63,38 +65,38 @@ int Client::teardowns() const {
 }
 
 std::vector<std::thread::id> Client::teardownThreads() const {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   return teardownThreads_;
 }
 
 bool Client::hasOverlapped() const {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   return hasOverlapped_;
 }
 
 void Client::waitForScenes(std::size_t count) {
-  waitFor([&] { return received_.size() >= count; });
+  waitFor([&]() TARNVOD_REQUIRES(mutex_) { return received_.size() >= count; });
 }
 
 void Client::waitForTeardowns(int count) {
-  waitFor([&] { return teardownThreads_.size() >= static_cast<std::size_t>(count); });
+  waitFor([&]() TARNVOD_REQUIRES(mutex_) { return teardownThreads_.size() >= static_cast<std::size_t>(count); });
 }
 
 void Client::waitFor(const std::function<bool()>& condition) {
-  std::unique_lock lock(mutex_);
-  EXPECT_TRUE(changed_.wait_for(lock, waitTimeout, condition));
+  Lock lock(mutex_);
+  EXPECT_TRUE(changed_.wait_for(lock.forWaiting(), waitTimeout, condition));
 }
 
 /** One callback, from its beginning to its end, also when a reaction throws. */
 class Client::Running {
  public:
   explicit Running(Client& client) : client_(client) {
-    const std::lock_guard lock(client_.mutex_);
+    const Lock lock(client_.mutex_);
     client_.hasOverlapped_ |= client_.running_ > 0;
     ++client_.running_;
   }
   ~Running() {
-    const std::lock_guard lock(client_.mutex_);
+    const Lock lock(client_.mutex_);
     --client_.running_;
     client_.changed_.notify_all();
   }
@@ -109,7 +111,7 @@ void Client::onDetection(const std::uint8_t* buffer, std::int32_t length, void* 
   Client& client = *static_cast<Client*>(userData);
   const Running running(client);
   {
-    const std::lock_guard lock(client.mutex_);
+    const Lock lock(client.mutex_);
     Received received{{}, length, buffer == nullptr, std::this_thread::get_id()};
     if (buffer != nullptr && length > 0) {
       received.bytes.assign(buffer, buffer + length);
@@ -126,7 +128,7 @@ void Client::onTeardown(void* userData) {
   Client& client = *static_cast<Client*>(userData);
   const Running running(client);
   {
-    const std::lock_guard lock(client.mutex_);
+    const Lock lock(client.mutex_);
     client.teardownThreads_.push_back(std::this_thread::get_id());
     client.changed_.notify_all();
   }

@@ -4,6 +4,8 @@
 #ifndef TARNVOD_TESTS_PLATFORM_HOST_CLIENT_H
 #define TARNVOD_TESTS_PLATFORM_HOST_CLIENT_H
 
+#include "support/thread_annotations.h"
+
 #include <gmock/gmock.h>
 #include <tarnvod/video_object_detection.pb.h>
 #include <vod_host.h>
@@ -70,13 +72,12 @@ class Client {
   video_object_detection_subscriber_st* handle_ = nullptr;
   int createResult_ = 0;
 
-  mutable std::mutex mutex_;
+  mutable tarn::VOD::AnnotatedMutex<std::mutex> mutex_;
   std::condition_variable changed_;
-  // Guarded by mutex_:
-  std::vector<Received> received_;
-  std::vector<std::thread::id> teardownThreads_;
-  int running_ = 0;
-  bool hasOverlapped_ = false;
+  std::vector<Received> received_ TARNVOD_GUARDED_BY(mutex_);
+  std::vector<std::thread::id> teardownThreads_ TARNVOD_GUARDED_BY(mutex_);
+  int running_ TARNVOD_GUARDED_BY(mutex_) = 0;
+  bool hasOverlapped_ TARNVOD_GUARDED_BY(mutex_) = false;
 };
 
 /** Each test begins with a service that has two channels. */

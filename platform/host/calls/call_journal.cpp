@@ -10,7 +10,7 @@
 namespace vod::host {
 
 std::uint64_t CallJournal::begin(const Call& call) {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   if (!recording_) {
     return 0;
   }
@@ -21,7 +21,7 @@ std::uint64_t CallJournal::begin(const Call& call) {
 }
 
 void CallJournal::end(std::uint64_t number, Call&& call) noexcept {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   if (number < firstNumber_) {
     return;
   }
@@ -31,17 +31,17 @@ void CallJournal::end(std::uint64_t number, Call&& call) noexcept {
 }
 
 void CallJournal::record(bool enabled) {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   recording_ = enabled;
 }
 
 bool CallJournal::isRecording() const {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   return recording_;
 }
 
 void CallJournal::clear() {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   firstNumber_ += calls_.size();
   calls_.clear();
   ++changes_;
@@ -49,13 +49,13 @@ void CallJournal::clear() {
 }
 
 std::vector<Call> CallJournal::calls() const {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   return calls_;
 }
 
 void CallJournal::waitFor(const std::function<bool(const std::vector<Call>&)>& predicate) {
   const auto deadline = std::chrono::steady_clock::now() + waitTimeout;
-  std::unique_lock lock(mutex_);
+  Lock lock(mutex_);
   while (true) {
     const std::uint64_t seen = changes_;
     const std::vector<Call> calls = calls_;
@@ -65,7 +65,8 @@ void CallJournal::waitFor(const std::function<bool(const std::vector<Call>&)>& p
       return;
     }
     lock.lock();
-    if (!changed_.wait_until(lock, deadline, [&] { return changes_ != seen; })) {
+    if (!changed_.wait_until(lock.forWaiting(), deadline,
+                             [&]() TARNVOD_REQUIRES(mutex_) { return changes_ != seen; })) {
       throw std::runtime_error("the awaited calls have not come; the journal:\n" + lines(calls));
     }
   }

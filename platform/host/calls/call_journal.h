@@ -4,12 +4,13 @@
 #ifndef VOD_HOST_CALLS_CALL_JOURNAL_H
 #define VOD_HOST_CALLS_CALL_JOURNAL_H
 
+#include "lock.h"
+
 #include <vod_host.h>
 
 #include <condition_variable>
 #include <cstdint>
 #include <functional>
-#include <mutex>
 #include <vector>
 
 namespace vod::host {
@@ -30,13 +31,12 @@ class CallJournal {
   void waitFor(const std::function<bool(const std::vector<Call>&)>& predicate);
 
  private:
-  mutable std::mutex mutex_;
+  mutable Mutex mutex_;
   std::condition_variable changed_;
-  // Guarded by mutex_:
-  bool recording_ = false;
-  std::vector<Call> calls_;
-  std::uint64_t firstNumber_ = 1;
-  std::uint64_t changes_ = 0;
+  bool recording_ TARNVOD_GUARDED_BY(mutex_) = false;
+  std::vector<Call> calls_ TARNVOD_GUARDED_BY(mutex_);
+  std::uint64_t firstNumber_ TARNVOD_GUARDED_BY(mutex_) = 1;
+  std::uint64_t changes_ TARNVOD_GUARDED_BY(mutex_) = 0;
 };
 
 /** The texts of calls, one a line, for messages. */

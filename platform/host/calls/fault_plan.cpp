@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <condition_variable>
 #include <limits>
+#include <mutex>
 #include <utility>
 
 namespace vod::host {
@@ -61,20 +62,20 @@ void pause(std::chrono::milliseconds time) {
 }  // namespace
 
 int FaultPlan::add(const Fault& fault) {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   planned_.push_back({++lastNumber_, fault});
   return lastNumber_;
 }
 
 void FaultPlan::remove(int number) {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   planned_.erase(std::remove_if(planned_.begin(), planned_.end(),
                                 [number](const Planned& planned) { return planned.number == number; }),
                  planned_.end());
 }
 
 void FaultPlan::clear() {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   planned_.clear();
 }
 
@@ -101,7 +102,7 @@ std::optional<int> FaultPlan::meet(Function function, const std::function<void()
 }
 
 std::vector<Fault> FaultPlan::count(Function function) {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   std::vector<Fault> met;
   for (Planned& planned : planned_) {
     if (planned.fault.function_ != function) {

@@ -4,10 +4,11 @@
 #ifndef VOD_HOST_CALLS_FAULT_PLAN_H
 #define VOD_HOST_CALLS_FAULT_PLAN_H
 
+#include "lock.h"
+
 #include <vod_host.h>
 
 #include <functional>
-#include <mutex>
 #include <optional>
 #include <vector>
 
@@ -35,10 +36,9 @@ class FaultPlan {
   };
   std::vector<Fault> count(Function function);
 
-  std::mutex mutex_;
-  // Guarded by mutex_:
-  std::vector<Planned> planned_;
-  int lastNumber_ = 0;
+  Mutex mutex_;
+  std::vector<Planned> planned_ TARNVOD_GUARDED_BY(mutex_);
+  int lastNumber_ TARNVOD_GUARDED_BY(mutex_) = 0;
 };
 
 }  // namespace vod::host

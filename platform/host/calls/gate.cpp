@@ -1,11 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+#include "lock.h"
+
 #include <vod_host.h>
 
 #include <algorithm>
 #include <condition_variable>
-#include <mutex>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -13,17 +14,15 @@
 namespace vod::host {
 
 struct Gate::State {
-  std::mutex mutex;
+  Mutex mutex;
   std::condition_variable changed;
-  // Guarded by mutex:
-  bool reached = false;
-  bool open = false;
+  bool reached TARNVOD_GUARDED_BY(mutex) = false;
+  bool open TARNVOD_GUARDED_BY(mutex) = false;
 };
 
 struct Gate::List {
-  std::mutex mutex;
-  // Guarded by mutex:
-  std::vector<std::weak_ptr<State>> gates;
+  Mutex mutex;
+  std::vector<std::weak_ptr<State>> gates TARNVOD_GUARDED_BY(mutex);
 
   static List& instance() {
     static auto& list = *new List;  // Never destroyed: threads may still stand at a gate while the process ends.
@@ -33,7 +32,7 @@ struct Gate::List {
 
 Gate::Gate() : state_(std::make_shared<State>()) {
   List& list = List::instance();
-  const std::lock_guard lock(list.mutex);
+  const Lock lock(list.mutex);
   auto& gates = list.gates;
   gates.erase(std::remove_if(gates.begin(), gates.end(), [](const auto& gate) { return gate.expired(); }), gates.end());
   gates.push_back(state_);
@@ -42,30 +41,32 @@ Gate::Gate() : state_(std::make_shared<State>()) {
 Gate::Gate(std::shared_ptr<State> state) : state_(std::move(state)) {}
 
 void Gate::waitUntilReached() const {
-  std::unique_lock lock(state_->mutex);
-  if (!state_->changed.wait_for(lock, waitTimeout, [this] { return state_->reached; })) {
+  Lock lock(state_->mutex);
+  if (!state_->changed.wait_for(lock.forWaiting(), waitTimeout,
+                                [this]() TARNVOD_REQUIRES(state_->mutex) { return state_->reached; })) {
     throw std::runtime_error("no call has reached the gate");
   }
 }
 
 void Gate::open() const {
-  const std::lock_guard lock(state_->mutex);
+  const Lock lock(state_->mutex);
   state_->open = true;
   state_->changed.notify_all();
 }
 
 void Gate::pass() const {
-  std::unique_lock lock(state_->mutex);
+  Lock lock(state_->mutex);
   state_->reached = true;
   state_->changed.notify_all();
-  if (!state_->changed.wait_for(lock, waitTimeout, [this] { return state_->open; })) {
+  if (!state_->changed.wait_for(lock.forWaiting(), waitTimeout,
+                                [this]() TARNVOD_REQUIRES(state_->mutex) { return state_->open; })) {
     throw std::runtime_error("nobody has opened the gate");
   }
 }
 
 void Gate::openAll() {
   List& list = List::instance();
-  const std::lock_guard lock(list.mutex);
+  const Lock lock(list.mutex);
   for (const auto& entry : list.gates) {
     if (auto state = entry.lock()) {
       Gate(std::move(state)).open();

@@ -11,7 +11,7 @@ Replayer::Replayer(Deliver deliver) : deliver_(std::move(deliver)), thread_([thi
 
 Replayer::~Replayer() {
   {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     ending_ = true;
     replay_ = 0;
     changed_.notify_all();
@@ -20,7 +20,7 @@ Replayer::~Replayer() {
 }
 
 void Replayer::start(int replay, std::unique_ptr<Playback> playback) {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   next_ = std::move(playback);
   replay_ = replay;
   ended_ = false;
@@ -28,21 +28,21 @@ void Replayer::start(int replay, std::unique_ptr<Playback> playback) {
 }
 
 void Replayer::stop() {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   next_.reset();
   replay_ = 0;
   changed_.notify_all();
 }
 
 bool Replayer::waitForEnd(std::chrono::milliseconds limit) {
-  std::unique_lock lock(mutex_);
-  return changed_.wait_for(lock, limit, [this] { return ended_; });
+  Lock lock(mutex_);
+  return changed_.wait_for(lock.forWaiting(), limit, [this]() TARNVOD_REQUIRES(mutex_) { return ended_; });
 }
 
 void Replayer::loop() {
-  std::unique_lock lock(mutex_);
+  Lock lock(mutex_);
   while (true) {
-    changed_.wait(lock, [this] { return ending_ || next_ != nullptr; });
+    changed_.wait(lock.forWaiting(), [this]() TARNVOD_REQUIRES(mutex_) { return ending_ || next_ != nullptr; });
     if (ending_) {
       return;
     }
@@ -69,8 +69,8 @@ void Replayer::play(int replay, Playback& playback) {
 }
 
 bool Replayer::waitUntilDue(int replay, std::chrono::steady_clock::time_point due) {
-  std::unique_lock lock(mutex_);
-  return !changed_.wait_until(lock, due, [&] { return replay_ != replay; });
+  Lock lock(mutex_);
+  return !changed_.wait_until(lock.forWaiting(), due, [&]() TARNVOD_REQUIRES(mutex_) { return replay_ != replay; });
 }
 
 }  // namespace vod::host

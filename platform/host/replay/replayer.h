@@ -4,13 +4,13 @@
 #ifndef VOD_HOST_REPLAY_REPLAYER_H
 #define VOD_HOST_REPLAY_REPLAYER_H
 
+#include "lock.h"
 #include "replay/playback.h"
 
 #include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <thread>
 
@@ -44,13 +44,12 @@ class Replayer {
   bool waitUntilDue(int replay, std::chrono::steady_clock::time_point due);
 
   const Deliver deliver_;
-  std::mutex mutex_;
+  Mutex mutex_;
   std::condition_variable changed_;
-  // Guarded by mutex_:
-  std::unique_ptr<Playback> next_;
-  int replay_ = 0;
-  bool ended_ = false;
-  bool ending_ = false;
+  std::unique_ptr<Playback> next_ TARNVOD_GUARDED_BY(mutex_);
+  int replay_ TARNVOD_GUARDED_BY(mutex_) = 0;
+  bool ended_ TARNVOD_GUARDED_BY(mutex_) = false;
+  bool ending_ TARNVOD_GUARDED_BY(mutex_) = false;
   // Last, so that it starts when all else is there.
   std::thread thread_;
 };

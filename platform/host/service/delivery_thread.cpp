@@ -11,7 +11,7 @@ DeliveryThread::DeliveryThread() : thread_([this] { loop(); }) {}
 
 DeliveryThread::~DeliveryThread() {
   {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     ending_ = true;
     changed_.notify_all();
   }
@@ -19,30 +19,31 @@ DeliveryThread::~DeliveryThread() {
 }
 
 void DeliveryThread::post(Task task) {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   tasks_.push_back(std::move(task));
   ++posted_;
   changed_.notify_all();
 }
 
 bool DeliveryThread::drain(std::chrono::milliseconds limit) {
-  std::unique_lock lock(mutex_);
+  Lock lock(mutex_);
   const std::uint64_t last = posted_;
-  return changed_.wait_for(lock, limit, [&] { return done_ >= last || ending_; });
+  return changed_.wait_for(lock.forWaiting(), limit,
+                           [&]() TARNVOD_REQUIRES(mutex_) { return done_ >= last || ending_; });
 }
 
 void DeliveryThread::run(const Task& task) {
-  std::unique_lock lock(mutex_);
+  Lock lock(mutex_);
   tasks_.push_back(task);
   const std::uint64_t mine = ++posted_;
   changed_.notify_all();
-  changed_.wait(lock, [&] { return done_ >= mine; });
+  changed_.wait(lock.forWaiting(), [&]() TARNVOD_REQUIRES(mutex_) { return done_ >= mine; });
 }
 
 void DeliveryThread::loop() {
-  std::unique_lock lock(mutex_);
+  Lock lock(mutex_);
   while (true) {
-    changed_.wait(lock, [this] { return ending_ || !tasks_.empty(); });
+    changed_.wait(lock.forWaiting(), [this]() TARNVOD_REQUIRES(mutex_) { return ending_ || !tasks_.empty(); });
     if (ending_) {
       return;
     }

@@ -4,12 +4,13 @@
 #ifndef VOD_HOST_SERVICE_DELIVERY_THREAD_H
 #define VOD_HOST_SERVICE_DELIVERY_THREAD_H
 
+#include "lock.h"
+
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
 #include <functional>
-#include <mutex>
 #include <thread>
 
 namespace vod::host {
@@ -39,13 +40,12 @@ class DeliveryThread {
  private:
   void loop();
 
-  std::mutex mutex_;
+  Mutex mutex_;
   std::condition_variable changed_;
-  // Guarded by mutex_:
-  std::deque<Task> tasks_;
-  std::uint64_t posted_ = 0;
-  std::uint64_t done_ = 0;
-  bool ending_ = false;
+  std::deque<Task> tasks_ TARNVOD_GUARDED_BY(mutex_);
+  std::uint64_t posted_ TARNVOD_GUARDED_BY(mutex_) = 0;
+  std::uint64_t done_ TARNVOD_GUARDED_BY(mutex_) = 0;
+  bool ending_ TARNVOD_GUARDED_BY(mutex_) = false;
   // Last, so that it starts when all else is there.
   std::thread thread_;
 };

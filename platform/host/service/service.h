@@ -6,6 +6,7 @@
 
 #include "calls/call_journal.h"
 #include "calls/fault_plan.h"
+#include "lock.h"
 #include "service/service_state.h"
 
 #include <vod_host.h>
@@ -13,7 +14,6 @@
 #include <atomic>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <vector>
 
@@ -86,26 +86,23 @@ class Service {
   void waitForEndOfRecording(int number);
 
  private:
-  using Lock = std::unique_lock<std::mutex>;
-
-  void configure(const Lock& lock);
-  ChannelState* findChannel(const Lock& lock, int channel);
-  ChannelState& channelAt(const Lock& lock, int channel);
+  void configure(const Lock& lock) TARNVOD_REQUIRES(mutex_);
+  ChannelState* findChannel(const Lock& lock, int channel) TARNVOD_REQUIRES(mutex_);
+  ChannelState& channelAt(const Lock& lock, int channel) TARNVOD_REQUIRES(mutex_);
   int join(const std::shared_ptr<Subscriber>& subscriber, int subscription);
-  void leave(const Lock& lock, const Subscriber& subscriber);
+  void leave(const Lock& lock, const Subscriber& subscriber) TARNVOD_REQUIRES(mutex_);
   void waitForCallbacks(Subscriber& subscriber, Function function);
 
-  int startReplay(const Lock& lock, int number, ChannelState& channel);
+  int startReplay(const Lock& lock, int number, ChannelState& channel) TARNVOD_REQUIRES(mutex_);
   static void stopReplay(const Lock& lock, ChannelState& channel);
   void deliverReplayed(int number, int replay, const std::string& scene);
-  void drop(const Lock& lock, ChannelState& channel);
-  DeliveryThread& threadOf(const Lock& lock, ChannelState& channel);
+  void drop(const Lock& lock, ChannelState& channel) TARNVOD_REQUIRES(mutex_);
+  DeliveryThread& threadOf(const Lock& lock, ChannelState& channel) TARNVOD_REQUIRES(mutex_);
 
-  std::mutex mutex_;
-  // Guarded by mutex_:
-  ServiceState state_;
-  std::uintptr_t lastHandle_ = 0;
-  int lastReplay_ = 0;
+  Mutex mutex_;
+  ServiceState state_ TARNVOD_GUARDED_BY(mutex_);
+  std::uintptr_t lastHandle_ TARNVOD_GUARDED_BY(mutex_) = 0;
+  int lastReplay_ TARNVOD_GUARDED_BY(mutex_) = 0;
 };
 
 }  // namespace vod::host

@@ -13,10 +13,11 @@ namespace vod::host {
 class Subscriber::Running {
  public:
   Running(Subscriber& subscriber, int subscription, Order order) : subscriber_(subscriber) {
-    std::unique_lock lock(subscriber_.mutex_);
+    Lock lock(subscriber_.mutex_);
     if (order == Order::AfterRunningCallback) {
-      subscriber_.changed_.wait(
-          lock, [&] { return subscriber_.subscription_ != subscription || !subscriber_.runsElsewhere(); });
+      subscriber_.changed_.wait(lock.forWaiting(), [&]() TARNVOD_REQUIRES(subscriber_.mutex_) {
+        return subscriber_.subscription_ != subscription || !subscriber_.runsElsewhere();
+      });
     }
     if (subscriber_.subscription_ == subscription) {
       subscriber_.running_.push_back(std::this_thread::get_id());
@@ -27,7 +28,7 @@ class Subscriber::Running {
     if (!settings_) {
       return;
     }
-    const std::lock_guard lock(subscriber_.mutex_);
+    const Lock lock(subscriber_.mutex_);
     auto& running = subscriber_.running_;
     running.erase(std::find(running.begin(), running.end(), std::this_thread::get_id()));
     // Under the lock: whoever waits may let the subscriber go as soon as it has seen the change.
@@ -44,27 +45,27 @@ class Subscriber::Running {
 };
 
 void Subscriber::setDetectionCallback(video_object_detection_subscriber_detection_callback callback) {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   settings_.detection = callback;
 }
 
 void Subscriber::setTeardownCallback(video_object_detection_subscriber_teardown_callback callback) {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   settings_.teardown = callback;
 }
 
 void Subscriber::setReceiveEmptyHits(bool enabled) {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   settings_.receiveEmptyHits = enabled;
 }
 
 void Subscriber::setUseChannelConfiguration(bool enabled) {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   settings_.useChannelConfiguration = enabled;
 }
 
 int Subscriber::subscribe() {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   if (closed_ || subscription_ != 0) {
     return 0;
   }
@@ -73,26 +74,27 @@ int Subscriber::subscribe() {
 }
 
 bool Subscriber::has(int subscription) const {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   return subscription_ == subscription;
 }
 
 void Subscriber::unsubscribe() {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   subscription_ = 0;
   changed_.notify_all();
 }
 
 void Subscriber::close() {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   closed_ = true;
   subscription_ = 0;
   changed_.notify_all();
 }
 
 bool Subscriber::waitForCallbacks(std::chrono::milliseconds limit) {
-  std::unique_lock lock(mutex_);
-  return runsHere() || changed_.wait_for(lock, limit, [this] { return running_.empty(); });
+  Lock lock(mutex_);
+  return runsHere() ||
+         changed_.wait_for(lock.forWaiting(), limit, [this]() TARNVOD_REQUIRES(mutex_) { return running_.empty(); });
 }
 
 void Subscriber::deliver(int subscription, const Frame& frame, const std::optional<Region>& region) {
@@ -131,7 +133,7 @@ void Subscriber::tearDown(int subscription, Order order) {
 }
 
 Registration Subscriber::registration() const {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   return {number_, channel_, userData_, settings_.detection, settings_.teardown, closed_};
 }
 

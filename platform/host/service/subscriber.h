@@ -4,13 +4,13 @@
 #ifndef VOD_HOST_SERVICE_SUBSCRIBER_H
 #define VOD_HOST_SERVICE_SUBSCRIBER_H
 
+#include "lock.h"
 #include "messages/scene_filter.h"
 
 #include <vod_host.h>
 
 #include <chrono>
 #include <condition_variable>
-#include <mutex>
 #include <optional>
 #include <thread>
 #include <vector>
@@ -67,21 +67,20 @@ class Subscriber {
   class Running;
 
   void callDetection(const Settings& settings, const Frame& frame, const std::optional<Region>& region) const;
-  bool runsHere() const;
-  bool runsElsewhere() const;
+  bool runsHere() const TARNVOD_REQUIRES(mutex_);
+  bool runsElsewhere() const TARNVOD_REQUIRES(mutex_);
 
   const int number_;
   const int channel_;
   void* const userData_;
 
-  mutable std::mutex mutex_;
+  mutable Mutex mutex_;
   std::condition_variable changed_;
-  // Guarded by mutex_:
-  Settings settings_;
-  int subscription_ = 0;
-  int lastSubscription_ = 0;
-  bool closed_ = false;
-  std::vector<std::thread::id> running_;
+  Settings settings_ TARNVOD_GUARDED_BY(mutex_);
+  int subscription_ TARNVOD_GUARDED_BY(mutex_) = 0;
+  int lastSubscription_ TARNVOD_GUARDED_BY(mutex_) = 0;
+  bool closed_ TARNVOD_GUARDED_BY(mutex_) = false;
+  std::vector<std::thread::id> running_ TARNVOD_GUARDED_BY(mutex_);
 };
 
 }  // namespace vod::host
