@@ -1,21 +1,22 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-// Runs until the system or the user says stop (SIGTERM, SIGINT), then leaves in good order: cameras first, then the
-// retry thread. A process that ends while that thread still runs is aborted.
+// Runs until it receives SIGTERM or SIGINT, then shuts down in order: cameras first, then the retry thread. A process that
+// ends while that thread still runs is aborted.
 
 #include <tarnvod/tarnvod.h>
 
 #include <csignal>
 #include <iostream>
 #include <memory>
+#include <utility>
 
 using tarn::VOD::DetectionData;
 using tarn::VOD::Handler;
 
 namespace {
 
-/** From now on the stop signals wait for `waitForStop` instead of ending the process. */
+/** From here on the stop signals wait for `waitForStop` instead of ending the process. */
 sigset_t holdStopSignals() {
   sigset_t signals;
   sigemptyset(&signals);
@@ -33,18 +34,18 @@ void waitForStop(const sigset_t& signals) {
 }  // namespace
 
 int main() {
-  // Before anything starts a thread: threads inherit the mask, and so none of them is hit by the signal. Nothing runs
-  // in a signal handler either, where almost no function may be called.
+  // Before anything starts a thread: threads inherit the mask, so that none of them receives the signal. And nothing runs in
+  // a signal handler, where almost no function may be called.
   const sigset_t stopSignals = holdStopSignals();
 
   Handler::initialize(1);
-  const auto frames = std::make_shared<int>(0);
-  const auto count = [frames](std::unique_ptr<DetectionData>, int) {
-    if (++*frames == 1) {
-      std::cout << "receiving" << std::endl;
+  const auto isFirst = std::make_shared<bool>(true);
+  const auto reportFirst = [isFirst](std::unique_ptr<DetectionData> frame, int) {
+    if (std::exchange(*isFirst, false)) {
+      std::cout << "receiving: " << frame->detections.size() << " people in the first frame" << std::endl;
     }
   };
-  Handler::setup(1, count, {"human"});
+  Handler::setup(1, reportFirst, {"human"});
 
   waitForStop(stopSignals);
 

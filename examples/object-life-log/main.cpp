@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-// Writes down the life of each object: when it appears, when the detector becomes sure or unsure of it, when it turns
-// out to be one that was seen before, when it is gone. Shows what status and events tell together. Ends with Enter.
+// Logs the life of each object: when it appears, when the detector becomes sure or unsure of it, when it is recognised as one
+// that was seen before, and when it is gone. Shows how status and events belong together. Ends with Enter.
 
 #include <tarnvod/tarnvod.h>
 

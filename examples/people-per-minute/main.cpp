@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-// Counts the people that each minute shows: how to tell objects apart by their ids, and how to keep time by the frames'
+// Counts the people who are seen in each minute: how to distinguish objects by their ids, and how to keep time by the frames'
 // own time stamps. Ends with Enter.
 
 #include <tarnvod/tarnvod.h>
@@ -36,6 +36,13 @@ class PeopleCounter {
         people_.insert(detection.objectId);
       }
     }
+    for (const tarn::VOD::VodEvent& event : frame.events) {
+      if (event.action == tarn::VOD::EventAction::Connect) {  // somebody known already, whose id has changed
+        for (const int earlier : event.objectIds) {
+          people_.erase(static_cast<std::uint32_t>(earlier));
+        }
+      }
+    }
   }
 
  private:
@@ -54,7 +61,7 @@ class PeopleCounter {
 int main() {
   Handler::initialize(1);
 
-  // Shared with the callback: a frame may still be on its way when the camera has been torn down.
+  // Shared with the callback, which may still be running when the camera has been torn down.
   const auto counter = std::make_shared<PeopleCounter>();
   Handler::setup(1, [counter](std::unique_ptr<DetectionData> frame, int) { counter->count(*frame); }, {"human"});
 

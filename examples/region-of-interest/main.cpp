@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-// Lets the detector look at the upper left quarter of the image only, and tells when the number of people there
-// changes. The region is the service's to apply: objects outside of it do not even arrive. Ends with Enter.
+// Limits the detector to the upper left quarter of the image, and prints each change of the number of people there. The
+// service applies the region: detections outside of it are not delivered at all. Ends with Enter.
 
 #include <tarnvod/tarnvod.h>
 
@@ -16,18 +16,17 @@ using tarn::VOD::Handler;
 int main() {
   Handler::initialize(1);
 
-  // Four numbers in the service's convention. The host platform takes them for left, top, right and bottom, from 0
-  // to 1.
+  // Four numbers in the service's convention. For the host platform they are left, top, right and bottom, from 0 to 1.
   const tarn::VOD::VodChannelConfiguration upperLeftQuarter{0.0F, 0.0F, 0.5F, 0.5F};
 
   const auto people = std::make_shared<std::size_t>(0);
-  const auto tellChanges = [people](std::unique_ptr<DetectionData> frame, int) {
+  const auto printChanges = [people](std::unique_ptr<DetectionData> frame, int) {
     if (frame->detections.size() != *people) {
       *people = frame->detections.size();
       std::cout << frame->timestamp << ": people in the region: " << *people << std::endl;
     }
   };
-  Handler::setup(1, tellChanges, {"human"}, upperLeftQuarter);
+  Handler::setup(1, printChanges, {"human"}, upperLeftQuarter);
 
   std::cin.get();
   // A camera that is already set up keeps its region: to change it, tear the camera down and set it up again.

@@ -2,8 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 // Handles the frames of all cameras on one thread of the application. The service's threads only put them into a queue,
-// so slow work here holds nobody up: with KeepLatest the worker always gets each camera's newest frame. Ends with
-// Enter.
+// so slow work here delays nobody: with KeepLatest the worker always gets each camera's newest frame. Ends with Enter.
 
 #include <tarnvod/frame_queue.h>
 
@@ -19,10 +18,10 @@ using tarn::VOD::Handler;
 namespace {
 
 void work(FrameQueue& queue) {
-  std::set<int> seen;
+  std::set<int> camerasWithPeople;
   while (const std::optional<tarn::VOD::QueuedFrame> next = queue.pop()) {
-    if (seen.insert(next->camera).second) {
-      std::cout << "camera " << next->camera << " delivers" << std::endl;
+    if (!next->frame->detections.empty() && camerasWithPeople.insert(next->camera).second) {
+      std::cout << "camera " << next->camera << " sees people" << std::endl;
     }
   }
 }
@@ -36,7 +35,7 @@ int main() {
 
   Handler::initialize(1);
   for (int camera = 1; camera <= cameras; ++camera) {
-    Handler::setup(camera, queue.callback(), {"human", "car"});
+    Handler::setup(camera, queue.callback(), {"human"});
   }
 
   std::cin.get();
@@ -45,7 +44,7 @@ int main() {
   }
   Handler::deinitialize();
 
-  queue.close();  // the worker takes out what is left, then ends
+  queue.close();  // the worker handles the frames that are left, then ends
   worker.join();
   for (const auto& [camera, counts] : queue.counts()) {
     std::cout << "camera " << camera << ": " << counts.delivered << " frames handled, " << counts.dropped << " skipped"

@@ -3,8 +3,8 @@
 # SPDX-License-Identifier: MIT
 #
 # run_example.sh PROGRAM EXPECTED: runs an example and compares what it prints, line by line, with the file EXPECTED, whose
-# lines are regular expressions. At the line "== enter" the user presses Enter; at "== SIGTERM" the program gets that signal.
-# It must then end by itself, with success.
+# lines are regular expressions. A line "..." stands for any lines before the next one. At the line "== enter" the user presses
+# Enter; at "== SIGTERM" the program receives that signal. It must then end with status 0.
 set -euo pipefail
 program=$1
 expected=$2
@@ -20,19 +20,32 @@ eval "exec ${example[1]}>&-"
 process=$example_PID
 trap 'kill "$process" 2>/dev/null || true' EXIT
 
+# expect_line PATTERN: the next line matches, or one of the next lines after "...".
+expect_line() {
+  local line last=nothing
+  while IFS= read -r -t 60 -u "$output" line; do
+    [[ ! $line =~ ^$1$ ]] || return 0
+    [[ $skip == yes ]] || fail "printed \"$line\" instead of: $1"
+    last=\"$line\"
+  done
+  fail "ended, or printed nothing for a minute, before: $1; the last line was $last"
+}
+
+skip=no
 while IFS= read -r pattern; do
   case $pattern in
+    ...) skip=yes ;;
     "== enter") exec {input}>&- ;;
     "== SIGTERM") kill -TERM "$process" ;;
     *)
-      IFS= read -r -t 60 -u "$output" line || fail "ended, or said nothing for a minute, before: $pattern"
-      [[ $line =~ ^$pattern$ ]] || fail "printed \"$line\" instead of: $pattern"
+      expect_line "$pattern"
+      skip=no
       ;;
   esac
 done <"$expected"
 
-if IFS= read -r -t 60 -u "$output" line; then
-  fail "printed more than expected: $line"
-fi
+while IFS= read -r -t 60 -u "$output" line; do
+  [[ $skip == yes ]] || fail "printed more than expected: $line"
+done
 wait "$process" || fail "ended with $?"
 trap - EXIT
