@@ -22,17 +22,6 @@
 #include <string>
 #include <vector>
 
-namespace VOD {
-enum Detection_DetectionStatus : int;
-enum EventAction : int;
-
-/** Prints the wire value's name (`TRACKED_CONFIDENT`), or the number of a value that has none. */
-TARNVOD_EXPORT std::ostream& operator<<(std::ostream& out, Detection_DetectionStatus status);
-
-/** Prints the wire value's name (`EVENT_CONNECT`), or the number of a value that has none. */
-TARNVOD_EXPORT std::ostream& operator<<(std::ostream& out, EventAction action);
-}  // namespace VOD
-
 namespace tarn::VOD {
 
 /** What happened to a tracked object. The numbers are those of the service. */

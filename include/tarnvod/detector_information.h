@@ -25,19 +25,7 @@
 
 namespace VOD {
 class DetectorInformation;
-enum ComputeChip : int;
-enum ReIDStatus : int;
-enum FisheyeMountingPosition : int;
-
-/** Prints the wire value's name (`TOVREK_8_DLPU`), or the number of a value that has none. */
-TARNVOD_EXPORT std::ostream& operator<<(std::ostream& out, ComputeChip chip);
-
-/** Prints the wire value's name (`REID_RUNNING`), or the number of a value that has none. */
-TARNVOD_EXPORT std::ostream& operator<<(std::ostream& out, ReIDStatus status);
-
-/** Prints the wire value's name (`WALL_MOUNTED`), or the number of a value that has none. */
-TARNVOD_EXPORT std::ostream& operator<<(std::ostream& out, FisheyeMountingPosition position);
-}  // namespace VOD
+}
 
 namespace tarn::VOD {
 

@@ -4,19 +4,6 @@
 #include "support/printing.h"
 
 #include <tarnvod/detection_data.h>
-#include <tarnvod/video_object_detection.pb.h>
-
-namespace VOD {
-
-std::ostream& operator<<(std::ostream& out, Detection_DetectionStatus status) {
-  return tarn::VOD::printing::printEnumerator(out, status, Detection_DetectionStatus_Name(status));
-}
-
-std::ostream& operator<<(std::ostream& out, EventAction action) {
-  return tarn::VOD::printing::printEnumerator(out, action, EventAction_Name(action));
-}
-
-}  // namespace VOD
 
 namespace tarn::VOD {
 

@@ -4,25 +4,6 @@
 #include "support/printing.h"
 
 #include <tarnvod/detector_information.h>
-#include <tarnvod/video_object_detection.pb.h>
-
-namespace VOD {
-
-using tarn::VOD::printing::printEnumerator;
-
-std::ostream& operator<<(std::ostream& out, ComputeChip chip) {
-  return printEnumerator(out, chip, ComputeChip_Name(chip));
-}
-
-std::ostream& operator<<(std::ostream& out, ReIDStatus status) {
-  return printEnumerator(out, status, ReIDStatus_Name(status));
-}
-
-std::ostream& operator<<(std::ostream& out, FisheyeMountingPosition position) {
-  return printEnumerator(out, position, FisheyeMountingPosition_Name(position));
-}
-
-}  // namespace VOD
 
 namespace tarn::VOD {
 

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 #include <tarnvod/detection_data.h>
-#include <tarnvod/video_object_detection.pb.h>
 
 #include <sstream>
 
@@ -29,19 +28,6 @@ TEST(ADetectionStatus, PrintsItsNameOrItsNumber) {
   EXPECT_EQ(printed(DetectionStatus::TrackedUnconfident), "TrackedUnconfident");
   EXPECT_EQ(printed(DetectionStatus::TrackedConfident), "TrackedConfident");
   EXPECT_EQ(printed(static_cast<DetectionStatus>(7)), "7");
-}
-
-TEST(AnEventActionOfTheWire, PrintsItsNameOrItsNumber) {
-  EXPECT_EQ(printed(::VOD::EVENT_DELETE), "EVENT_DELETE");
-  EXPECT_EQ(printed(::VOD::EVENT_CONNECT), "EVENT_CONNECT");
-  EXPECT_EQ(printed(static_cast<::VOD::EventAction>(2)), "2");
-}
-
-TEST(ADetectionStatusOfTheWire, PrintsItsNameOrItsNumber) {
-  EXPECT_EQ(printed(::VOD::Detection::UNTRACKED), "UNTRACKED");
-  EXPECT_EQ(printed(::VOD::Detection::TRACKED_UNCONFIDENT), "TRACKED_UNCONFIDENT");
-  EXPECT_EQ(printed(::VOD::Detection::TRACKED_CONFIDENT), "TRACKED_CONFIDENT");
-  EXPECT_EQ(printed(static_cast<::VOD::Detection_DetectionStatus>(-7)), "-7");
 }
 
 TEST(AnAttribute, PrintsOnOneLine) {

@@ -49,15 +49,6 @@ TEST(AMountingPosition, PrintsItsNameOrItsNumber) {
   EXPECT_EQ(printed(static_cast<FishEyeMountingPosition>(4)), "4");
 }
 
-TEST(AnEnumerationOfTheWire, PrintsItsNameOrItsNumber) {
-  EXPECT_EQ(printed(::VOD::RX4420_DLPU), "RX4420_DLPU");
-  EXPECT_EQ(printed(static_cast<::VOD::ComputeChip>(12)), "12");
-  EXPECT_EQ(printed(::VOD::REID_RUNNING), "REID_RUNNING");
-  EXPECT_EQ(printed(static_cast<::VOD::ReIDStatus>(2)), "2");
-  EXPECT_EQ(printed(::VOD::WALL_MOUNTED), "WALL_MOUNTED");
-  EXPECT_EQ(printed(static_cast<::VOD::FisheyeMountingPosition>(-1)), "-1");
-}
-
 TEST(AnEmptyDetectorInformation, PrintsOnOneLine) {
   EXPECT_EQ(printed(DetectorInformation(::VOD::DetectorInformation())),
             "DetectorInformation{cameraNbr: 1, calibrations: {}, objectVariants: {}, fishEyeMountingPosition: none, "
