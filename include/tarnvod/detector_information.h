@@ -124,46 +124,44 @@ class TARNVOD_EXPORT DetectorInformation {
   explicit DetectorInformation(const ::VOD::DetectorInformation& message);
 
   /** The camera that this information belongs to, counted from 1. */
-  int getCameraNbr() const { return cameraNbr_; }
+  int getCameraNbr() const;
 
   /** Calibrations per class, in the service's order; class names in lower case. Valid while this object lives. */
-  const std::map<std::string, std::vector<Calibration>>& getCalibrationsContainer() const { return calibrations_; }
+  const std::map<std::string, std::vector<Calibration>>& getCalibrationsContainer() const;
 
   /** The attributes that each object class can have; class names as sent. Valid while this object lives. */
-  const std::map<std::string, ObjectSchema>& getObjectVariants() const { return objectVariants_; }
+  const std::map<std::string, ObjectSchema>& getObjectVariants() const;
 
   /** How a fisheye camera is mounted; empty when the detector said nothing of it. */
-  std::optional<FishEyeMountingPosition> lookupFishEyeMountingPosition() const { return fishEyeMountingPosition_; }
+  std::optional<FishEyeMountingPosition> lookupFishEyeMountingPosition() const;
 
   /** Whether re-identification runs. */
-  ReidStatus getReidStatus() const { return reidStatus_; }
+  ReidStatus getReidStatus() const;
 
   /** The processor on which inference runs. */
-  ComputeChip getComputeChip() const { return computeChip_; }
+  ComputeChip getComputeChip() const;
 
   /** The object classes. Valid while this object lives. */
-  const Classifications& getClassifications() const { return classifications_; }
+  const Classifications& getClassifications() const;
 
   /** The rotation of the analysed image as the detector reports it, unchanged; 0 when it reports none. */
-  int getRotation() const { return rotation_; }
+  int getRotation() const;
 
   /** Attribute type name to the names of its values, as sent; types without values are left out. Valid while this
    * object lives. */
-  const std::map<std::string, std::set<std::string>>& getSupportedAttributes() const { return supportedAttributes_; }
+  const std::map<std::string, std::set<std::string>>& getSupportedAttributes() const;
 
   /** @name Setters: each replaces the whole value */
   ///@{
   /** Replaces the value. */
-  void setCameraNbr(int cameraNbr) { cameraNbr_ = cameraNbr; }
+  void setCameraNbr(int cameraNbr);
   void setCalibrationsContainer(std::map<std::string, std::vector<Calibration>> calibrations);
   void setObjectVariants(std::map<std::string, ObjectSchema> objectVariants);
-  void setFishEyeMountingPosition(std::optional<FishEyeMountingPosition> position) {
-    fishEyeMountingPosition_ = position;
-  }
-  void setReidStatus(ReidStatus status) { reidStatus_ = status; }
-  void setComputeChip(ComputeChip chip) { computeChip_ = chip; }
+  void setFishEyeMountingPosition(std::optional<FishEyeMountingPosition> position);
+  void setReidStatus(ReidStatus status);
+  void setComputeChip(ComputeChip chip);
   void setClassifications(Classifications classifications);
-  void setRotation(int rotation) { rotation_ = rotation; }
+  void setRotation(int rotation);
   void setAttributes(std::map<std::string, std::set<std::string>> supportedAttributes);
   ///@}
 
