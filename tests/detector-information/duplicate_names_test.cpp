@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "message_builders.h"
+#include "support/detector_builder.h"
 
 #include <gmock/gmock.h>
 #include <tarnvod/detector_information.h>

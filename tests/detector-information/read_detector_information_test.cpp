@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "message_builders.h"
 #include "support/allocation_failure.h"
+#include "support/detector_builder.h"
 #include "support/parsing_without_memory.h"
 #include "support/system_log.h"
 #include "support/wire_bytes.h"
@@ -122,7 +122,7 @@ TEST_F(AService, ThatSendsAnInvalidNameGivesWhatStandsBeforeIt) {
   EXPECT_EQ(read().object_classes(0).id(), 7U);
 }
 
-TEST_F(AService, ThatTellsALengthBeyondAnyMessageGivesAnEmptyMessage) {
+TEST_F(AService, ThatReturnsALengthBeyondAnyMessageGivesAnEmptyMessage) {
   constexpr auto longest = static_cast<std::size_t>(std::numeric_limits<int>::max());
   for (const auto length : {longest + 1, longest + 2, std::numeric_limits<std::size_t>::max()}) {
     service.length = length;

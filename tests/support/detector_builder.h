@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#ifndef TARNVOD_TESTS_MESSAGE_BUILDERS_H
-#define TARNVOD_TESTS_MESSAGE_BUILDERS_H
+#ifndef TARNVOD_TESTS_SUPPORT_DETECTOR_BUILDER_H
+#define TARNVOD_TESTS_SUPPORT_DETECTOR_BUILDER_H
 
 #include <tarnvod/video_object_detection.pb.h>
 

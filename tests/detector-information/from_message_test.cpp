@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "message_builders.h"
+#include "support/detector_builder.h"
 
 #include <gmock/gmock.h>
 #include <tarnvod/detector_information.h>
@@ -83,7 +83,7 @@ TEST_F(PropertiesOfAMessage, GiveNoMountingPositionWhenNoneWasSent) {
   EXPECT_FALSE(converted().lookupFishEyeMountingPosition());
 }
 
-TEST_F(PropertiesOfAMessage, TellThatReidentificationRunsForOneOnly) {
+TEST_F(PropertiesOfAMessage, ReportReidentificationAsRunningForOneOnly) {
   properties().set_reid_status(::VOD::REID_RUNNING);
   EXPECT_EQ(converted().getReidStatus(), ReidStatus::REID_RUNNING);
   for (const int number : {0, 2, -1}) {
