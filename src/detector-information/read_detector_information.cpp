@@ -22,7 +22,7 @@ struct Free {
   void operator()(void* buffer) const { std::free(buffer); }
 };
 
-/** Lengths that no message can have end like bytes that are none: the message stays empty. */
+/** A length beyond that of any message is treated like malformed bytes: the message stays empty. */
 bool isMessageLength(InformationLength length) {
   constexpr auto longest = static_cast<std::uintmax_t>(std::numeric_limits<int>::max());
   return static_cast<std::uintmax_t>(length) <= longest;  // a negative length becomes a huge one
@@ -39,8 +39,8 @@ bool isMessageLength(InformationLength length) {
   }
   const std::unique_ptr<void, Free> buffer(information);  // released also when parsing runs out of memory
   ::VOD::DetectorInformation message;
-  if (isMessageLength(length)) {
-    // Bytes that are not a valid message are no error: what could be read of them is the result.
+  if (buffer && isMessageLength(length)) {
+    // Bytes that are not a valid message are not an error: the result holds what could be read of them.
     static_cast<void>(message.ParseFromArray(buffer.get(), static_cast<int>(length)));
   }
   return message;

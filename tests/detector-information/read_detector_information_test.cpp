@@ -25,6 +25,7 @@ struct Service {
   int result = 0;
   std::string information;
   std::optional<std::size_t> length;
+  bool givesNull = false;
   video_object_detection_subscriber_st* askedFor = nullptr;
   bool gaveErrorParameter = false;
 };
@@ -41,8 +42,12 @@ extern "C" int video_object_detection_subscriber_get_information(video_object_de
     *information = reinterpret_cast<uint8_t*>(1);  // nothing that could be freed
     return service.result;
   }
-  *information = static_cast<uint8_t*>(std::malloc(service.information.size() + 1));
-  std::memcpy(*information, service.information.data(), service.information.size());
+  if (service.givesNull) {
+    *information = nullptr;
+  } else {
+    *information = static_cast<uint8_t*>(std::malloc(service.information.size() + 1));
+    std::memcpy(*information, service.information.data(), service.information.size());
+  }
   *length = service.length.value_or(service.information.size());
   return 0;
 }
@@ -128,6 +133,12 @@ TEST_F(AService, ThatReturnsALengthBeyondAnyMessageGivesAnEmptyMessage) {
     service.length = length;
     EXPECT_EQ(read().SerializeAsString(), "") << length;
   }
+}
+
+TEST_F(AService, ThatGivesALengthButNoBytesGivesAnEmptyMessage) {
+  service.givesNull = true;
+  EXPECT_EQ(read().SerializeAsString(), "");
+  EXPECT_THAT(log_.lines(), IsEmpty());
 }
 
 TEST_F(AService, HasItsBufferFreed) {
