@@ -29,6 +29,11 @@ class DetectorInformation;
 
 namespace tarn::VOD {
 
+/// @cond
+template <typename Record>
+struct MemberList;  // the library's own access to members
+/// @endcond
+
 /** The processor on which inference runs. The numbers are the service's, which leaves 8 without a name here. */
 enum class ComputeChip : std::uint8_t {
   CHIP_UNKNOWN = 0,  ///< not told, or a processor that has no name here
@@ -98,10 +103,7 @@ class TARNVOD_EXPORT Classifications {
   bool isEmpty() const;
 
  private:
-  friend std::map<int, std::string> mapClassIdsToNames(const Classifications& classifications,
-                                                       const std::set<std::string>& names);
-  friend bool operator==(const Classifications& left, const Classifications& right);
-  friend std::ostream& operator<<(std::ostream& out, const Classifications& classifications);
+  friend struct MemberList<Classifications>;
 
   std::map<std::string, int> idsByName_;
 };
@@ -166,7 +168,7 @@ class TARNVOD_EXPORT DetectorInformation {
   ///@}
 
  private:
-  friend bool operator==(const DetectorInformation& left, const DetectorInformation& right);
+  friend struct MemberList<DetectorInformation>;
 
   std::int32_t cameraNbr_ = 0;
   std::map<std::string, std::vector<Calibration>> calibrations_;

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "detector-information/class_ids_to_names.h"
+#include "detector-information/model_members.h"
 #include "support/printing.h"
 
 #include <tarnvod/detector_information.h>
@@ -24,10 +25,11 @@ std::set<std::string> Classifications::getClassNames() const {
 
 std::map<int, std::string> mapClassIdsToNames(const Classifications& classifications,
                                               const std::set<std::string>& names) {
+  const std::map<std::string, int>& idsByName = classifications.*MemberList<Classifications>::idsByName;
   std::map<int, std::string> namesById;
   for (const auto& name : names) {
-    const auto found = classifications.idsByName_.find(name);
-    if (found != classifications.idsByName_.end()) {
+    const auto found = idsByName.find(name);
+    if (found != idsByName.end()) {
       namesById[found->second] = name;
     }
   }
@@ -47,11 +49,11 @@ bool Classifications::isEmpty() const {
 }
 
 bool operator==(const Classifications& left, const Classifications& right) {
-  return left.idsByName_ == right.idsByName_;
+  return equalMembers(left, right);
 }
 
 std::ostream& operator<<(std::ostream& out, const Classifications& classifications) {
-  return printing::Record(out, "Classifications").member("idsByName", classifications.idsByName_).end();
+  return printing::printRecord(out, classifications);
 }
 
 }  // namespace tarn::VOD

@@ -1,7 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+#include "detector-information/model_members.h"
+#include "support/printing.h"
+
 #include <tarnvod/detector_information.h>
+#include <tarnvod/video_object_detection.pb.h>
 
 #include <utility>
 
@@ -64,20 +68,38 @@ void DetectorInformation::setAttributes(std::map<std::string, std::set<std::stri
 }
 
 bool operator==(const Calibration& left, const Calibration& right) {
-  return left.coefficientC == right.coefficientC && left.coefficientA == right.coefficientA &&
-         left.coefficientB == right.coefficientB;
+  return equalMembers(left, right);
 }
-
 bool operator==(const ObjectSchema& left, const ObjectSchema& right) {
-  return left.attributes == right.attributes;
+  return equalMembers(left, right);
+}
+bool operator==(const DetectorInformation& left, const DetectorInformation& right) {
+  return equalMembers(left, right);
 }
 
-bool operator==(const DetectorInformation& left, const DetectorInformation& right) {
-  return left.cameraNbr_ == right.cameraNbr_ && left.calibrations_ == right.calibrations_ &&
-         left.objectVariants_ == right.objectVariants_ &&
-         left.fishEyeMountingPosition_ == right.fishEyeMountingPosition_ && left.reidStatus_ == right.reidStatus_ &&
-         left.computeChip_ == right.computeChip_ && left.classifications_ == right.classifications_ &&
-         left.rotation_ == right.rotation_ && left.supportedAttributes_ == right.supportedAttributes_;
+// The enumerators are named and numbered as those of the message; only RX4420_DLPU is left out.
+std::ostream& operator<<(std::ostream& out, ComputeChip chip) {
+  const auto wireChip = static_cast<::VOD::ComputeChip>(chip);
+  return printing::printEnumerator(out, wireChip,
+                                   wireChip != ::VOD::RX4420_DLPU ? ::VOD::ComputeChip_Name(wireChip) : std::string());
+}
+std::ostream& operator<<(std::ostream& out, ReidStatus status) {
+  const auto wireStatus = static_cast<::VOD::ReIDStatus>(status);
+  return printing::printEnumerator(out, wireStatus, ::VOD::ReIDStatus_Name(wireStatus));
+}
+std::ostream& operator<<(std::ostream& out, FishEyeMountingPosition position) {
+  const auto wirePosition = static_cast<::VOD::FisheyeMountingPosition>(position);
+  return printing::printEnumerator(out, wirePosition, ::VOD::FisheyeMountingPosition_Name(wirePosition));
+}
+
+std::ostream& operator<<(std::ostream& out, const Calibration& calibration) {
+  return printing::printRecord(out, calibration);
+}
+std::ostream& operator<<(std::ostream& out, const ObjectSchema& schema) {
+  return printing::printRecord(out, schema);
+}
+std::ostream& operator<<(std::ostream& out, const DetectorInformation& information) {
+  return printing::printRecord(out, information);
 }
 
 }  // namespace tarn::VOD

@@ -21,17 +21,6 @@ std::ostream& printEnumerator(std::ostream& out, int number, std::string_view na
   return name.empty() ? out << number : out << name;
 }
 
-std::ostream& printListedEnumerator(std::ostream& out, int number, std::string_view names) {
-  for (int place = 0; place != number; ++place) {
-    const std::size_t comma = names.find(',');
-    if (comma == std::string_view::npos) {
-      return out << number;
-    }
-    names.remove_prefix(comma + 1);
-  }
-  return printEnumerator(out, number, names.substr(0, names.find(',')));
-}
-
 void print(std::ostream& out, const std::string& text) {
   out << '"';
   for (const char character : text) {
@@ -45,19 +34,6 @@ void print(std::ostream& out, const std::string& text) {
     }
   }
   out << '"';
-}
-
-Record::Record(std::ostream& out, const char* name) : out_(out) {
-  out_ << name << '{';
-}
-
-std::ostream& Record::end() {
-  return out_ << '}';
-}
-
-void Record::begin(const char* member) {
-  out_ << separator_ << member << ": ";
-  separator_ = ", ";
 }
 
 }  // namespace tarn::VOD::printing

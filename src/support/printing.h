@@ -4,6 +4,8 @@
 #ifndef TARNVOD_SUPPORT_PRINTING_H
 #define TARNVOD_SUPPORT_PRINTING_H
 
+#include "support/member_list.h"
+
 #include <map>
 #include <optional>
 #include <ostream>
@@ -17,12 +19,6 @@ namespace tarn::VOD::printing {
 
 /** Prints the name, or the number if the name is empty. */
 std::ostream& printEnumerator(std::ostream& out, int number, std::string_view name);
-
-/**
- * Prints the name at the number's place in the list, or the number where the list has no name for it. The names stand in
- * one text, separated by commas: an array of texts would have to be relocated when the library is loaded.
- */
-std::ostream& printListedEnumerator(std::ostream& out, int number, std::string_view names);
 
 /** Prints the text in quotation marks, with control characters escaped so that it stays on its line. */
 void print(std::ostream& out, const std::string& text);
@@ -77,26 +73,18 @@ void print(std::ostream& out, const std::map<std::string, Value>& map) {
   out << '}';
 }
 
-/** Prints a record: `Name{member: value, other: value}`. */
-class Record {
- public:
-  Record(std::ostream& out, const char* name);
-
-  template <typename Value>
-  Record& member(const char* name, const Value& value) {
-    begin(name);
-    print(out_, value);
-    return *this;
-  }
-
-  std::ostream& end();
-
- private:
-  void begin(const char* member);
-
-  std::ostream& out_;
-  const char* separator_ = "";
-};
+/** Prints a record that has a list of its members: `Name{member: value, other: value}`. */
+template <typename Record>
+std::ostream& printRecord(std::ostream& out, const Record& record) {
+  const char* separator = "";
+  out << MemberList<Record>::name << '{';
+  visitMembers(record, [&](const char* name, const auto& value) {
+    out << separator << name << ": ";
+    print(out, value);
+    separator = ", ";
+  });
+  return out << '}';
+}
 
 }  // namespace tarn::VOD::printing
 
