@@ -18,7 +18,7 @@ class TemporarySubscriber {
  public:
   explicit TemporarySubscriber(int camera) {
     using Channel = ParameterType<decltype(video_object_detection_subscriber_create), 2>;
-    if (video_object_detection_subscriber_create(&subscriber_, nullptr, static_cast<Channel>(camera - 1)) != 0) {
+    if (video_object_detection_subscriber_create(&subscriber_, nullptr, static_cast<Channel>(channelOf(camera))) != 0) {
       throw std::runtime_error("Failed to create subscription to vod.");
     }
   }

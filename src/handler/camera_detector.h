@@ -8,6 +8,11 @@
 
 namespace tarn::VOD {
 
+/** The platform's channel of a camera: the number below it. Below the least camera number comes the greatest. */
+constexpr int channelOf(int camera) {
+  return static_cast<int>(static_cast<unsigned>(camera) - 1U);
+}
+
 /**
  * Asks the service for a camera's detector information, through the camera's own subscriber or else a temporary one.
  *

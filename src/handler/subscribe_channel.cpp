@@ -43,21 +43,24 @@ using SetChannelConfiguration = decltype(video_object_detection_set_channel_conf
 class NewSubscriber {
  public:
   explicit NewSubscriber(int camera) TARNVOD_REQUIRES(handlerMutex)
-      : userData_(&registry.userData.try_emplace(camera, camera).first->second) {}
+      : userData_(registry.userData->make(camera)), setUp_{userData_.get(), false, registry.innermostSetUp} {
+    registry.innermostSetUp = &setUp_;
+  }
 
   // There is nothing to be done about failures here.
-  ~NewSubscriber() {
+  ~NewSubscriber() TARNVOD_REQUIRES(handlerMutex) {
     if (subscriber_ != nullptr) {
       static_cast<void>(video_object_detection_subscriber_unsubscribe(subscriber_));
       static_cast<void>(video_object_detection_subscriber_delete(&subscriber_));
     }
+    registry.innermostSetUp = setUp_.outer;
   }
 
   NewSubscriber(const NewSubscriber&) = delete;
   NewSubscriber& operator=(const NewSubscriber&) = delete;
 
   void subscribe(const std::optional<VodChannelConfiguration>& region) {
-    require(video_object_detection_subscriber_create(&subscriber_, userData_,
+    require(video_object_detection_subscriber_create(&subscriber_, userData_.get(),
                                                      static_cast<ParameterType<Create, 2>>(channel())) == 0,
             "Failed to create subscription to vod.");
     require(video_object_detection_subscriber_set_get_detection_callback(subscriber_, detectionCallback) == 0,
@@ -69,18 +72,23 @@ class NewSubscriber {
     if (region) {
       configure(*region);
     }
-    require(video_object_detection_subscriber_subscribe(subscriber_) == 0, "Failed to subscribe to vod data.");
+    require(video_object_detection_subscriber_subscribe(subscriber_) == 0 && !setUp_.dropped, subscribingFailed);
   }
+
+  /** The service may have ended the subscription while the platform was asked through other subscribers. */
+  void requireThatItLasts() const { require(!setUp_.dropped, subscribingFailed); }
 
   video_object_detection_subscriber_st* get() const { return subscriber_; }
 
   void keepIn(ChannelSubscription& record) noexcept {
     record.subscriber = std::exchange(subscriber_, nullptr);
-    record.userData = userData_;
+    record.userData = std::move(userData_);
   }
 
  private:
-  int channel() const { return *userData_ - 1; }
+  static constexpr auto subscribingFailed = "Failed to subscribe to vod data.";
+
+  int channel() const { return channelOf(userData_->camera); }
 
   void configure(const VodChannelConfiguration& region) const {
     ::VOD::ChannelConfiguration configuration;
@@ -99,7 +107,8 @@ class NewSubscriber {
             "Failed to enable channel configuration on vod.");
   }
 
-  std::int32_t* userData_;
+  UserDataPool::Pointer userData_;
+  SetUpUnderWay setUp_;
   video_object_detection_subscriber_st* subscriber_ = nullptr;
 };
 
@@ -138,6 +147,7 @@ bool subscribeChannel(const HandlerLock& lock, SubscriptionRequest& request, Dis
     // The service is asked for the detector through the new subscriber too; its answer is of no further use.
     static_cast<void>(readDetectorInformation(subscriber.get()));
     refreshAttributeNames(lock, request.camera);
+    subscriber.requireThatItLasts();
     subscriber.keepIn(subscription);
   } catch (const std::system_error&) {
     throw;  // a runtime error by its type, yet not a failure of the set-up

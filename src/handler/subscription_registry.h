@@ -6,6 +6,7 @@
 
 #include "detection-data/scene_names.h"
 #include "handler/failure_log.h"
+#include "handler/user_data.h"
 
 #include <tarnvod/handler.h>
 #include <video_object_detection_subscriber.h>
@@ -31,7 +32,7 @@ struct SubscriptionRequest {
 struct ChannelSubscription {
   SubscriptionRequest request;
   video_object_detection_subscriber_st* subscriber = nullptr;
-  std::int32_t* userData = nullptr;
+  UserDataPool::Pointer userData;
   std::shared_ptr<const ClassNames> classNames;
 };
 
@@ -48,10 +49,17 @@ using SubscriptionMap = std::map<int, ChannelSubscription>;
  */
 using DiscardedSubscriptions = std::multimap<int, ChannelSubscription>;
 
+/** A set-up that the thread holding `handlerMutex` is in the middle of. */
+struct SetUpUnderWay {
+  const UserData* userData;
+  bool dropped;          // the service has already ended the subscription again, on this very thread
+  SetUpUnderWay* outer;  // the set-up inside of whose platform calls this one began
+};
+
 /** All that `handlerMutex` guards. Destroyed from the bottom up, which makes no platform call. */
 struct SubscriptionRegistry {
-  /** The camera numbers that the platform's user data points to. Never erased: a callback may come late. */
-  std::map<int, std::int32_t> userData;
+  std::shared_ptr<UserDataPool> userData = std::make_shared<UserDataPool>();
+  SetUpUnderWay* innermostSetUp = nullptr;
   FailureLog failureLog;
 
   /** The names that each camera's detector gave its attributes. A table is replaced, never changed; null is an empty
@@ -65,9 +73,10 @@ struct SubscriptionRegistry {
   /** Cameras to be retried. */
   SubscriptionMap pending;
 
-  /** The active subscription of the camera that the platform's user data points to, or the end. */
+  /** The active subscription that the platform's user data belongs to; the end for one that is over. */
   SubscriptionMap::iterator findActive(const void* platformUserData) {
-    return active.find(*static_cast<const std::int32_t*>(platformUserData));
+    const auto found = active.find(*static_cast<const std::int32_t*>(platformUserData));
+    return found != active.end() && found->second.userData.get() == platformUserData ? found : active.end();
   }
 };
 

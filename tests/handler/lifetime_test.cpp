@@ -127,28 +127,6 @@ TEST_F(TheCallablesDestructor, RunsWithoutTheLockWhenTheServiceDropsACameraThatI
   EXPECT_EQ(ran_, 1);
 }
 
-using ALateCallback = HandlerTest;
-
-TEST_F(ALateCallback, OfADeletedSubscriberReadsValidMemoryAndFindsItsCameraGone) {
-  setUp(1);
-  const vod::host::Registration old = vod::host::registration(2);
-  Handler::teardown(1);
-  const std::uint8_t nothing = 0;
-  old.detection(&nothing, 0, old.userData);
-  old.teardown(old.userData);
-  EXPECT_EQ(inbox_.size(), 0U);
-}
-
-TEST_F(ALateCallback, OfASubscriberThatASetUpGaveBackFindsItsCameraGone) {
-  vod::host::plan(Fault(Function::Subscribe).failsWith(1));
-  setUp(1);
-  const vod::host::Registration old = vod::host::registration(2);
-  Handler::teardown(1);
-  const std::uint8_t nothing = 0;
-  old.detection(&nothing, 0, old.userData);
-  EXPECT_EQ(inbox_.size(), 0U);
-}
-
 /** A teardown reaches the platform while the callback of the same camera waits for the lock, or is about to. */
 class ATeardownBesideACallback : public HandlerTest, public testing::WithParamInterface<bool> {};
 

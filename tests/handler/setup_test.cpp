@@ -3,6 +3,8 @@
 
 #include "handler/handler_test.h"
 
+#include <climits>
+
 namespace tarn::test {
 namespace {
 
@@ -64,6 +66,12 @@ TEST_F(ANewCamera, UsesTheChannelBelowItsNumber) {
 TEST_F(ANewCamera, NumberedZeroAsksForChannelMinusOne) {
   EXPECT_FALSE(setUp(0));
   EXPECT_THAT(vod::host::journal(), ElementsAre("create(channel=-1)"));
+}
+
+TEST_F(ANewCamera, WithTheLeastNumberThereIsAsksForTheGreatestChannel) {
+  EXPECT_FALSE(setUp(INT_MIN));
+  EXPECT_THAT(vod::host::journal(), ElementsAre("create(channel=2147483647)"));
+  Handler::teardown(INT_MIN);
 }
 
 TEST_F(ANewCamera, WithoutAnyClassIsSubscribed) {
