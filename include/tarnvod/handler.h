@@ -39,7 +39,7 @@ using DetectionCallback = std::function<void(std::unique_ptr<DetectionData>, int
 /**
  * The process's connection to the camera's video object detection service.
  *
- * Cameras are counted from 1. A typical application calls `initialize`, sets cameras up, works until it is told to
+ * Cameras are counted from 1. A typical application calls `initialize`, sets cameras up, works until it is to
  * stop, tears each camera down and calls `deinitialize`:
  *
  * @code
@@ -57,7 +57,7 @@ using DetectionCallback = std::function<void(std::unique_ptr<DetectionData>, int
  *
  * | function | blocks on the service | throws |
  * | --- | --- | --- |
- * | `initialize` | no | `std::system_error` |
+ * | `initialize` | while `deinitialize` runs elsewhere | `std::system_error` |
  * | `deinitialize` | while a retry runs | `std::system_error` |
  * | `setup` | yes | `std::system_error`, `std::bad_alloc`, what copying the callback throws |
  * | `teardown` | yes | `std::system_error` |
@@ -68,6 +68,9 @@ using DetectionCallback = std::function<void(std::unique_ptr<DetectionData>, int
  * | `getDetectorInformation` | yes | `std::runtime_error`, `std::system_error`, `std::bad_alloc` |
  * | `getSupportedClasses` | yes | `std::runtime_error`, `std::system_error`, `std::bad_alloc` |
  * | `getSupportedAttributes` | unless camera 1's names are known | `std::runtime_error`, `std::system_error`, `std::bad_alloc` |
+ *
+ * At the end of the process, once the library's static objects are being destroyed, every function returns at once:
+ * `false`, 0, an empty text or an empty description.
  *
  * `std::system_error` means that a lock or a thread was not to be had. A function that takes the library's lock also
  * waits while another thread holds it; `setup` and the retries hold it for as long as they block on the service.
@@ -83,7 +86,7 @@ class TARNVOD_EXPORT Handler {
   /**
    * Starts the thread that subscribes channels again whose set-up failed or whose subscription the service dropped.
    * Does nothing, not even change the period, when that thread is already running. Without it the other functions work,
-   * but nothing is retried.
+   * but nothing is retried. Waits for a `deinitialize` under way on another thread, and then starts the thread again.
    *
    * @param retryPeriod  seconds between two rounds of retries; 0 or less means no pause at all, which keeps a processor
    *                     busy
@@ -95,7 +98,8 @@ class TARNVOD_EXPORT Handler {
    * Stops that thread and waits for it: for the round of retries that it may be in, and for one retry period. Does
    * nothing when it is not running. No camera is torn down; tear down each one first.
    *
-   * Must be called before the process ends or the library is unloaded: a thread that still runs then ends the process.
+   * Must be called before the process ends or the library is unloaded: a thread that still runs then ends the process
+   * by `std::terminate`. The thread does not come along into a child of `fork`: there it counts as not running.
    *
    * @throw std::system_error  when called on that thread itself, from a callback that the platform runs there; the
    * thread then ends after its round, and the next call from elsewhere waits for it
@@ -113,7 +117,10 @@ class TARNVOD_EXPORT Handler {
    * For a camera that is already receiving, the callback and the classes are replaced and nothing else changes: a
    * channel configuration given then is ignored.
    *
-   * A failure is told in the system log (the first of a run of failures, then every fifth after it) and the set-up is
+   * For a camera that is pending, the new set-up takes the place of the retry: the pending callable is destroyed before
+   * the platform is asked.
+   *
+   * A failure is reported in the system log (the first of a run of failures, then every fifth after it) and the set-up is
    * retried by the thread that `initialize` starts, until it succeeds or `teardown` gives it up. What failed before the
    * classes were found to be supported (one of them is not, or the service could not be reached) is retried without any
    * class: the camera then receives frames without detections until it is set up again.
@@ -132,8 +139,8 @@ class TARNVOD_EXPORT Handler {
                     const std::optional<VodChannelConfiguration>& channelConfiguration);
 
   /**
-   * Ends a camera's subscription, or gives its retries up. An unknown camera is no error. Failures of the platform are
-   * told in the system log; the camera is gone all the same.
+   * Ends a camera's subscription, or gives its retries up. An unknown camera is not an error. Failures of the platform
+   * are reported in the system log; the camera is gone all the same.
    *
    * Whether a callback can still be running on another thread when this returns is the platform's choice; the
    * callable's state lives until it has returned.
@@ -146,15 +153,15 @@ class TARNVOD_EXPORT Handler {
   /** Whether the service is enabled on this device. */
   static bool isDlpuEnabled();
 
-  /** The number of video channels; 0, and an error in the system log, when the service does not tell. */
+  /** The number of video channels; 0, and an error in the system log, when the service does not answer. */
   static std::uint32_t getNumberOfChannels();
 
   /** The number of channels that can be analysed at the same time; 0, and an error in the system log, when the service
-   * does not tell. */
+   * does not answer. */
   static std::uint32_t getNumberOfSimultaneousChannels();
 
   /** The version of the platform's library, "major.minor"; empty, with an error in the system log, when it does not
-   * tell. */
+   * answer. */
   static std::string getServiceVersion();
 
   /**

@@ -39,8 +39,8 @@ const Table& tableOf(const Tables<Table>& tables, int camera, const Table& empty
 }  // namespace
 
 void refreshAttributeNames(const HandlerLock& /*lock*/, int camera) {
-  forget(registry.attributeTypeNames, camera);
-  forget(registry.attributeClassNames, camera);
+  forget(registry->attributeTypeNames, camera);
+  forget(registry->attributeClassNames, camera);
 
   std::map<std::uint32_t, std::string> typeNames;
   std::map<AttributeClassId, std::string> classNames;
@@ -51,21 +51,22 @@ void refreshAttributeNames(const HandlerLock& /*lock*/, int camera) {
       classNames[{type.id(), value.id()}] = value.name();
     }
   }
-  replace(registry.attributeTypeNames, camera, std::move(typeNames));
-  replace(registry.attributeClassNames, camera, std::move(classNames));
+  replace(registry->attributeTypeNames, camera, std::move(typeNames));
+  replace(registry->attributeClassNames, camera, std::move(classNames));
 }
 
 std::map<std::string, std::set<std::string>> supportedAttributes(const HandlerLock& lock, int camera) {
   // A detector without attributes leaves no entry, and so is asked again each time.
-  if (registry.attributeTypeNames.count(camera) == 0 || registry.attributeClassNames.count(camera) == 0) {
+  if (registry->attributeTypeNames.count(camera) == 0 || registry->attributeClassNames.count(camera) == 0) {
     refreshAttributeNames(lock, camera);
   }
   const AttributeTypeNames noTypes;
   const AttributeClassNames noValues;
-  const AttributeTypeNames& types = tableOf(registry.attributeTypeNames, camera, noTypes);
-  const AttributeClassNames& values = tableOf(registry.attributeClassNames, camera, noValues);
+  const AttributeTypeNames& types = tableOf(registry->attributeTypeNames, camera, noTypes);
+  const AttributeClassNames& values = tableOf(registry->attributeClassNames, camera, noValues);
   std::map<std::string, std::set<std::string>> attributes;
-  std::size_t value = 0;  // both tables are in ascending order of the types, and each value belongs to one of them
+  std::size_t value = 0;  // both tables are in ascending order of the types, and
+                          // each value belongs to one of them
   for (std::size_t type = 0; type < types.size(); ++type) {
     std::set<std::string> names;
     for (; value < values.size() && values.id(value).type == types.id(type); ++value) {

@@ -38,7 +38,10 @@ class TemporarySubscriber {
 
 ::VOD::DetectorInformation readDetectorInformationForCamera(int camera) {
   const HandlerLock lock(handlerMutex);
-  if (const auto active = registry.active.find(camera); active != registry.active.end()) {
+  if (!lock.isOpen()) {
+    return {};
+  }
+  if (const auto active = registry->active.find(camera); active != registry->active.end()) {
     return readDetectorInformation(active->second.subscriber);
   }
   return readDetectorInformation(TemporarySubscriber(camera).get());

@@ -24,10 +24,13 @@ constexpr int firstCamera = 1;
 /** Takes a camera's record out of the registry: the pending one, or else the active one. */
 SubscriptionMap::node_type takeRecord(int camera) {
   const HandlerLock lock(handlerMutex);
-  if (SubscriptionMap::node_type pending = registry.pending.extract(camera)) {
+  if (!lock.isOpen()) {
+    return {};
+  }
+  if (SubscriptionMap::node_type pending = registry->pending.extract(camera)) {
     return pending;
   }
-  return registry.active.extract(camera);
+  return registry->active.extract(camera);
 }
 
 /** Ends a subscription at the platform; whatever fails there, the rest is still done. */
@@ -44,6 +47,9 @@ void endSubscription(ChannelSubscription& subscription) {
 template <typename Query>
 std::uint32_t askForCount(Query query, const char* failure) {
   OutParameterType<std::remove_pointer_t<Query>, 0> count = 0;
+  if (isClosed()) {
+    return 0;
+  }
   if (query(&count) != 0) {
     syslog(LOG_ERR, "%s\n", failure);
     return 0;
@@ -70,7 +76,10 @@ bool Handler::setup(int camera, DetectionCallback callback, const std::set<std::
   DiscardedSubscriptions discarded;
   SubscriptionRequest request{camera, std::move(callback), {}, channelConfiguration};
   const HandlerLock lock(handlerMutex);
-  discarded.insert(registry.pending.extract(camera));
+  if (!lock.isOpen()) {
+    return false;
+  }
+  discarded.insert(registry->pending.extract(camera));
   request.classes = classes;
   return subscribeChannel(lock, request, discarded);
 }
@@ -85,20 +94,25 @@ void Handler::teardown(int camera) {
 }
 
 bool Handler::isDlpuEnabled() {
-  return video_object_detection_subscriber_service_is_enabled();
+  return !isClosed() && video_object_detection_subscriber_service_is_enabled();
 }
 
 std::uint32_t Handler::getNumberOfChannels() {
   return askForCount(video_object_detection_subscriber_get_nbr_channels,
-                     "Unable to get number of channels from video_object_detection_subscriber");
+                     "Unable to get number of channels from "
+                     "video_object_detection_subscriber");
 }
 
 std::uint32_t Handler::getNumberOfSimultaneousChannels() {
   return askForCount(video_object_detection_subscriber_get_nbr_channels_simultaneously,
-                     "Unable to get number of simultaneous channels from video_object_detection_subscriber");
+                     "Unable to get number of simultaneous channels from "
+                     "video_object_detection_subscriber");
 }
 
 std::string Handler::getServiceVersion() {
+  if (isClosed()) {
+    return {};
+  }
   OutParameterType<decltype(video_object_detection_subscriber_get_version), 0> major = 0;
   OutParameterType<decltype(video_object_detection_subscriber_get_version), 1> minor = 0;
   if (const int result = video_object_detection_subscriber_get_version(&major, &minor); result != 0) {
@@ -119,7 +133,7 @@ std::set<std::string> Handler::getSupportedClasses() {
 
 std::map<std::string, std::set<std::string>> Handler::getSupportedAttributes() {
   const HandlerLock lock(handlerMutex);
-  return supportedAttributes(lock, firstCamera);
+  return lock.isOpen() ? supportedAttributes(lock, firstCamera) : std::map<std::string, std::set<std::string>>();
 }
 
 DetectorInformation getDetectorInformation() {

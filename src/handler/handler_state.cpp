@@ -3,30 +3,63 @@
 
 #include "handler/handler_state.h"
 
+#include <unistd.h>
+
+#include <exception>
+#include <type_traits>
+
 namespace tarn::VOD {
-namespace {
 
-/** Its destructor runs after the thread's and before the registry's. */
-struct UnloadMark {
-  ~UnloadMark() {
-    const HandlerLock lock(handlerMutex);
-    unloading = true;
-  }
-};
-
-}  // namespace
+std::atomic<bool> handlerRunning = false;
+std::atomic<bool> closed = false;
 
 std::int64_t retryPeriod = 1;
-std::atomic<bool> handlerRunning = false;
 
-// These two need no destructor, and so can still be used by a callback of a subscription that nobody tore down.
+// These need no destructor, and so stay usable for whoever enters the library at the end of the process.
+static_assert(std::is_trivially_destructible_v<HandlerMutex> && std::is_trivially_destructible_v<LifecycleMutex>);
 HandlerMutex handlerMutex;
-bool unloading = false;
-
-// Destroyed from the bottom up. Destroying the records makes no platform call.
-SubscriptionRegistry registry;
-static UnloadMark unloadMark;
 LifecycleMutex lifecycleMutex;
-std::thread retryThread;  // ends the process if it still runs: Handler::deinitialize has not been called
 
+DestroyedOnRequest<SubscriptionRegistry> registry;
+DestroyedOnRequest<RetryThread> retryThread;
+
+bool RetryThread::isRunning() const {
+  return thread && process == getpid();
+}
+
+namespace {
+
+/** A thread that still runs ends the process: Handler::deinitialize has not been called. */
+void requireThatTheRetryThreadHasEnded() {
+  if (!lifecycleMutex.try_lock()) {
+    return;  // another thread is in the middle of starting or stopping it
+  }
+  if (retryThread->isRunning()) {
+    std::terminate();
+  }
+  lifecycleMutex.unlock();
+}
+
+/** Makes no platform call and waits for nobody. */
+void destroyRegistry() {
+  if (!handlerMutex.try_lock()) {
+    return;  // another thread uses the registry, perhaps for as long as the
+             // service takes to answer
+  }
+  // Whoever locks the mutex from here on finds the library closed. The lock is released before the application's
+  // callables are destroyed, as everywhere.
+  handlerMutex.unlock();
+  registry.destroy();
+}
+
+struct ClosedAtUnload {
+  ~ClosedAtUnload() {
+    closed = true;
+    requireThatTheRetryThreadHasEnded();
+    destroyRegistry();
+  }
+};
+const ClosedAtUnload closedAtUnload;
+
+}  // namespace
 }  // namespace tarn::VOD

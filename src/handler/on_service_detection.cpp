@@ -29,18 +29,18 @@ Table findTable(const std::map<int, Table>& tables, int camera) {
 
 Receiver copyReceiver(const void* userData) {
   const HandlerLock lock(handlerMutex);
-  if (unloading) {
+  if (!lock.isOpen()) {
     return {};
   }
-  const auto active = registry.findActive(userData);
-  if (active == registry.active.end()) {
+  const auto active = registry->findActive(userData);
+  if (active == registry->active.end()) {
     return {};
   }
   const auto& [camera, subscription] = *active;
   return {camera,
           subscription.request.callback,
-          {subscription.classNames, findTable(registry.attributeTypeNames, camera),
-           findTable(registry.attributeClassNames, camera)}};
+          {subscription.classNames, findTable(registry->attributeTypeNames, camera),
+           findTable(registry->attributeClassNames, camera)}};
 }
 
 void parse(::VOD::Scene& scene, const std::uint8_t* buffer, std::int32_t length) {

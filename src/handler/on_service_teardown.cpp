@@ -13,7 +13,7 @@ namespace {
 
 /** A subscription that is still being set up is not active yet; its set-up looks at this mark. */
 void markDropped(const void* userData) TARNVOD_REQUIRES(handlerMutex) {
-  for (SetUpUnderWay* setUp = registry.innermostSetUp; setUp != nullptr; setUp = setUp->outer) {
+  for (SetUpUnderWay* setUp = registry->innermostSetUp; setUp != nullptr; setUp = setUp->outer) {
     setUp->dropped = setUp->dropped || setUp->userData == userData;
   }
 }
@@ -35,17 +35,17 @@ void onServiceTeardown(void* userData) {
   }
   DiscardedSubscriptions discarded;
   const HandlerLock lock(handlerMutex);
-  if (unloading) {
+  if (!lock.isOpen()) {
     return;
   }
-  const auto active = registry.findActive(userData);
-  if (active == registry.active.end()) {
+  const auto active = registry->findActive(userData);
+  if (active == registry->active.end()) {
     markDropped(userData);
     return;
   }
-  SubscriptionMap::node_type record = registry.active.extract(active);
+  SubscriptionMap::node_type record = registry->active.extract(active);
   deleteSubscriber(record.mapped());
-  storeIfAbsent(registry.pending, std::move(record), discarded);
+  storeIfAbsent(registry->pending, std::move(record), discarded);
 }
 
 }  // namespace tarn::VOD

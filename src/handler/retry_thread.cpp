@@ -7,6 +7,7 @@
 #include "handler/subscribe_channel.h"
 
 #include <time.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <new>
@@ -18,15 +19,16 @@ namespace {
 thread_local bool onRetryThread = false;
 
 /**
- * One attempt for one pending camera. Its callable is moved from the pending record into the new one, never copied: a
- * copy could throw, and could outlive a teardown.
+ * One attempt for one pending camera. Its callable is moved from the pending
+ * record into the new one, never copied: a copy could throw, and could outlive
+ * a teardown.
  */
 void retry(const HandlerLock& lock, int camera, DiscardedSubscriptions& discarded) TARNVOD_REQUIRES(handlerMutex) {
-  SubscriptionMap::node_type record = registry.pending.extract(camera);
+  SubscriptionMap::node_type record = registry->pending.extract(camera);
   try {
     subscribeChannel(lock, record.mapped().request, discarded);
   } catch (...) {
-    storeIfAbsent(registry.pending, std::move(record), discarded);
+    storeIfAbsent(registry->pending, std::move(record), discarded);
     throw;
   }
   discarded.insert(std::move(record));
@@ -36,12 +38,15 @@ void retry(const HandlerLock& lock, int camera, DiscardedSubscriptions& discarde
 void retryPendingSubscriptions() {
   DiscardedSubscriptions discarded;
   const HandlerLock lock(handlerMutex);
+  if (!lock.isOpen()) {
+    return;
+  }
   // Continues by camera number instead of by iterator: a platform that calls back from inside its functions can change
   // the map in between, the mutex being recursive.
-  for (auto next = registry.pending.begin(); next != registry.pending.end();) {
+  for (auto next = registry->pending.begin(); next != registry->pending.end();) {
     const int camera = next->first;
     retry(lock, camera, discarded);
-    next = registry.pending.upper_bound(camera);
+    next = registry->pending.upper_bound(camera);
   }
 }
 
@@ -69,15 +74,18 @@ void retryUntilStopped() {
 
 void startRetryThread(int period) {
   if (onRetryThread) {
-    return;  // it is running, and whoever stops it holds lifecycleMutex until we return
+    return;  // it is running, and whoever stops it holds lifecycleMutex until we
+             // return
   }
   const LifecycleLock lock(lifecycleMutex);
-  if (retryThread.joinable()) {
+  if (!lock.isOpen() || retryThread->isRunning()) {
     return;
   }
+  static_cast<void>(retryThread->thread.release());  // of the parent process: there is nothing to join here
   retryPeriod = period;
   handlerRunning = true;
-  retryThread = std::thread(retryUntilStopped);
+  retryThread->thread = std::make_unique<std::thread>(retryUntilStopped);
+  retryThread->process = getpid();
 }
 
 void stopRetryThread() {
@@ -86,11 +94,12 @@ void stopRetryThread() {
     throw std::system_error(std::make_error_code(std::errc::resource_deadlock_would_occur));
   }
   const LifecycleLock lock(lifecycleMutex);
-  if (!retryThread.joinable()) {
+  if (!lock.isOpen() || !retryThread->isRunning()) {
     return;
   }
   handlerRunning = false;
-  retryThread.join();
+  retryThread->thread->join();
+  retryThread->thread.reset();
 }
 
 }  // namespace tarn::VOD

@@ -43,8 +43,8 @@ using SetChannelConfiguration = decltype(video_object_detection_set_channel_conf
 class NewSubscriber {
  public:
   explicit NewSubscriber(int camera) TARNVOD_REQUIRES(handlerMutex)
-      : userData_(registry.userData->make(camera)), setUp_{userData_.get(), false, registry.innermostSetUp} {
-    registry.innermostSetUp = &setUp_;
+      : userData_(registry->userData->make(camera)), setUp_{userData_.get(), false, registry->innermostSetUp} {
+    registry->innermostSetUp = &setUp_;
   }
 
   // There is nothing to be done about failures here.
@@ -53,7 +53,7 @@ class NewSubscriber {
       static_cast<void>(video_object_detection_subscriber_unsubscribe(subscriber_));
       static_cast<void>(video_object_detection_subscriber_delete(&subscriber_));
     }
-    registry.innermostSetUp = setUp_.outer;
+    registry->innermostSetUp = setUp_.outer;
   }
 
   NewSubscriber(const NewSubscriber&) = delete;
@@ -138,7 +138,7 @@ bool subscribeChannel(const HandlerLock& lock, SubscriptionRequest& request, Dis
     classesAreSupported = supported.areAllClassesSupported(request.classes);
     require(classesAreSupported, "Not all requested classes are supported");
     subscription.classNames = std::make_shared<const ClassNames>(mapClassIdsToNames(supported, request.classes));
-    if (const auto active = registry.active.find(request.camera); active != registry.active.end()) {
+    if (const auto active = registry->active.find(request.camera); active != registry->active.end()) {
       update(active->second, request, subscription.classNames);
       return true;
     }
@@ -156,13 +156,13 @@ bool subscribeChannel(const HandlerLock& lock, SubscriptionRequest& request, Dis
       request.classes.clear();
     }
     subscription.request = std::move(request);
-    store(registry.pending, std::move(record), discarded);
-    registry.failureLog.add(failure.what());
+    store(registry->pending, std::move(record), discarded);
+    registry->failureLog.add(failure.what());
     return false;
   }
   subscription.request = std::move(request);
-  store(registry.active, std::move(record), discarded);
-  registry.failureLog.endRun();
+  store(registry->active, std::move(record), discarded);
+  registry->failureLog.endRun();
   return true;
 }
 

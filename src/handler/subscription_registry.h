@@ -44,7 +44,7 @@ using SubscriptionMap = std::map<int, ChannelSubscription>;
  * a record here from the registry allocates nothing:
  *
  * @code
- * discarded.insert(registry.pending.extract(camera));
+ * discarded.insert(registry->pending.extract(camera));
  * @endcode
  */
 using DiscardedSubscriptions = std::multimap<int, ChannelSubscription>;

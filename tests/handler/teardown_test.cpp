@@ -46,7 +46,7 @@ TEST_F(Teardown, OfAPendingCameraMakesNoPlatformCallAndEndsItsRetries) {
 
 TEST_F(Teardown, OfACameraThatIsBothPendingAndActiveTakesThePendingOneFirst) {
   setUp(1, {"human"});
-  setUp(1, {"unicorn"});  // parks the failed update beside the live channel
+  setUp(1, {"unicorn"});  // parks the failed update next to the live channel
   vod::host::clearJournal();
   Handler::teardown(1);
   EXPECT_THAT(vod::host::journal(), IsEmpty());
