@@ -33,6 +33,20 @@ SubscriptionMap::node_type takeRecord(int camera) {
   return registry->active.extract(camera);
 }
 
+/**
+ * Destroys a camera's pending record with the application's callable, without the lock: destructors may take the
+ * application's own. Meanwhile another thread may park the camera again.
+ */
+void destroyPending(HandlerLock& lock, int camera) TARNVOD_REQUIRES(handlerMutex) {
+  while (lock.isOpen()) {
+    SubscriptionMap::node_type pending = registry->pending.extract(camera);
+    if (!pending) {
+      return;
+    }
+    lock.unlockDuring([&pending] { pending = {}; });
+  }
+}
+
 /** Ends a subscription at the platform; whatever fails there, the rest is still done. */
 void endSubscription(ChannelSubscription& subscription) {
   if (video_object_detection_subscriber_unsubscribe(subscription.subscriber) != 0) {
@@ -75,11 +89,11 @@ bool Handler::setup(int camera, DetectionCallback callback, const std::set<std::
                     const std::optional<VodChannelConfiguration>& channelConfiguration) {
   DiscardedSubscriptions discarded;
   SubscriptionRequest request{camera, std::move(callback), {}, channelConfiguration};
-  const HandlerLock lock(handlerMutex);
+  HandlerLock lock(handlerMutex);
+  destroyPending(lock, camera);
   if (!lock.isOpen()) {
     return false;
   }
-  discarded.insert(registry->pending.extract(camera));
   request.classes = classes;
   return subscribeChannel(lock, request, discarded);
 }

@@ -14,6 +14,7 @@
 #include <memory>
 #include <mutex>
 #include <thread>
+#include <utility>
 
 // All process-wide state of the library, grouped by what guards it. Defined in one file, because the order of
 // destruction matters there.
@@ -55,6 +56,18 @@ class TARNVOD_ANNOTATION(scoped_lockable) EntryLock {
 
   EntryLock(const EntryLock&) = delete;
   EntryLock& operator=(const EntryLock&) = delete;
+
+  /** Runs an action without the mutex. Look again afterwards whether the library is open. */
+  template <typename Action>
+  void unlockDuring(Action action) TARNVOD_ANNOTATION(no_thread_safety_analysis) {
+    AnnotatedMutex<Mutex>* const mutex = std::exchange(mutex_, nullptr);
+    mutex->unlock();
+    action();
+    if (!isClosed()) {
+      mutex->lock();
+      mutex_ = mutex;
+    }
+  }
 
   /** Whether what the mutex guards may be used; otherwise return without it. */
   bool isOpen() const { return mutex_ != nullptr && !isClosed(); }

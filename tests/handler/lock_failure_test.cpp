@@ -5,6 +5,7 @@
 // pthread_mutex_lock and pthread_create itself; ThreadSanitizer does the same, so this file is left out of its builds.
 
 #include "handler/handler_test.h"
+#include "handler/on_release.h"
 
 #include <dlfcn.h>
 #include <pthread.h>
@@ -53,7 +54,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/** The error that a call throws while the library's so-manieth lock, counted from 0, is refused. */
+/** The error that a call throws while the library's N-th lock, counted from 0, is refused. */
 std::error_code errorOf(const std::function<void()>& call, int refusedLock = 0) {
   locksUntilRefusal = refusedLock;
   refusing = true;
@@ -111,6 +112,22 @@ TEST_F(ALockThatIsRefused, InsideASetUpLeavesItInsteadOfParkingTheCamera) {
   vod::host::clearJournal();
   retryOnce();
   EXPECT_THAT(vod::host::journal(), IsEmpty()) << "nothing was parked";
+}
+
+TEST_F(ALockThatIsRefused, InsideASetUpOfAPendingCameraGivesItsRetriesUp) {
+  bool released = false;
+  Handler::setup(1, [token = onRelease([&] { released = true; })](auto&&, int) {}, {"unicorn"});
+  EXPECT_EQ(errorOf([this] { setUp(1); }, 2), refused) << "the question for the detector locks again";
+  EXPECT_TRUE(released);
+  vod::host::clearJournal();
+  retryOnce();
+  EXPECT_THAT(vod::host::journal(), IsEmpty());
+}
+
+TEST_F(ALockThatIsRefused, AfterThePendingRecordWasDestroyedLeavesTheSetUpAsASystemError) {
+  setUp(1, {"unicorn"});
+  EXPECT_EQ(errorOf([this] { setUp(1); }, 1), refused);
+  EXPECT_TRUE(setUp(1));
 }
 
 TEST_F(ALockThatIsRefused, LateInASetUpLeavesNoSubscriberBehind) {

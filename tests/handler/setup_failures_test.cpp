@@ -28,7 +28,7 @@ void PrintTo(const FailingCall& failing, std::ostream* out) {
 const std::vector<std::string> question = {"create(channel=0)", "get_information(#1)", "delete(#1)"};
 const std::vector<std::string> cleanUp = {"unsubscribe(#2)", "delete(#2)"};
 
-/** The calls of a set-up with a region, up to its so-manieth step after the question for the detector. */
+/** The calls of a set-up with a region, up to its N-th step after the question for the detector. */
 std::vector<std::string> callsUpTo(std::size_t steps, const std::vector<std::string>& after = cleanUp) {
   const std::vector<std::string> all = {"create(channel=0)",
                                         "set_get_detection_callback(#2)",

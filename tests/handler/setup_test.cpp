@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "handler/handler_test.h"
+#include "handler/on_release.h"
 
 #include <climits>
 
@@ -178,6 +179,31 @@ TEST_F(APendingCamera, IsReplacedByANewSetUp) {
   vod::host::clearJournal();
   retryOnce();
   EXPECT_THAT(vod::host::journal(), IsEmpty()) << "nothing was left to retry";
+}
+
+TEST_F(APendingCamera, IsDestroyedWithItsCallableBeforeANewSetUpAsksThePlatform) {
+  std::vector<std::size_t> callsBefore;
+  Handler::setup(2, [token = onRelease([&] { callsBefore.push_back(vod::host::calls().size()); })](auto&&, int) {},
+                 {"unicorn"});
+  vod::host::clearJournal();
+  EXPECT_TRUE(setUp(2));
+  EXPECT_THAT(callsBefore, ElementsAre(0U));
+}
+
+TEST_F(APendingCamera, IsDestroyedAsWellWhenTheNewSetUpFails) {
+  std::vector<std::size_t> callsBefore;
+  Handler::setup(2, [token = onRelease([&] { callsBefore.push_back(vod::host::calls().size()); })](auto&&, int) {},
+                 {"unicorn"});
+  vod::host::clearJournal();
+  EXPECT_FALSE(setUp(2, {"dragon"}));
+  EXPECT_THAT(callsBefore, ElementsAre(0U));
+}
+
+TEST_F(APendingCamera, WhoseCallablesDestructorSetsItUpIsUpdatedByTheSetUpThatDestroyedIt) {
+  Handler::setup(2, [token = onRelease([this] { setUp(2, {"human"}); })](auto&&, int) {}, {"unicorn"});
+  EXPECT_TRUE(setUp(2, {"car"}));
+  EXPECT_EQ(vod::host::liveSubscribers(), 1);
+  EXPECT_THAT(classesAfter(2, sceneOf({1, 5})), ElementsAre(ElementsAre("car")));
 }
 
 TEST_F(APendingCamera, IsRetriedAsTheLastFailedSetUpWantedIt) {
