@@ -5,7 +5,6 @@
 
 #include <array>
 #include <cerrno>
-#include <fstream>
 #include <system_error>
 
 namespace vod::recording {
@@ -18,13 +17,27 @@ std::ostream& operator<<(std::ostream& out, const Damage& damage) {
   return out << toString(damage);
 }
 
-std::string readDetectorInformation(const std::filesystem::path& folder) {
-  const std::string file = folder / detectorInformationFileName;
+std::ifstream openFile(const std::filesystem::path& file) {
+  std::error_code error;
+  const std::filesystem::file_status status = std::filesystem::status(file, error);
+  if (error) {
+    throw RecordingError(file.string() + ": " + error.message());
+  }
+  // Before it is opened: opening a FIFO waits for a writer.
+  if (!std::filesystem::is_regular_file(status)) {
+    throw RecordingError(file.string() + ": not a regular file");
+  }
   std::ifstream stream(file, std::ios::binary);
   if (!stream) {
-    throw RecordingError(file + ": " + std::generic_category().message(errno));
+    throw RecordingError(file.string() + ": " + std::generic_category().message(errno));
   }
-  // One byte more than allowed tells a file of the greatest length from a longer one.
+  return stream;
+}
+
+std::string readDetectorInformation(const std::filesystem::path& folder) {
+  const std::string file = folder / detectorInformationFileName;
+  std::ifstream stream = openFile(file);
+  // One byte beyond the limit distinguishes a file of the greatest length from a longer one.
   std::string bytes;
   std::array<char, 4096> block{};
   do {

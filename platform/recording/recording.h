@@ -14,6 +14,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <fstream>
 #include <ostream>
 #include <stdexcept>
 #include <string>
@@ -45,9 +46,18 @@ class RecordingError : public std::runtime_error {
 };
 
 /**
+ * Opens a file of a recording for reading.
+ *
+ * @throw RecordingError  when it is missing, cannot be opened or is not a regular file: reading a FIFO or a device may
+ *                        block forever or never reach an end
+ */
+std::ifstream openFile(const std::filesystem::path& file);
+
+/**
  * The bytes of a recording's detector information.
  *
- * @throw RecordingError  when the file is missing, cannot be read or is longer than `maximumMessageSize`
+ * @throw RecordingError  when the file cannot be opened (see `openFile`) or read, or is longer than
+ *                        `maximumMessageSize`
  */
 std::string readDetectorInformation(const std::filesystem::path& folder);
 

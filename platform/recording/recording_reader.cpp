@@ -3,29 +3,15 @@
 
 #include "recording/recording_reader.h"
 
-#include <cerrno>
 #include <fstream>
-#include <system_error>
 #include <utility>
 
 namespace vod::recording {
 
 using google::protobuf::io::CodedInputStream;
 
-namespace {
-
-std::unique_ptr<std::istream> openScenes(const std::filesystem::path& file) {
-  auto stream = std::make_unique<std::ifstream>(file, std::ios::binary);
-  if (!*stream) {
-    throw RecordingError(file.string() + ": " + std::generic_category().message(errno));
-  }
-  return stream;
-}
-
-}  // namespace
-
 RecordingReader::RecordingReader(const std::filesystem::path& folder)
-    : RecordingReader(openScenes(folder / scenesFileName), folder / scenesFileName) {}
+    : RecordingReader(std::make_unique<std::ifstream>(openFile(folder / scenesFileName)), folder / scenesFileName) {}
 
 RecordingReader::RecordingReader(std::unique_ptr<std::istream> source, std::string name, std::size_t maximumSize)
     : source_(std::move(source)), name_(std::move(name)), maximumSize_(maximumSize), stream_(source_.get()) {}

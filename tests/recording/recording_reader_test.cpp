@@ -6,9 +6,13 @@
 #include "support/temporary_folder.h"
 
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 
+#include <array>
 #include <filesystem>
+#include <fstream>
 #include <sstream>
+#include <stdexcept>
 
 namespace vod::recording {
 namespace {
@@ -87,21 +91,68 @@ TEST(ADamagedRecording, TellsAMessageThatIsOneByteLongerThanTheBound) {
               isDamage("stream: offset 0: a message of 4 bytes is longer than the 3 bytes allowed"));
 }
 
-TEST(ADamagedRecording, IsAFolderInThePlaceOfTheScenes) {
-  const TemporaryFolder folder;
-  std::filesystem::create_directory(folder.path() / scenesFileName);
-  EXPECT_THAT(RecordingReader(folder.path()).next(),
-              isDamage((folder.path() / scenesFileName).string() + ": offset 0: cannot be read"));
+TEST(ADamagedRecording, ReportsAReadError) {
+  class FailingBuffer : public std::stringbuf {
+    int_type underflow() override { throw std::runtime_error("read error"); }
+  };
+  FailingBuffer buffer;
+  EXPECT_THAT(RecordingReader(std::make_unique<std::istream>(&buffer), "stream").next(),
+              isDamage("stream: offset 0: cannot be read"));
 }
 
-TEST(AMissingRecording, IsToldByTheNameOfTheFile) {
-  const TemporaryFolder folder;
-  const auto message = [](const std::string& file) {
-    return testing::Throws<RecordingError>(
-        testing::Property(&RecordingError::what, testing::StrEq(file + ": No such file or directory")));
-  };
-  EXPECT_THAT([&] { RecordingReader(folder.path()); }, message(folder.path() / scenesFileName));
-  EXPECT_THAT([&] { readDetectorInformation(folder.path()); }, message(folder.path() / detectorInformationFileName));
+/** A folder in which both files of a recording are made by the test, the same way. */
+class RecordingFiles : public testing::Test {
+ protected:
+  template <typename Make>
+  void make(Make makeFile) const {
+    for (const std::filesystem::path& file : files_) {
+      makeFile(file);
+    }
+  }
+  /** Neither file can be opened, and the error names it. */
+  void expectErrors(const std::string& reason) const {
+    const auto error = [&](const std::string& file) {
+      return testing::Throws<RecordingError>(
+          testing::Property(&RecordingError::what, testing::StrEq(file + ": " + reason)));
+    };
+    EXPECT_THAT([&] { RecordingReader(folder_.path()); }, error(files_[0]));
+    EXPECT_THAT([&] { readDetectorInformation(folder_.path()); }, error(files_[1]));
+  }
+
+  const TemporaryFolder folder_;
+  const std::array<std::filesystem::path, 2> files_ = {folder_.path() / scenesFileName,
+                                                       folder_.path() / detectorInformationFileName};
+};
+
+using AMissingRecording = RecordingFiles;
+TEST_F(AMissingRecording, IsRefused) {
+  expectErrors("No such file or directory");
+}
+
+using ARecordingMadeOfFolders = RecordingFiles;
+TEST_F(ARecordingMadeOfFolders, IsRefused) {
+  make([](const std::filesystem::path& file) { std::filesystem::create_directory(file); });
+  expectErrors("not a regular file");
+}
+
+using ARecordingMadeOfFifos = RecordingFiles;
+TEST_F(ARecordingMadeOfFifos, IsRefusedWithoutWaitingForAWriter) {
+  make([](const std::filesystem::path& file) { ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0); });
+  expectErrors("not a regular file");
+}
+
+using ARecordingMadeOfEndlessDevices = RecordingFiles;
+TEST_F(ARecordingMadeOfEndlessDevices, IsRefused) {
+  make([](const std::filesystem::path& file) { std::filesystem::create_symlink("/dev/zero", file); });
+  expectErrors("not a regular file");
+}
+
+using ARecordingMadeOfLinks = RecordingFiles;
+TEST_F(ARecordingMadeOfLinks, IsRead) {
+  std::ofstream(folder_.path() / "file") << "\x03one";
+  make([](const std::filesystem::path& file) { std::filesystem::create_symlink("file", file); });
+  EXPECT_THAT(RecordingReader(folder_.path()).next(), isScene("one", 0));
+  EXPECT_EQ(readDetectorInformation(folder_.path()), "\x03one");
 }
 
 }  // namespace
