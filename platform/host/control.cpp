@@ -38,6 +38,10 @@ Channel servedChannel(int number) {
   return Channel(number);
 }
 
+std::optional<std::string> configurationError() {
+  return service().configurationError();
+}
+
 const Channel& Channel::detectorInformation(std::string bytes) const {
   service().changeChannel(number_, [&](ChannelState& channel) { channel.information = std::move(bytes); });
   return *this;
@@ -87,6 +91,10 @@ const Channel& Channel::dropSubscriptions() const {
 
 void Channel::waitForEndOfRecording() const {
   service().waitForEndOfRecording(number_);
+}
+
+bool Channel::isAtEndOfRecording() const {
+  return service().isAtEndOfRecording(number_);
 }
 
 std::vector<int> Channel::subscriptions() const {

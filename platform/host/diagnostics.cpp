@@ -7,8 +7,8 @@
 
 namespace vod::host {
 
-// Each line is printed with one call, so that those of several threads do not mix. When it fails there is nobody to
-// tell.
+// Each line is printed with one call, so that those of several threads do not mix. A failure to print is ignored: there is
+// no other place to report it.
 
 void report(const std::string& what) {
   static_cast<void>(std::fprintf(stderr, "video_object_detection_subscriber: %s\n", what.c_str()));
@@ -16,6 +16,14 @@ void report(const std::string& what) {
 
 void reportFailure(const char* function, const char* what) noexcept {
   static_cast<void>(std::fprintf(stderr, "video_object_detection_subscriber: %s: %s\n", function, what));
+}
+
+void ChannelErrors::failed(Function function, const std::string& what) {
+  std::string& reported = reported_[function];
+  if (reported != what) {
+    report(what);
+    reported = what;
+  }
 }
 
 }  // namespace vod::host

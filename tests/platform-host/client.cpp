@@ -155,6 +155,12 @@ std::string emptyScene(std::uint64_t timestamp) {
   return sceneWith({}, timestamp);
 }
 
+std::string largeScene(std::size_t detections) {
+  std::string scene = sceneWith(std::vector<Centre>(detections, {0.5F, 0.5F}));
+  EXPECT_GT(scene.size(), 4096U);
+  return scene;
+}
+
 std::string errorsOf(const std::function<void()>& code) {
   testing::internal::CaptureStderr();
   code();

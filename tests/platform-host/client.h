@@ -101,6 +101,9 @@ struct Centre {
 std::string sceneWith(const std::vector<Centre>& centres, std::uint64_t timestamp = 0);
 std::string emptyScene(std::uint64_t timestamp);
 
+/** A scene with that many detections in the centre of the image, some 20 bytes each; it has more than 4 KiB. */
+std::string largeScene(std::size_t detections);
+
 /** What the code prints on standard error. */
 std::string errorsOf(const std::function<void()>& code);
 

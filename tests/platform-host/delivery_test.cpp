@@ -39,6 +39,17 @@ TEST_F(Delivery, KeepsUnknownFieldsByteForByte) {
   EXPECT_THAT(client.scenes(), ElementsAre(scene));
 }
 
+TEST_F(Delivery, KeepsLargeScenesByteForByte) {
+  const std::vector<std::string> scenes = {largeScene(200), largeScene(5'000), largeScene(50'000)};
+  Client client(0);
+  client.subscribe();
+  for (const std::string& scene : scenes) {
+    channel(0).pushScene(scene);
+  }
+  drain();
+  EXPECT_EQ(client.scenes(), scenes);
+}
+
 TEST_F(Delivery, BeginsWithTheScenesThatArePushedAfterTheSubscription) {
   Client client(0);
   channel(0).pushScene(oneDetection);

@@ -5,6 +5,7 @@
 #include "recording/recording_writer.h"
 #include "support/temporary_folder.h"
 
+#include <array>
 #include <cstdlib>
 #include <filesystem>
 #include <map>
@@ -19,20 +20,22 @@ using testing::IsEmpty;
 /** Two recordings, and environment variables that the test sets. */
 class TheEnvironment : public testing::Test {
  protected:
+  static constexpr std::array variables = {"TARNVOD_HOST_RECORDINGS", "TARNVOD_HOST_PACE", "TARNVOD_HOST_LOOP"};
+
   TheEnvironment() {
     for (const std::string& folder : {first_, second_}) {
       recording::RecordingWriter writer(folder, folder == first_ ? "\x0a\x02\x08\x01" : "\x0a\x02\x08\x02");
       writer.append(folder == first_ ? scene_ : otherScene_);
       writer.append(emptyScene(1'000'000'000'000));
     }
-    for (const char* const variable : {"TARNVOD_HOST_RECORDINGS", "TARNVOD_HOST_PACE", "TARNVOD_HOST_LOOP"}) {
+    for (const char* const variable : variables) {
       ::unsetenv(variable);
     }
     set("TARNVOD_HOST_RECORDINGS", first_ + ':' + second_);
     reset();
   }
   ~TheEnvironment() override {
-    for (const char* const variable : {"TARNVOD_HOST_RECORDINGS", "TARNVOD_HOST_PACE", "TARNVOD_HOST_LOOP"}) {
+    for (const char* const variable : variables) {
       ::unsetenv(variable);
     }
     reset();
@@ -135,14 +138,31 @@ TEST_F(TheEnvironment, RefusesWrongFolders) {
   }
 }
 
-TEST_F(TheEnvironment, FailsEveryCallThatNeedsItWhenItIsWrong) {
+TEST_F(TheEnvironment, FailsEveryCallThatNeedsItWhenItIsWrongAndReportsItOnce) {
   set("TARNVOD_HOST_LOOP", "2");
   EXPECT_EQ(errorsOf([] {
               EXPECT_EQ(channels(), std::nullopt);
+              EXPECT_NE(Client(0).createResult(), 0);
+              EXPECT_NE(Client(0).createResult(), 0);
               EXPECT_NE(video_object_detection_set_channel_configuration(0, nullptr, 0, nullptr), 0);
             }),
-            refused("TARNVOD_HOST_LOOP is \"2\"; it must be 0 or 1") +
-                refused("TARNVOD_HOST_LOOP is \"2\"; it must be 0 or 1"));
+            refused("TARNVOD_HOST_LOOP is \"2\"; it must be 0 or 1"));
+}
+
+TEST_F(TheEnvironment, SaysWhatIsWrongWithIt) {
+  set("TARNVOD_HOST_LOOP", "2");
+  EXPECT_EQ(errorsOf([] { EXPECT_EQ(configurationError(), "TARNVOD_HOST_LOOP is \"2\"; it must be 0 or 1"); }),
+            refused("TARNVOD_HOST_LOOP is \"2\"; it must be 0 or 1"));
+}
+
+TEST_F(TheEnvironment, HasNoErrorWhenItIsValid) {
+  EXPECT_EQ(configurationError(), std::nullopt);
+}
+
+TEST_F(TheEnvironment, HasNoErrorOnceTheTestMakesChannels) {
+  set("TARNVOD_HOST_LOOP", "2");
+  channel(0);
+  EXPECT_EQ(configurationError(), std::nullopt);
 }
 
 TEST_F(TheEnvironment, LeavesOtherChannelsAloneWhenAFolderIsMissing) {

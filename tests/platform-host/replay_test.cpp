@@ -6,6 +6,8 @@
 #include "recording/recording_writer.h"
 #include "support/temporary_folder.h"
 
+#include <sys/stat.h>
+
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -254,6 +256,74 @@ TEST_F(ARecording, WhoseFolderIsAFileFailsTheCreation) {
   channel(0).recording(scenesFile(), onceAtOnce);
   EXPECT_EQ(errorsOf([] { EXPECT_NE(Client(0).createResult(), 0); }),
             "video_object_detection_subscriber: " + scenesFile() + ": not a recording folder\n");
+}
+
+TEST_F(ARecording, WhoseErrorStaysIsReportedOnce) {
+  std::filesystem::remove(scenesFile());
+  std::filesystem::remove(folder_ / recording::detectorInformationFileName);
+  channel(0).recording(folder_, onceAtOnce);
+  const auto askAndSubscribe = [] {
+    Client client(0);
+    std::uint8_t* bytes = nullptr;
+    std::size_t length = 0;
+    EXPECT_NE(video_object_detection_subscriber_get_information(client.handle(), &bytes, &length, nullptr), 0);
+    EXPECT_NE(client.trySubscribe(), 0);
+  };
+  EXPECT_THAT(errorsOf(askAndSubscribe), testing::AllOf(testing::HasSubstr(scenesFile()),
+                                                        testing::HasSubstr(recording::detectorInformationFileName)));
+  EXPECT_EQ(errorsOf(askAndSubscribe), "");
+}
+
+TEST_F(ARecording, WhoseErrorComesBackIsReportedAgain) {
+  const std::string moved = temporary_.path() / "moved";
+  channel(0).recording(folder_, onceAtOnce);
+  const auto create = [] { return Client(0).createResult(); };
+  std::filesystem::rename(folder_, moved);
+  EXPECT_NE(errorsOf([&] { EXPECT_NE(create(), 0); }), "");
+  std::filesystem::rename(moved, folder_);
+  EXPECT_EQ(errorsOf([&] { EXPECT_EQ(create(), 0); }), "");
+  std::filesystem::rename(folder_, moved);
+  EXPECT_NE(errorsOf([&] { EXPECT_NE(create(), 0); }), "");
+}
+
+TEST_F(ARecording, WhoseScenesAreAFifoFailsTheSubscription) {
+  std::filesystem::remove(scenesFile());
+  ASSERT_EQ(::mkfifo(scenesFile().c_str(), 0600), 0);
+  channel(0).recording(folder_, onceAtOnce);
+  Client client(0);
+  EXPECT_EQ(errorsOf([&] { EXPECT_NE(client.trySubscribe(), 0); }),
+            "video_object_detection_subscriber: " + scenesFile() + ": not a regular file\n");
+}
+
+TEST_F(ARecording, IsAtItsEndAfterItsLastSceneAndUntilItIsPlayedAgain) {
+  channel(0).recording(folder_, onceAtOnce);
+  EXPECT_FALSE(channel(0).isAtEndOfRecording());
+  {
+    Client client(0, {[](Client&) { EXPECT_FALSE(channel(0).isAtEndOfRecording()); }, {}});
+    client.subscribe();
+    channel(0).waitForEndOfRecording();
+    EXPECT_TRUE(channel(0).isAtEndOfRecording());
+    EXPECT_THAT(channel(0).subscriptions(), testing::SizeIs(1));
+    EXPECT_EQ(client.teardowns(), 0);
+  }
+  Gate gate;
+  Client client(0, {[&](Client&) { gate.pass(); }, {}});
+  client.subscribe();
+  EXPECT_FALSE(channel(0).isAtEndOfRecording());
+  gate.open();
+}
+
+TEST_F(ARecording, MayHoldLargeScenes) {
+  const std::vector<std::string> scenes = {largeScene(200), largeScene(5'000), largeScene(50'000)};
+  recording::RecordingWriter writer(temporary_.path() / "large", detector_);
+  for (const std::string& scene : scenes) {
+    writer.append(scene);
+  }
+  channel(0).recording(temporary_.path() / "large", onceAtOnce);
+  Client client(0);
+  client.subscribe();
+  channel(0).waitForEndOfRecording();
+  EXPECT_EQ(client.scenes(), scenes);
 }
 
 TEST_F(ARecording, WithTimeStampsThatGoBackIsPlayedAtOnce) {

@@ -103,6 +103,12 @@ class VOD_HOST_EXPORT Channel {
    * called from a callback.
    */
   void waitForEndOfRecording() const;
+  /**
+   * Whether the recording, one that does not loop, has been delivered to its end or up to its damage. Its subscriptions
+   * are not dropped, but receive no further frame; the recording starts again with the first subscription after all of
+   * them have ended.
+   */
+  bool isAtEndOfRecording() const;
 
   /** Numbers of the subscribers that are subscribed to this channel, in the order of creation. */
   std::vector<int> subscriptions() const;
@@ -127,6 +133,13 @@ VOD_HOST_EXPORT Channel channel(int number);
  * @throw std::out_of_range  when there is none
  */
 VOD_HOST_EXPORT Channel servedChannel(int number);
+
+/**
+ * What is wrong with an environment variable, on one line: its name, its value and the values allowed. None when all
+ * are valid or when `channel` has taken the place of what they name. Calls that need a channel fail until `reset`, so
+ * an application that retries does so forever; a program may ask this to stop instead.
+ */
+VOD_HOST_EXPORT std::optional<std::string> configurationError();
 
 /**
  * Waits until all scenes and teardowns, pushed or dropped before the call, have been through their callbacks. Must not

@@ -39,6 +39,11 @@ bool Replayer::waitForEnd(std::chrono::milliseconds limit) {
   return changed_.wait_for(lock.forWaiting(), limit, [this]() TARNVOD_REQUIRES(mutex_) { return ended_; });
 }
 
+bool Replayer::isAtEnd() const {
+  const Lock lock(mutex_);
+  return ended_;
+}
+
 void Replayer::loop() {
   Lock lock(mutex_);
   while (true) {

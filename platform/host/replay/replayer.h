@@ -37,6 +37,8 @@ class Replayer {
    * @return false when the limit has passed first
    */
   bool waitForEnd(std::chrono::milliseconds limit);
+  /** Whether what was started last has been delivered to its end. */
+  bool isAtEnd() const;
 
  private:
   void loop();
@@ -44,7 +46,7 @@ class Replayer {
   bool waitUntilDue(int replay, std::chrono::steady_clock::time_point due);
 
   const Deliver deliver_;
-  Mutex mutex_;
+  mutable Mutex mutex_;
   std::condition_variable changed_;
   std::unique_ptr<Playback> next_ TARNVOD_GUARDED_BY(mutex_);
   int replay_ TARNVOD_GUARDED_BY(mutex_) = 0;

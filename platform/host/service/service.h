@@ -71,6 +71,8 @@ class Service {
   void reset();
   void makeChannel(int channel);
   void requireChannel(int channel);
+  /** What is wrong with the environment variables, if they choose the channels. */
+  std::optional<std::string> configurationError();
   void changeChannel(int channel, const std::function<void(ChannelState&)>& change);
   /** Reads or changes a setting. */
   void access(const std::function<void(ServiceState&)>& access);
@@ -84,6 +86,7 @@ class Service {
 
   void drain();
   void waitForEndOfRecording(int number);
+  bool isAtEndOfRecording(int number);
 
  private:
   void configure(const Lock& lock) TARNVOD_REQUIRES(mutex_);

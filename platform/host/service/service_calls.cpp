@@ -29,12 +29,15 @@ Handle handleOf(std::uintptr_t number) {
   return reinterpret_cast<Handle>(number * alignment);
 }
 
-bool isThere(const std::string& folder) {
+/** Reports whether the channel's recording, if it has one, can be looked for in its folder. */
+bool hasItsFolder(ChannelState& channel) {
   std::error_code error;
-  if (std::filesystem::is_directory(folder, error)) {
+  if (!channel.folder || std::filesystem::is_directory(*channel.folder, error)) {
+    channel.errors.succeeded(Function::Create);
     return true;
   }
-  report(folder + ": " + (error ? error.message() : "not a recording folder"));
+  channel.errors.failed(Function::Create,
+                        *channel.folder + ": " + (error ? error.message() : "not a recording folder"));
   return false;
 }
 
@@ -48,11 +51,11 @@ int Service::create(Handle* handle, void* userData, int channel, int& number) {
   if (state_.isDown) {
     return status::serviceDown;
   }
-  const ChannelState* const served = findChannel(lock, channel);
+  ChannelState* const served = findChannel(lock, channel);
   if (served == nullptr) {
     return status::noSuchChannel;
   }
-  if (served->folder && !isThere(*served->folder)) {
+  if (!hasItsFolder(*served)) {
     return status::badRecording;
   }
   const auto subscriber = std::make_shared<Subscriber>(state_.lastSubscriber + 1, channel, userData);
@@ -226,12 +229,21 @@ int Service::information(const Subscriber& subscriber, std::optional<std::string
   try {
     bytes = readSoundDetectorInformation(folder);
     length = bytes->size();
-    return status::ok;
   } catch (const std::runtime_error& failure) {
     error = failure.what();
-    report(error);
-    return status::badRecording;
   }
+  const Lock lock(mutex_);
+  ChannelState* const channel = findChannel(lock, subscriber.channel());
+  if (bytes) {
+    if (channel != nullptr) {
+      channel->errors.succeeded(Function::GetInformation);
+    }
+    return status::ok;
+  }
+  if (channel != nullptr) {
+    channel->errors.failed(Function::GetInformation, error);
+  }
+  return status::badRecording;
 }
 
 int Service::channelCounts(ServiceState::Counts& counts) {
@@ -240,8 +252,7 @@ int Service::channelCounts(ServiceState::Counts& counts) {
     return status::serviceDown;
   }
   configure(lock);
-  if (!state_.counts && !state_.configurationError.empty()) {
-    report(state_.configurationError);
+  if (!state_.counts && state_.configurationError) {
     return status::noSuchChannel;
   }
   const auto channels = static_cast<std::uint32_t>(state_.channels.size());
@@ -263,13 +274,14 @@ void Service::configure(const Lock& /*held*/) {
     }
   } catch (const std::invalid_argument& error) {
     state_.configurationError = error.what();
+    // Once: the variables of a running process do not change, and applications retry forever.
+    report(*state_.configurationError);
   }
 }
 
 ChannelState* Service::findChannel(const Lock& lock, int channel) {
   configure(lock);
-  if (!state_.configurationError.empty()) {
-    report(state_.configurationError);
+  if (state_.configurationError) {
     return nullptr;
   }
   const auto found = state_.channels.find(channel);

@@ -58,6 +58,12 @@ void Service::requireChannel(int channel) {
   channelAt(lock, channel);
 }
 
+std::optional<std::string> Service::configurationError() {
+  const Lock lock(mutex_);
+  configure(lock);
+  return state_.configurationError;
+}
+
 ChannelState& Service::channelAt(const Lock& /*held*/, int channel) {
   const auto found = state_.channels.find(channel);
   if (found == state_.channels.end()) {

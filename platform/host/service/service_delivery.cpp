@@ -3,7 +3,6 @@
 
 // How scenes and teardowns reach the callbacks.
 
-#include "diagnostics.h"
 #include "service/service.h"
 
 #include <stdexcept>
@@ -99,9 +98,10 @@ int Service::startReplay(const Lock& /*held*/, int number, ChannelState& channel
     }
     channel.replayNumber = ++lastReplay_;
     channel.replayer->start(channel.replayNumber, std::move(playback));
+    channel.errors.succeeded(Function::Subscribe);
     return status::ok;
   } catch (const recording::RecordingError& error) {
-    report(error.what());
+    channel.errors.failed(Function::Subscribe, error.what());
     return status::badRecording;
   }
 }
@@ -146,6 +146,15 @@ void Service::drain() {
       throw std::runtime_error("a callback has not returned; the journal:\n" + lines(journal.calls()));
     }
   }
+}
+
+bool Service::isAtEndOfRecording(int number) {
+  std::shared_ptr<Replayer> replayer;
+  {
+    const Lock lock(mutex_);
+    replayer = channelAt(lock, number).replayer;
+  }
+  return replayer && replayer->isAtEnd();
 }
 
 void Service::waitForEndOfRecording(int number) {

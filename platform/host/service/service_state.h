@@ -4,6 +4,7 @@
 #ifndef VOD_HOST_SERVICE_SERVICE_STATE_H
 #define VOD_HOST_SERVICE_SERVICE_STATE_H
 
+#include "diagnostics.h"
 #include "messages/scene_filter.h"
 #include "replay/replayer.h"
 #include "service/delivery_thread.h"
@@ -36,6 +37,7 @@ struct ChannelState {
 
   std::optional<std::string> folder;
   Replay replay;
+  ChannelErrors errors;
 
   /** The channel's configuration. */
   std::optional<Region> region;
@@ -50,9 +52,10 @@ struct ChannelState {
 /** All that `reset` returns to its beginning, settings and what they govern. */
 struct ServiceState {
   std::map<int, ChannelState> channels;
-  /** Whether the channels are decided, by the control interface or by the environment. */
+  /** Whether the channels have been chosen, by the control interface or by the environment. */
   bool isConfigured = false;
-  std::string configurationError;
+  /** What is wrong with the environment variables; every call that needs a channel fails then. */
+  std::optional<std::string> configurationError;
 
   std::map<Handle, std::shared_ptr<Subscriber>> subscribers;
   /** Those created while calls were recorded, also the deleted ones. */
