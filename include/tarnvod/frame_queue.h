@@ -17,6 +17,7 @@
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -49,12 +50,12 @@ struct FrameCounts {
 };
 
 /**
- * A bounded queue of frames: cameras that are set up with its callback fill it, the application empties it.
+ * A bounded queue of frames: cameras that are given its callback fill it, the application empties it.
  *
  * @code
  * tarn::VOD::FrameQueue queue{16, tarn::VOD::FrameQueuePolicy::DropOldest};
- * tarn::VOD::Handler::setup(1, queue.callback(), {"human"});
- * tarn::VOD::Handler::setup(2, queue.callback(), {"car"});
+ * tarn::VOD::Camera entrance(1, {"human"}, queue.callback(1));
+ * tarn::VOD::Camera street(2, {"car"}, queue.callback(2));
  * while (const std::optional<tarn::VOD::QueuedFrame> next = queue.pop()) {
  *   std::cout << "camera " << next->camera << ": " << *next->frame << '\n';
  * }
@@ -102,6 +103,15 @@ class FrameQueue {
   DetectionCallback callback() const {
     return
         [state = state_](std::unique_ptr<DetectionData> frame, int camera) { state->push(std::move(frame), camera); };
+  }
+
+  /**
+   * A callback for a `Camera`, with the number that its frames are to have in this queue; otherwise as above.
+   *
+   * @throw std::bad_alloc  when memory runs out
+   */
+  std::function<void(std::unique_ptr<DetectionData>)> callback(int camera) const {
+    return [state = state_, camera](std::unique_ptr<DetectionData> frame) { state->push(std::move(frame), camera); };
   }
 
   /**
