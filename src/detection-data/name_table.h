@@ -4,6 +4,7 @@
 #ifndef TARNVOD_DETECTION_DATA_NAME_TABLE_H
 #define TARNVOD_DETECTION_DATA_NAME_TABLE_H
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -15,7 +16,8 @@ namespace tarn::VOD {
 
 /**
  * Names by id, in ascending order of the ids: made once, then only read. As a frame makes hundreds of look-ups, these
- * go by hash, in a table without chains that is at most half full. `Id` converts to `std::uint64_t`, no two to the
+ * go by hash: open addressing, load factor at most 1/2. Ids that were chosen to collide are looked up by binary search
+ * instead, so that neither making the table nor a look-up degrades. `Id` converts to `std::uint64_t`, no two to the
  * same.
  */
 template <typename Id>
@@ -33,7 +35,10 @@ class NameTable {
     for (auto& [id, name] : names) {
       ids_.push_back(id);
       names_.push_back(std::move(name));
-      insert(id, names_.back());
+      idsCollide_ = idsCollide_ || !insert(id, names_.back());
+    }
+    if (idsCollide_) {
+      std::fill(slots_.begin(), slots_.end(), Slot());  // so that each look-up misses at once
     }
   }
 
@@ -47,7 +52,8 @@ class NameTable {
     while (slots_[slot].key != key && slots_[slot].name != nullptr) {
       slot = (slot + 1) % slots_.size();
     }
-    return slots_[slot].name;
+    const std::string* const name = slots_[slot].name;
+    return name == nullptr && idsCollide_ ? findInOrder(id) : name;
   }
 
   std::size_t size() const { return ids_.size(); }
@@ -60,13 +66,26 @@ class NameTable {
     const std::string* name = nullptr;
   };
 
-  void insert(const Id& id, const std::string& name) {
+  /** More steps than ids meet that were not chosen to collide. */
+  static constexpr int mostSteps = 64;
+
+  /** False when the id's place is too far from its first slot. */
+  bool insert(const Id& id, const std::string& name) {
     const auto key = static_cast<std::uint64_t>(id);
     std::size_t slot = firstSlot(key);
-    while (slots_[slot].name != nullptr) {
+    for (int steps = 0; slots_[slot].name != nullptr; ++steps) {
+      if (steps == mostSteps) {
+        return false;
+      }
       slot = (slot + 1) % slots_.size();
     }
     slots_[slot] = {key, &name};
+    return true;
+  }
+
+  const std::string* findInOrder(const Id& id) const {
+    const auto found = std::lower_bound(ids_.begin(), ids_.end(), id);
+    return found == ids_.end() || id < *found ? nullptr : &names_[static_cast<std::size_t>(found - ids_.begin())];
   }
 
   /** Multiplying by the golden ratio spreads ids that follow each other. */
@@ -78,6 +97,7 @@ class NameTable {
   std::vector<std::string> names_;
   std::vector<Slot> slots_;
   unsigned shift_ = 63;
+  bool idsCollide_ = false;
 };
 
 }  // namespace tarn::VOD

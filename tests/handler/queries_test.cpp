@@ -147,13 +147,52 @@ TEST_F(AFreshProcess, AsksADetectorWhoseAttributesHaveNoValuesEachTime) {
 
 void askWhileTheServiceIsDown() {
   vod::host::takeServiceDown();
-  EXPECT_THROW(Handler::getSupportedAttributes(), std::runtime_error);
+  try {
+    Handler::getSupportedAttributes();
+    ADD_FAILURE() << "nothing was thrown";
+  } catch (const std::runtime_error& failure) {
+    EXPECT_STREQ(failure.what(), "Failed to create subscription to vod.");
+  }
   vod::host::bringServiceUp();
   EXPECT_EQ(Handler::getSupportedAttributes().size(), 3U);
 }
 
 TEST_F(AFreshProcess, ThrowsWhenTheAttributesCannotBeReadAndReadsThemLater) {
   expectWell(askWhileTheServiceIsDown);
+}
+
+/** About 1 MiB of attribute types with one value each, whose ids are multiples of a number. */
+::VOD::DetectorInformation largeDetector(std::uint32_t stride) {
+  ::VOD::DetectorInformation information;
+  constexpr std::uint32_t types = 40000;
+  for (std::uint32_t number = 0; number < types; ++number) {
+    ::VOD::AttributeType& type = *information.add_attribute_types();
+    type.set_id(number * stride);
+    type.set_name(std::to_string(number));
+    ::VOD::AttributeClass& value = *type.add_attribute_classes();
+    value.set_id(number);
+    value.set_name("v");
+  }
+  return information;
+}
+
+template <std::uint32_t stride>
+void askALargeDetector() {
+  const ::VOD::DetectorInformation information = largeDetector(stride);
+  vod::host::channel(0).detectorInformation(information.SerializeAsString());
+  const auto attributes = Handler::getSupportedAttributes();
+  EXPECT_EQ(attributes.size(), static_cast<std::size_t>(information.attribute_types_size()));
+  for (const auto& [name, values] : attributes) {
+    ASSERT_THAT(values, ElementsAre("v")) << name;
+  }
+}
+
+TEST_F(AFreshProcess, ListsTheAttributesOfALargeDetector) {
+  expectWell(askALargeDetector<1>);
+}
+
+TEST_F(AFreshProcess, ListsTheAttributesOfALargeDetectorWhoseIdsLieFarApart) {
+  expectWell(askALargeDetector<0x10001>);
 }
 
 using TheAttributesOfCameraOne = HandlerTest;
@@ -170,7 +209,7 @@ TEST_F(TheAttributesOfCameraOne, AreThoseOfItsLastSubscription) {
   EXPECT_THAT(Handler::getSupportedAttributes(), ElementsAre(Pair("beard", IsEmpty())));
 }
 
-TEST_F(TheAttributesOfCameraOne, AreGoneWhenReadingThemAnewFails) {
+TEST_F(TheAttributesOfCameraOne, AreGoneWhenReadingThemAgainFails) {
   setUp(1);
   Handler::teardown(1);
   vod::host::plan(Fault(Function::GetInformation).onCall(3).failsWith(1));

@@ -1,0 +1,56 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#include "detection-data/name_table.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+
+namespace tarn::VOD {
+namespace {
+
+constexpr std::uint64_t multiplier = 0x9E3779B97F4A7C15U;  // of the table's hash
+
+/** The number whose product with the multiplier is 1: its multiples hash to small numbers, whose upper bits are 0. */
+constexpr std::uint64_t inverseOfMultiplier() {
+  std::uint64_t inverse = 1;
+  for (int doubling = 0; doubling < 6; ++doubling) {
+    inverse *= 2 - multiplier * inverse;
+  }
+  return inverse;
+}
+static_assert(inverseOfMultiplier() * multiplier == 1);
+
+/** Names for the multiples of a number. */
+std::map<std::uint64_t, std::string> namesOf(std::uint64_t count, std::uint64_t factor) {
+  std::map<std::uint64_t, std::string> names;
+  for (std::uint64_t number = 1; number <= count; ++number) {
+    names[number * factor] = std::to_string(number);
+  }
+  return names;
+}
+
+class ANameTable : public testing::TestWithParam<std::uint64_t> {};
+
+TEST_P(ANameTable, FindsEveryNameAndNoneForOtherIds) {
+  for (const std::uint64_t count : {0U, 1U, 2U, 80U, 1000U, 200000U}) {
+    const NameTable<std::uint64_t> table(namesOf(count, GetParam()));
+    ASSERT_EQ(table.size(), count);
+    for (std::uint64_t number = 1; number <= count; ++number) {
+      const std::string* const name = table.find(number * GetParam());
+      ASSERT_NE(name, nullptr) << number;
+      ASSERT_EQ(*name, std::to_string(number));
+    }
+    EXPECT_EQ(table.find(0), nullptr);
+    EXPECT_EQ(table.find((count + 1) * GetParam()), nullptr);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(OfAnyIdsAlsoThoseChosenToCollide, ANameTable,
+                         testing::Values(1U, 0x10001U, std::uint64_t{1} << 32U, inverseOfMultiplier(),
+                                         inverseOfMultiplier() * 3));
+
+}  // namespace
+}  // namespace tarn::VOD
