@@ -73,6 +73,20 @@ TEST_P(AFrame, AllocatesWhatItsParseNeedsAndWhatItsRecordHolds) {
   EXPECT_LE(allocations, allocationsOfParse(bytes) + allocationsHeldBy(*delivered));
 }
 
+using AFrameForAnEmptyCallable = HandlerTest;
+
+TEST_F(AFrameForAnEmptyCallable, IsNotParsed) {
+  ASSERT_TRUE(Handler::setup(1, nullptr, {"human"}));
+  const vod::host::Registration service = vod::host::registration(2);
+  const std::string bytes = bytesOf({12, 0, 80});
+  EXPECT_GT(allocationsOfParse(bytes), 0U);
+  EXPECT_EQ(allocationsOf([&] {
+              service.detection(reinterpret_cast<const std::uint8_t*>(bytes.data()),
+                                static_cast<std::int32_t>(bytes.size()), service.userData);
+            }),
+            0U);
+}
+
 INSTANTIATE_TEST_SUITE_P(OfAnySize, AFrame,
                          testing::Values(Frame{0, 0, 80}, Frame{3, 0, 80}, Frame{12, 0, 80}, Frame{12, 0, 8},
                                          Frame{12, 0, 1}, Frame{12, 48, 80}, Frame{100, 0, 80}, Frame{100, 0, 1}));

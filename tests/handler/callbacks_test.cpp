@@ -3,9 +3,11 @@
 
 // Every function may be called from inside the application's callback, with and without a platform that waits for it.
 
-#include "handler/handler_test.h"
+#include "handler/on_release.h"
+#include "handler/retry_thread_callback.h"
 
 #include <functional>
+#include <future>
 
 namespace tarn::test {
 namespace {
@@ -74,33 +76,29 @@ TEST_F(ACallbackInsideSubscribe, OfTheCameraThatIsBeingSetUpFindsItNotYetActive)
   EXPECT_THAT(classesAfter(1, sceneOf({1})), ElementsAre(ElementsAre("human")));
 }
 
-TEST_F(ACallbackInsideSubscribe, OnTheRetryThreadCannotWaitForThatThreadAndIsToldSo) {
-  setUp(1);
-  const vod::host::Registration live = vod::host::registration(2);
-  std::error_code code;
-  Handler::setup(1,
-                 [&code](auto&&, int) {
-                   Handler::initialize(9);  // runs already: nothing happens
-                   try {
-                     Handler::deinitialize();
-                   } catch (const std::system_error& failure) {
-                     code = failure.code();
-                   }
-                 },
-                 {"human"});
-  const int down = vod::host::plan(Fault(Function::Create).always().failsWith(1));
-  setUp(2);
-  vod::host::lift(down);
-  // While camera 2 is retried, the platform delivers a frame of camera 1 on the retry thread itself.
-  vod::host::plan(Fault(Function::Create).onCall(1).runs([&live] {
-    const std::uint8_t nothing = 0;
-    live.detection(&nothing, 0, live.userData);
-  }));
-  sleep_.releaseAll();
-  Handler::initialize(1);
-  vod::host::waitForCalls([](const auto&) { return !vod::host::channel(1).subscriptions().empty(); });
-  Handler::deinitialize();
-  EXPECT_EQ(code, std::errc::resource_deadlock_would_occur);
+TEST_F(ACallbackOnTheRetryThread, CannotWaitForThatThread) {
+  std::promise<std::error_code> code;
+  startRetryThreadAndRunThere([&code] {
+    Handler::initialize(9);  // runs already: nothing happens
+    try {
+      Handler::deinitialize();
+      code.set_value({});
+    } catch (const std::system_error& failure) {
+      code.set_value(failure.code());
+    }
+  });
+  EXPECT_EQ(code.get_future().get(), std::errc::resource_deadlock_would_occur);
+}
+
+TEST_F(ACallbackOnTheRetryThread, EndsTheThreadAfterItsRoundByDeinitialize) {
+  std::promise<void> ended;
+  startRetryThreadAndRunThere([&ended] {
+    thread_local std::shared_ptr<void> untilTheThreadsEnd;
+    untilTheThreadsEnd = onRelease([&ended] { ended.set_value(); });
+    EXPECT_THROW(Handler::deinitialize(), std::system_error);
+  });
+  ended.get_future().get();
+  EXPECT_EQ(vod::host::channel(1).subscriptions().size(), 1U) << "the round was finished first";
 }
 
 TEST_F(ACallbackInsideSubscribe, ThatTearsThePendingCameraDownDoesNotUpsetTheRetries) {

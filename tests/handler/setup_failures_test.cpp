@@ -130,13 +130,13 @@ INSTANTIATE_TEST_SUITE_P(OfEachKind, AFailingCall,
 
 using ASetUp = HandlerTest;
 
-TEST_F(ASetUp, SucceedsWhenTheDetectorIsNotToldAfterSubscribing) {
+TEST_F(ASetUp, SucceedsWhenTheDetectorIsNotKnownAfterSubscribing) {
   vod::host::plan(Fault(Function::GetInformation).onCall(2).failsWith(7));
   EXPECT_TRUE(setUp(1));
   EXPECT_THAT(log_.lines(), ElementsAre(LogLine{LOG_WARNING, "Couldn't read detector information\n"}));
 }
 
-TEST_F(ASetUp, SucceedsWithoutAttributeNamesWhenTheyAreNotTold) {
+TEST_F(ASetUp, SucceedsWithoutAttributeNamesWhenTheDetectorDoesNotAnswer) {
   vod::host::plan(Fault(Function::GetInformation).onCall(3).failsWith(7));
   EXPECT_TRUE(setUp(1));
   EXPECT_THAT(log_.lines(), ElementsAre(LogLine{LOG_WARNING, "Couldn't read detector information\n"}));
@@ -202,7 +202,7 @@ TEST_F(ARunOfFailures, LogsEveryFifthAfterThat) {
   EXPECT_EQ(log_.lines().size(), 4U);
 }
 
-TEST_F(ARunOfFailures, BeginsAnewAfterASuccess) {
+TEST_F(ARunOfFailures, BeginsAgainAfterASuccess) {
   failTimes(3);
   vod::host::liftAllFaults();
   EXPECT_TRUE(setUp(1));
