@@ -4,7 +4,8 @@
 #
 # check_document.sh DOCUMENT SOURCE_DIR BUILD_DIR PREFIX WORK_DIR: follows a document as a reader would. Its code blocks are
 # compiled and run from top to bottom, in WORK_DIR; commands begin in a folder `tarnvod`, which looks like SOURCE_DIR with
-# BUILD_DIR as its build/release, and keep their folder and environment from block to block. What a block is tells its language:
+# BUILD_DIR as its build/release, and keep their folder and environment from block to block. The language of a block decides how it
+# is checked:
 #
 #   sh      commands, which must succeed
 #   cpp     a program, or the statements of a function, which must compile against the copy installed in PREFIX
@@ -15,7 +16,10 @@
 #
 #   <!-- test: file NAME -->        the block is the file NAME, to be written where the reader is
 #   <!-- test: prints -->           the commands before it printed these lines, in this order; "..." stands for any
-#   <!-- test: not run: REASON -->  cannot be run here; not-run.txt says how many such blocks each document has
+#   <!-- test: instead: COMMAND --> takes too long here; this command, with the same result, is run instead
+#   <!-- test: not run: REASON -->  cannot be run here
+#
+# not-run.txt has the number of blocks of each document that are not run.
 set -euo pipefail
 document=$(realpath "$1")
 source_dir=$2
@@ -124,6 +128,11 @@ for body in "$work_dir"/blocks/*.body; do
   blocks=$((blocks + 1))
   case $directive in
     "not run: "?*) not_run=$((not_run + 1)) ;;
+    "instead: "?*)
+      not_run=$((not_run + 1))
+      echo "${directive#instead: }" >"$work_dir/instead"
+      run_commands "$work_dir/instead"
+      ;;
     "file "?*) write_file "$body" "${directive#file }" ;;
     prints) compare_output "$body" ;;
     "")
