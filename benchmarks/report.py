@@ -102,7 +102,7 @@ def figures(directory):
     measured = times(os.path.join(directory, "frame_benchmark"))
     lines = table(["sample", "road", "instructions", "to parse", "best µs", "to parse (quartiles)", "allocations",
                    "bytes"], frame_rows(directory, measured))
-    lines += table(["beside the frames", "best µs"],
+    lines += table(["other than frames", "best µs"],
                    [(name, f"{min(values) / 1000:.1f}") for name, values in measured.items() if "/" not in name])
     lines += table(["requested classes", "instructions of an empty frame"],
                    [(classes, f"{per_frame(program, 'frame', '0', classes):.0f}") for classes in (1, 80)])

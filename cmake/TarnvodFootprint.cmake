@@ -1,7 +1,7 @@
 # SPDX-FileCopyrightText: 2026 The tarnvod authors
 # SPDX-License-Identifier: MIT
 
-# What makes the shipped library small without making a frame slow; docs/device.md tells what each brings.
+# What makes the shipped library small without making a frame slow; docs/device.md says what each saves.
 
 if(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT TARNVOD_SANITIZE AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # The objects hold machine code as well, for tools that read them without the compiler's help.

@@ -1,7 +1,7 @@
 # SPDX-FileCopyrightText: 2026 The tarnvod authors
 # SPDX-License-Identifier: MIT
 
-# The fuzzers are built with libFuzzer, and the whole build tells it what it has covered. Without this each fuzzer is a plain
+# The fuzzers are built with libFuzzer, and the whole build is instrumented for its coverage. Without this each fuzzer is a plain
 # program that replays its corpus, with any compiler.
 option(TARNVOD_BUILD_FUZZERS "Build the fuzzers with libFuzzer, which needs clang" OFF)
 if(TARNVOD_BUILD_FUZZERS)

@@ -3,7 +3,7 @@
 
 # Finds Protocol Buffers: by its own CMake package where there is one (the versions that build on Abseil need it), else
 # by CMake's module. Both give protobuf::libprotobuf-lite and protobuf::protoc. The installed package uses this file too;
-# whoever includes it tells what it means that Protobuf_FOUND is false.
+# its includer checks Protobuf_FOUND.
 find_package(Protobuf CONFIG QUIET)
 if(NOT Protobuf_FOUND)
   find_package(Protobuf MODULE QUIET)

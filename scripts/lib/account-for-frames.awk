@@ -4,9 +4,9 @@
 # awk -v topic=TOPIC -v qos=N -v published=N -v keeps=0|1 -f account-for-frames.awk \
 #     BROKER1.log BROKER2.log CONSUMER...
 #
-# Tells where each frame of one camera went: to the consumer, or where it was lost. BROKER1.log and BROKER2.log are what the broker
+# Reports where each frame of one camera went: to the consumer, or where it was lost. BROKER1.log and BROKER2.log are what the broker
 # logged before it was killed and after its return, each CONSUMER has the time, the topic and the frame of each message that the consumer
-# received; `keeps` tells whether the broker keeps a session for it. Fails when that does not add up, or is not what the quality of
+# received; `keeps` is 1 if the broker keeps a session for it. Fails when that does not add up, or is not what the quality of
 # service promises.
 #
 # Frame k is the k-th that was published, counted from 0. It is known by its time stamp at the consumer, and at the broker by the

@@ -5,7 +5,7 @@
 
 source scripts/lib/packages.sh
 
-# build_release TARGET...: builds these in release, with what they need.
+# build_release TARGET...: builds these targets in release, after installing the packages that they need.
 build_release() {
   require_packages "${build_packages[@]}"
   cmake --preset release >/dev/null
@@ -14,11 +14,11 @@ build_release() {
 
 readonly demo_build=build/demo
 
-# build_demo TARGET...: builds these without tests in $demo_build, whose packages are there.
+# build_demo TARGET...: builds these targets in release, without tests, in $demo_build. The packages must be installed.
 build_demo() {
   mkdir -p "$demo_build"
   if ! cmake -S . -B "$demo_build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DTARNVOD_BUILD_TESTS=OFF >"$demo_build.log" 2>&1; then
-    echo "the build cannot be configured; $demo_build.log tells why" >&2
+    echo "the build cannot be configured; the reason is in $demo_build.log" >&2
     return 1
   fi
   cmake --build "$demo_build" --target "$@"

@@ -3,7 +3,7 @@
 #
 # To be sourced: require_packages, debian_mirror, command_packages and build_packages.
 
-# What the library, the host platform and the command are built with; and what everything is, tests and fuzzers included.
+# The packages to build the library, the host platform and the command; and those to build everything, with tests and fuzzers.
 readonly command_packages=(cmake ninja-build g++ pkgconf protobuf-compiler libprotobuf-dev libcli11-dev libcpp-httplib-dev
   nlohmann-json3-dev)
 readonly build_packages=("${command_packages[@]}" libgtest-dev libgmock-dev)
@@ -12,8 +12,8 @@ is_installed() {
   [[ $(dpkg-query --show --showformat='${db:Status-Status}' "$1" 2>/dev/null) == installed ]]
 }
 
-# require_packages NAME...: installs those Debian packages that are missing; does nothing when none is. Elsewhere than on
-# Debian and its descendants it leaves this to whoever runs the script, and the build tells what it does not find.
+# require_packages NAME...: installs those Debian packages that are missing. On systems other than Debian and its descendants it
+# does nothing, and the build reports what it does not find.
 require_packages() {
   command -v dpkg-query >/dev/null || return 0
 
@@ -37,7 +37,7 @@ require_packages() {
     apt-get install --quiet --quiet --yes --no-install-recommends "${missing[@]}"
 }
 
-# The mirror from which this machine has its own packages.
+# The mirror from which the packages of this machine come.
 debian_mirror() {
   local mirror
   mirror=$(apt-get indextargets --format '$(REPO_URI)' 'Identifier: Packages' 'Origin: Debian' 'Label: Debian' | head -n 1)

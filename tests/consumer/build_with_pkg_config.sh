@@ -2,8 +2,8 @@
 # SPDX-FileCopyrightText: 2026 The tarnvod authors
 # SPDX-License-Identifier: MIT
 #
-# build_with_pkg_config.sh PKG_CONFIG COMPILER LIBDIR BINARY_DIR: builds the application with nothing but what the pkg-config
-# module in LIBDIR tells, and runs it.
+# build_with_pkg_config.sh PKG_CONFIG COMPILER LIBDIR BINARY_DIR: builds the application with only the flags of the
+# pkg-config module in LIBDIR, and runs it.
 set -euo pipefail
 pkg_config=$1
 compiler=$2
