@@ -1,18 +1,14 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-// Runs until it receives SIGTERM or SIGINT, then shuts down in order: cameras first, then the retry thread. A process that
-// ends while that thread still runs is aborted.
+// Runs until it receives SIGTERM or SIGINT, then ends the camera and exits. No callback runs once the camera has ended, so
+// that what the callbacks use can be destroyed.
 
 #include <tarnvod/tarnvod.h>
 
 #include <csignal>
 #include <iostream>
-#include <memory>
 #include <utility>
-
-using tarn::VOD::DetectionData;
-using tarn::VOD::Handler;
 
 namespace {
 
@@ -38,19 +34,17 @@ int main() {
   // a signal handler, where almost no function may be called.
   const sigset_t stopSignals = holdStopSignals();
 
-  Handler::initialize(1);
-  const auto isFirst = std::make_shared<bool>(true);
-  const auto reportFirst = [isFirst](std::unique_ptr<DetectionData> frame, int) {
-    if (std::exchange(*isFirst, false)) {
+  bool isFirst = true;
+  const auto reportFirst = [&isFirst](auto frame) {
+    if (std::exchange(isFirst, false)) {
       std::cout << "receiving: " << frame->detections.size() << " people in the first frame" << std::endl;
     }
   };
-  Handler::setup(1, reportFirst, {"human"});
-
-  waitForStop(stopSignals);
-
-  std::cout << "stopping" << std::endl;
-  Handler::teardown(1);
-  Handler::deinitialize();
+  {
+    const tarn::VOD::Camera camera(1, {"human"}, reportFirst,
+                                   [](const auto& status) { std::clog << status << std::endl; });
+    waitForStop(stopSignals);
+    std::cout << "stopping" << std::endl;
+  }
   std::cout << "stopped" << std::endl;
 }

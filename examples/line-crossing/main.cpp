@@ -10,11 +10,9 @@
 #include <cstdint>
 #include <iostream>
 #include <map>
-#include <memory>
 
 using tarn::VOD::Data;
 using tarn::VOD::DetectionData;
-using tarn::VOD::Handler;
 
 namespace {
 
@@ -68,12 +66,9 @@ class Line {
 }  // namespace
 
 int main() {
-  Handler::initialize(1);
-
-  const auto line = std::make_shared<Line>();
-  Handler::setup(1, [line](std::unique_ptr<DetectionData> frame, int) { line->watch(*frame); }, {"human"});
-
+  Line middle;
+  const tarn::VOD::Camera camera(
+      1, {"human"}, [&middle](auto frame) { middle.watch(*frame); },
+      [](const auto& status) { std::clog << status << std::endl; });
   std::cin.get();
-  Handler::teardown(1);
-  Handler::deinitialize();
 }

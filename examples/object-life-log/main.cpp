@@ -9,12 +9,10 @@
 #include <cstdint>
 #include <iostream>
 #include <map>
-#include <memory>
 
 using tarn::VOD::Data;
 using tarn::VOD::DetectionData;
 using tarn::VOD::DetectionStatus;
-using tarn::VOD::Handler;
 using tarn::VOD::VodEvent;
 
 namespace {
@@ -63,13 +61,9 @@ class LifeLog {
 }  // namespace
 
 int main() {
-  Handler::initialize(1);
-
-  const auto log = std::make_shared<LifeLog>();
-  Handler::setup(
-      1, [log](std::unique_ptr<DetectionData> frame, int) { log->write(*frame); }, Handler::getSupportedClasses());
-
+  LifeLog log;
+  // Without a class, all that the detector knows.
+  const tarn::VOD::Camera camera(
+      1, {}, [&log](auto frame) { log.write(*frame); }, [](const auto& status) { std::clog << status << std::endl; });
   std::cin.get();
-  Handler::teardown(1);
-  Handler::deinitialize();
 }

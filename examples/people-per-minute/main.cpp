@@ -8,13 +8,11 @@
 
 #include <cstdint>
 #include <iostream>
-#include <memory>
 #include <optional>
 #include <set>
 
 using tarn::VOD::DetectionData;
 using tarn::VOD::DetectionStatus;
-using tarn::VOD::Handler;
 
 namespace {
 
@@ -59,13 +57,9 @@ class PeopleCounter {
 }  // namespace
 
 int main() {
-  Handler::initialize(1);
-
-  // Shared with the callback, which may still be running when the camera has been torn down.
-  const auto counter = std::make_shared<PeopleCounter>();
-  Handler::setup(1, [counter](std::unique_ptr<DetectionData> frame, int) { counter->count(*frame); }, {"human"});
-
+  PeopleCounter counter;  // outlives the camera, after whose end no callback runs
+  const tarn::VOD::Camera camera(
+      1, {"human"}, [&counter](auto frame) { counter.count(*frame); },
+      [](const auto& status) { std::clog << status << std::endl; });
   std::cin.get();
-  Handler::teardown(1);
-  Handler::deinitialize();
 }

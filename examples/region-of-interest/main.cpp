@@ -8,28 +8,20 @@
 
 #include <cstddef>
 #include <iostream>
-#include <memory>
-
-using tarn::VOD::DetectionData;
-using tarn::VOD::Handler;
 
 int main() {
-  Handler::initialize(1);
-
   // Four numbers in the service's convention. For the host platform they are left, top, right and bottom, from 0 to 1.
   const tarn::VOD::VodChannelConfiguration upperLeftQuarter{0.0F, 0.0F, 0.5F, 0.5F};
 
-  const auto people = std::make_shared<std::size_t>(0);
-  const auto printChanges = [people](std::unique_ptr<DetectionData> frame, int) {
-    if (frame->detections.size() != *people) {
-      *people = frame->detections.size();
-      std::cout << frame->timestamp << ": people in the region: " << *people << std::endl;
+  std::size_t people = 0;
+  const auto printChanges = [&people](auto frame) {
+    if (frame->detections.size() != people) {
+      people = frame->detections.size();
+      std::cout << frame->timestamp << ": people in the region: " << people << std::endl;
     }
   };
-  Handler::setup(1, printChanges, {"human"}, upperLeftQuarter);
-
+  // A camera keeps its region: to change it, end this one and make another.
+  const tarn::VOD::Camera camera(1, tarn::VOD::CameraRequest{{"human"}, upperLeftQuarter}, printChanges,
+                                 [](const auto& status) { std::clog << status << std::endl; });
   std::cin.get();
-  // A camera that is already set up keeps its region: to change it, tear the camera down and set it up again.
-  Handler::teardown(1);
-  Handler::deinitialize();
 }

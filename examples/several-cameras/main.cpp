@@ -4,16 +4,17 @@
 // Handles the frames of all cameras on one thread of the application. The service's threads only put them into a queue,
 // so slow work here delays nobody: with KeepLatest the worker always gets each camera's newest frame. Ends with Enter.
 
-#include <tarnvod/frame_queue.h>
+#include <tarnvod/tarnvod.h>
 
-#include <cstdint>
+#include <functional>
 #include <iostream>
+#include <list>
 #include <optional>
 #include <set>
+#include <string>
 #include <thread>
 
 using tarn::VOD::FrameQueue;
-using tarn::VOD::Handler;
 
 namespace {
 
@@ -29,20 +30,18 @@ void work(FrameQueue& queue) {
 }  // namespace
 
 int main() {
-  const int cameras = static_cast<int>(Handler::getNumberOfChannels());
-  FrameQueue queue{static_cast<std::size_t>(cameras) + 1, tarn::VOD::FrameQueuePolicy::KeepLatest};
+  const int count = static_cast<int>(tarn::VOD::Handler::getNumberOfChannels());
+  FrameQueue queue{static_cast<std::size_t>(count) + 1, tarn::VOD::FrameQueuePolicy::KeepLatest};
   std::thread worker(work, std::ref(queue));
 
-  Handler::initialize(1);
-  for (int camera = 1; camera <= cameras; ++camera) {
-    Handler::setup(camera, queue.callback(), {"human"});
+  std::list<tarn::VOD::Camera> cameras;  // a camera cannot be moved
+  for (int number = 1; number <= count; ++number) {
+    cameras.emplace_back(number, std::set<std::string>{"human"}, queue.callback(number),
+                         [](const auto& status) { std::clog << status << std::endl; });
   }
 
   std::cin.get();
-  for (int camera = 1; camera <= cameras; ++camera) {
-    Handler::teardown(camera);
-  }
-  Handler::deinitialize();
+  cameras.clear();
 
   queue.close();  // the worker handles the frames that are left, then ends
   worker.join();
