@@ -1,0 +1,67 @@
+#!/bin/bash
+# SPDX-FileCopyrightText: 2026 The tarnvod authors
+# SPDX-License-Identifier: MIT
+#
+# check_scripts.sh SCRIPTS FOLDER OUTCOME: checks one outcome of a script, in FOLDER.
+set -euo pipefail
+scripts=$1
+folder=$2
+
+rm -rf "$folder"
+mkdir -p "$folder"
+cd "$folder"
+
+# expect STATUS OUTPUT COMMAND...: the status and all that the command prints.
+expect() {
+  local status=0 output
+  output=$("${@:3}" 2>&1) || status=$?
+  [[ $status == "$1" && $output == "$2" ]] || { echo "status $status: $output" >&2; exit 1; }
+}
+
+# project VERSION CHANGE_LOG_VERSION LIBRARY_VERSION: the files that name a version.
+project() {
+  mkdir -p src packaging
+  echo "project(tarnvod VERSION $1 LANGUAGES CXX)" >CMakeLists.txt
+  printf '# Change log\n\n## %s (unreleased)\n\n## 0.1.0\n' "$2" >CHANGELOG.md
+  printf '# Upgrading\n\n## %s\n' "$1" >UPGRADING.md
+  printf 'set_target_properties(tarnvod PROPERTIES\n  VERSION %s)\n' "$3" >src/CMakeLists.txt
+  : >packaging/CMakeLists.txt
+}
+
+case $3 in
+  FindAvoidedWords.AcceptsPlainWords)
+    echo "The library reports a tallest teller." >text
+    expect 0 "" "$scripts/lib/find-avoided-words" text ;;
+  FindAvoidedWords.ReportsFileAndLine)
+    printf 'one\nit Tells two\n' >text # avoided on purpose
+    expect 1 "text:2:it Tells two
+find-avoided-words: plainer words are at the head of $scripts/lib/avoided-words.txt" "$scripts/lib/find-avoided-words" text ;;
+  FindBrokenLinks.AcceptsFilesAndHeadings)
+    printf '# A `Heading` of mine\n\n[1](other.md) [2](#a-heading-of-mine) [3](other.md#more)\n' >text.md
+    echo "## More" >other.md
+    expect 0 "" "$scripts/lib/find-broken-links" text.md ;;
+  FindBrokenLinks.DoesNotFollowLinksToOtherMachines)
+    echo "[1](https://example.org/nothing)" >text.md
+    expect 0 "" "$scripts/lib/find-broken-links" text.md ;;
+  FindBrokenLinks.ReportsAMissingFile)
+    echo "[1](nowhere.md)" >text.md
+    expect 1 "text.md: a broken link: nowhere.md" "$scripts/lib/find-broken-links" text.md ;;
+  FindBrokenLinks.ReportsAMissingHeading)
+    printf '# One\n\n[1](#two)\n' >text.md
+    expect 1 "text.md: a broken link: #two" "$scripts/lib/find-broken-links" text.md ;;
+  CheckVersion.AcceptsOneVersion)
+    project 1.2.3 1.2.3 '${PROJECT_VERSION}'
+    expect 0 "" "$scripts/lib/check-version" ;;
+  CheckVersion.ReportsAChangeLogOfAnotherVersion)
+    project 1.2.3 1.2.2 '${PROJECT_VERSION}'
+    expect 1 "check-version: CHANGELOG.md begins with version 1.2.2, CMakeLists.txt has 1.2.3" "$scripts/lib/check-version" ;;
+  CheckVersion.ReportsASecondVersion)
+    project 1.2.3 1.2.3 1.2
+    expect 1 "src/CMakeLists.txt:2:  VERSION 1.2)
+check-version: take the version from PROJECT_VERSION" "$scripts/lib/check-version" ;;
+  Check.RefusesUnknownArguments)
+    expect 2 "usage: $scripts/check [--quick]" "$scripts/check" --fast ;;
+  Install.RefusesUnknownArguments)
+    expect 2 "usage: $scripts/install [PREFIX]" "$scripts/install" --user ;;
+  *) echo "unknown outcome: $3" >&2; exit 2 ;;
+esac
