@@ -77,7 +77,7 @@ std::vector<Road> otherRoads();
 /** Both. */
 std::vector<Road> allRoads();
 
-/** The whole road of a camera that is set up anew, with so many of the detector's classes requested. */
+/** The whole road of a camera that is set up again, with this number of the detector's classes requested. */
 Walk wholeRoad(const Sample& sample, int camera, int classes);
 
 }  // namespace tarn::VOD::bench

@@ -26,7 +26,7 @@ void compareModel(const ::VOD::DetectorInformation& expected) {
 }
 
 void compareAttributes(const ::VOD::DetectorInformation& expected) {
-  // A new subscription reads the names anew.
+  // A new subscription reads the names again.
   require(VOD::Handler::setup(camera, nullptr, {}), "the camera cannot be set up");
   require(VOD::Handler::getSupportedAttributes() == test::attributesOf(expected).supported(),
           "other attributes are supported");

@@ -36,7 +36,7 @@ struct MemberList;  // the library's own access to members
 
 /** The processor on which inference runs. The numbers are the service's, which leaves 8 without a name here. */
 enum class ComputeChip : std::uint8_t {
-  CHIP_UNKNOWN = 0,  ///< not told, or a processor that has no name here
+  CHIP_UNKNOWN = 0,  ///< not reported, or a processor that has no name here
   CPU = 1,
   TOVREK_6_FD = 2,
   TOVREK_7_GPU = 3,

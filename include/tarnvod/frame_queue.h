@@ -136,7 +136,7 @@ class FrameQueue {
   }
 
   /**
-   * Waits for a frame, but not for ever, and takes it out.
+   * Waits for a frame for a limited time, and takes it out.
    *
    * @param duration  how long to wait at most; 0 or less does not wait, more than a year counts as a year
    * @return the frame that has waited longest; nothing when none came in time, or the queue is closed and empty

@@ -34,7 +34,7 @@ Service& service() {
   return Service::instance();
 }
 
-/** Tells the test, if it wants to know, that the platform is at work. */
+/** Notifies a test that is interested that the platform is at work. */
 class AtWork {
  public:
   AtWork() : leaving_(service().observer.leaving) {

@@ -42,7 +42,7 @@ typedef void (*video_object_detection_subscriber_detection_callback)(const uint8
                                                                      void* user_data);
 
 /**
- * Tells that the service has ended the subscription: no frame follows. The subscriber itself still has to be deleted;
+ * The service has ended the subscription: no frame follows. The subscriber itself still has to be deleted;
  * the callback may do so.
  *
  * @param user_data  the pointer given to create
@@ -114,16 +114,16 @@ int video_object_detection_set_channel_configuration(int channel, const uint8_t*
 int video_object_detection_subscriber_get_information(video_object_detection_subscriber_st* subscriber,
                                                       uint8_t** information, size_t* length, char** error);
 
-/** Tells how many channels there are. */
+/** Gives the number of channels. */
 int video_object_detection_subscriber_get_nbr_channels(uint32_t* count);
 
-/** Tells how many channels can be analysed at the same time. */
+/** Gives the number of channels that can be analysed at the same time. */
 int video_object_detection_subscriber_get_nbr_channels_simultaneously(uint32_t* count);
 
-/** Tells the version of the platform's library. */
+/** Gives the version of the platform's library. */
 int video_object_detection_subscriber_get_version(int* major, int* minor);
 
-/** Tells whether the service is enabled on this device. */
+/** Returns whether the service is enabled on this device. */
 bool video_object_detection_subscriber_service_is_enabled(void);
 
 #ifdef __cplusplus

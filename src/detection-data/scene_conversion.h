@@ -17,7 +17,7 @@ class Scene;
 
 namespace tarn::VOD {
 
-/** Told of each attribute that is dropped because its type has no name. */
+/** Called for each attribute that is dropped because its type has no name. */
 using MissingAttributeType = void (*)(std::uint32_t type);
 
 /**

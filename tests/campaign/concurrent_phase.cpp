@@ -115,7 +115,7 @@ void liveAndDie(int camera, const std::shared_ptr<Tally>& tally, std::uint32_t s
     Handler::getDetectorInformation(camera);
     waitUntil([&] { return life->sawFrame.load(); }, "camera " + std::to_string(camera) + " gets no frame");
     Handler::teardown(camera);
-    Handler::teardown(camera);  // a failed update leaves a pending record beside the active one
+    Handler::teardown(camera);  // a failed update leaves a pending record in addition to the active one
     // One that was dropped while it was torn down may be on its way back: it is none of this life's frames that counts.
     life->isOver = true;
   }
@@ -136,7 +136,7 @@ void disturb(const std::vector<std::string>& scenes, std::uint32_t seed, const s
   }
 }
 
-/** Runs a task beside the others; what it throws comes out of the future. */
+/** Runs a task concurrently; what it throws comes out of the future. */
 template <typename Task>
 std::future<void> start(Task task) {
   return std::async(std::launch::async, std::move(task));

@@ -10,7 +10,7 @@ namespace tarn::test {
 
 /**
  * Several threads set cameras up, tear them down and ask, while frames arrive, subscriptions are dropped, the service
- * goes down and the retry thread never sleeps. What then happens cannot be told beforehand, but every frame must carry
+ * goes down and the retry thread never sleeps. What then happens cannot be predicted, but every frame must carry
  * its own camera's names, no callable may hear of a frame once its camera was torn down, and all must come to an end
  * with every camera recovered.
  *

@@ -39,8 +39,8 @@ struct Losses {
 };
 
 /**
- * What the handler's registry must be, do and say, told apart from the library: plain maps and no locks. Every action
- * is done to the model and to the library; then the model tells which calls the platform must have got, and which lines
+ * What the handler's registry must be, do and say, independently of the library: plain maps and no locks. Every action
+ * is done to the model and to the library; then the model says which calls the platform must have got, and which lines
  * the system log.
  */
 class RegistryModel {

@@ -13,7 +13,7 @@ namespace tarn::test {
 /** Where the decisions of a schedule come from, a seed or a fuzzer's input: a number from 0 to one below the bound. */
 using Choose = std::function<std::uint32_t(std::uint32_t bound)>;
 
-/** A detector with names of both kinds for its attributes. All names tell whose camera they belong to. */
+/** A detector with names of both kinds for its attributes. All names contain the number of their camera. */
 std::string plainDetector(int camera);
 
 /** Detector information: mostly sound, sometimes with names twice, without attributes, damaged or none at all. */

@@ -103,7 +103,7 @@ World::~World() {
   Handler::deinitialize();
   for (int camera = 1; camera <= settings_.cameras + 1; ++camera) {
     Handler::teardown(camera);  // a pending one
-    Handler::teardown(camera);  // the active one beside it
+    Handler::teardown(camera);  // the active one as well
   }
 }
 

@@ -34,7 +34,7 @@ WorldSettings anySettings(const Choose& choose);
 std::string toString(const WorldSettings& settings);
 
 /**
- * The library on the host platform, and the model beside it. A step is done to both and brought to its end; then what
+ * The library on the host platform, and its model. A step is done to both and brought to its end; then what
  * the platform was asked, what was logged and which frames arrived is compared. One object at a time.
  */
 class World {

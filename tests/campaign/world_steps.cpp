@@ -58,7 +58,7 @@ void World::step(const Choose& choose) {
       {3, "send a scene whose callback calls the handler", [](World& w, const Choose& c) { w.sendSceneThatActs(c); }},
       {1, "send a scene whose callback throws", [](World& w, const Choose& c) { w.sendSceneThatThrows(c); }},
       {2, "send a scene whose callback takes long", [](World& w, const Choose& c) { w.sendSceneThatTakesLong(c); }},
-      {2, "send a scene beside a slow call", [](World& w, const Choose& c) { w.sendSceneBesideSlowCall(c); }},
+      {2, "send a scene during a slow call", [](World& w, const Choose& c) { w.sendSceneBesideSlowCall(c); }},
       {3, "ask", [](World& w, const Choose& c) { w.ask(c); }},
       {2, "change a detector", [](World& w, const Choose& c) { w.changeDetector(c); }},
       {5, "plan a fault", [](World& w, const Choose& c) { w.planFault(c); }},

@@ -67,7 +67,7 @@ std::size_t AllocationFailure::count() const {
 
 }  // namespace tarn::test
 
-/** Told to the leak checker: Protocol Buffers lose the element that they are adding to a list when the list cannot
+/** For the leak checker: Protocol Buffers lose the element that they are adding to a list when the list cannot
  * grow. */
 extern "C" const char* __lsan_default_suppressions();
 extern "C" const char* __lsan_default_suppressions() {

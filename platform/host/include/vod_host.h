@@ -37,7 +37,7 @@
 
 namespace vod::host {
 
-/** How long `unsubscribe` and `delete` wait for a running callback before they give up, unless told otherwise. */
+/** How long `unsubscribe` and `delete` wait for a running callback before they give up, by default. */
 inline constexpr std::chrono::milliseconds callbackWaitLimit{2000};
 
 /**
@@ -82,7 +82,7 @@ class VOD_HOST_EXPORT Channel {
    * those who receive empty hits.
    */
   const Channel& pushScene(std::string bytes) const;
-  /** As above, but the callback is told this length, which may be zero, negative or too long. Never filtered. */
+  /** As above, but the callback is given this length, which may be zero, negative or too long. Never filtered. */
   const Channel& pushSceneOfLength(std::string bytes, std::int32_t length) const;
   /** A null buffer with the given length. Never filtered. */
   const Channel& pushNullScene(std::int32_t length = 0) const;
@@ -177,7 +177,7 @@ VOD_HOST_EXPORT void callbackThreads(Threads threads);
 /** From now on `subscribe` hands this scene to the detection callback on the caller's thread, before it returns. */
 VOD_HOST_EXPORT void deliverDuringSubscribe(std::string scene);
 
-/** From now on teardown callbacks run at once, on a thread of their own, also beside a detection callback that runs. */
+/** From now on teardown callbacks run at once, on a thread of their own, also while a detection callback runs. */
 VOD_HOST_EXPORT void teardownBesideDetection(bool enabled);
 
 /**

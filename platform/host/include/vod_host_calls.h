@@ -19,7 +19,7 @@
 #include <string>
 #include <vector>
 
-/** Marks what the host platform exports beside the C interface. */
+/** Marks what the host platform exports in addition to the C interface. */
 #define VOD_HOST_EXPORT __attribute__((visibility("default")))
 
 namespace vod::host {

@@ -21,7 +21,7 @@ namespace {
 
 /** Null when there is none. */
 const char* variable(const char* name) {
-  return std::getenv(name);  // NOLINT(concurrency-mt-unsafe): unsafe only beside one who changes the environment
+  return std::getenv(name);  // NOLINT(concurrency-mt-unsafe): unsafe only while another thread changes the environment
 }
 
 std::vector<std::string> readFolders() {

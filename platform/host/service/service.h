@@ -19,7 +19,7 @@
 
 namespace vod::host {
 
-/** What the C functions return beside 0. */
+/** The results of the C functions other than 0. */
 namespace status {
 constexpr int ok = 0;
 constexpr int serviceDown = -1;

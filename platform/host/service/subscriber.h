@@ -18,7 +18,7 @@
 namespace vod::host {
 
 /**
- * One connection to a channel. Its callbacks never run side by side, except that a hostile teardown may run beside a
+ * One connection to a channel. Its callbacks never run concurrently, except that a hostile teardown may run during a
  * detection. All functions are thread-safe; callbacks run without its lock.
  *
  * A subscription is a number that `subscribe` gives out: what was meant for an earlier subscription, or for a

@@ -1,7 +1,7 @@
 /* SPDX-FileCopyrightText: 2026 The tarnvod authors */
 /* SPDX-License-Identifier: MIT */
 
-/* What a test may do with the imagined SDK's service, beside what its public header offers. */
+/* What a test may do with the imagined SDK's service, in addition to what its public header offers. */
 
 #ifndef SDK_SERVICE_H
 #define SDK_SERVICE_H
