@@ -65,9 +65,12 @@ bool holds(const Environment& environment, const std::string& name) {
 
 std::vector<std::string> withInherited(const Environment& environment) {
   std::vector<std::string> all = environment;
+  if (!holds(environment, "TARNVOD_HOST_LOG=")) {
+    all.emplace_back("TARNVOD_HOST_LOG=syslog");  // Whether or not the machine has a system log.
+  }
   for (char** inherited = environ; *inherited != nullptr; ++inherited) {
     const std::string entry = *inherited;
-    if (!holds(environment, entry.substr(0, entry.find('=') + 1))) {
+    if (!holds(all, entry.substr(0, entry.find('=') + 1))) {
       all.push_back(entry);
     }
   }

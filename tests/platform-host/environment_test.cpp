@@ -20,7 +20,8 @@ using testing::IsEmpty;
 /** Two recordings, and environment variables that the test sets. */
 class TheEnvironment : public testing::Test {
  protected:
-  static constexpr std::array variables = {"TARNVOD_HOST_RECORDINGS", "TARNVOD_HOST_PACE", "TARNVOD_HOST_LOOP"};
+  static constexpr std::array variables = {"TARNVOD_HOST_RECORDINGS", "TARNVOD_HOST_PACE", "TARNVOD_HOST_LOOP",
+                                           "TARNVOD_HOST_LOG"};
 
   TheEnvironment() {
     for (const std::string& folder : {first_, second_}) {
@@ -136,6 +137,11 @@ TEST_F(TheEnvironment, RefusesWrongFolders) {
     EXPECT_EQ(errorsOfAFailingCreation(), refused("TARNVOD_HOST_RECORDINGS is \"" + wrong +
                                                   "\"; it must be folders separated by colons, none of them empty"));
   }
+}
+
+TEST_F(TheEnvironment, RefusesAWrongLog) {
+  set("TARNVOD_HOST_LOG", "file");
+  EXPECT_EQ(errorsOfAFailingCreation(), refused("TARNVOD_HOST_LOG is \"file\"; it must be \"stderr\" or \"syslog\""));
 }
 
 TEST_F(TheEnvironment, FailsEveryCallThatNeedsItWhenItIsWrongAndReportsItOnce) {

@@ -70,7 +70,20 @@ bool readLoop() {
 
 }  // namespace
 
+std::optional<LogDestination> readLogDestination() {
+  const char* const value = variable("TARNVOD_HOST_LOG");
+  if (value == nullptr) {
+    return std::nullopt;
+  }
+  const std::string_view text = value;
+  if (text != "stderr" && text != "syslog") {
+    refuse("TARNVOD_HOST_LOG", value, "\"stderr\" or \"syslog\"");
+  }
+  return text == "stderr" ? LogDestination::SystemLogAndStandardError : LogDestination::SystemLog;
+}
+
 Environment readEnvironment() {
+  static_cast<void>(readLogDestination());  // It has been applied when the library was loaded; here it is checked.
   return {readFolders(), {readPace(), readLoop()}};
 }
 

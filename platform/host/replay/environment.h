@@ -6,6 +6,7 @@
 
 #include <vod_host.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,8 +18,19 @@ struct Environment {
   Replay replay;
 };
 
+/** Where the lines go that are written to the system log. */
+enum class LogDestination { SystemLog, SystemLogAndStandardError };
+
 /**
- * Reads the environment variables.
+ * Reads the environment variable that chooses where the log goes.
+ *
+ * @return none when it is not set
+ * @throw std::invalid_argument  as `readEnvironment`
+ */
+std::optional<LogDestination> readLogDestination();
+
+/**
+ * Reads the environment variables that choose what is served, and checks all of them.
  *
  * @throw std::invalid_argument  for a wrong value: one line that names the variable, the value and what it may be
  */
