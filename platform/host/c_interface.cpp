@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-// The functions that a device's closed library has: each enters its call in the journal, meets what is planned for it,
-// and does its work.
+// The functions that a device's closed library has: each records its call in the journal, applies the faults planned
+// for it, and does its work.
 
-// The header is also that of closed libraries and marks nothing for export.
+// The header serves closed libraries too and marks nothing for export.
 #pragma GCC visibility push(default)
 #include <video_object_detection_subscriber.h>
 #pragma GCC visibility pop
@@ -34,30 +34,30 @@ Service& service() {
   return Service::instance();
 }
 
-/** Notifies a test that is interested that the platform is at work. */
-class AtWork {
+/** Runs the functions that a test has set for the beginning and the end of each call. */
+class ObservedCall {
  public:
-  AtWork() : leaving_(service().observer.leaving) {
+  ObservedCall() : leaving_(service().observer.leaving) {
     if (void (*const entering)() = service().observer.entering) {
       entering();
     }
   }
-  ~AtWork() {
+  ~ObservedCall() {
     if (leaving_ != nullptr) {
       leaving_();
     }
   }
-  AtWork(const AtWork&) = delete;
-  AtWork& operator=(const AtWork&) = delete;
+  ObservedCall(const ObservedCall&) = delete;
+  ObservedCall& operator=(const ObservedCall&) = delete;
 
  private:
   void (*const leaving_)();
 };
 
-/** Nothing may be thrown through an interface in C: what is becomes a failure of the call. */
+/** Exceptions must not leave a C interface: one that is thrown makes the call fail. */
 template <typename Work>
 int guarded(Function function, Work work) noexcept {
-  const AtWork atWork;
+  const ObservedCall observed;
   try {
     return work();
   } catch (const std::exception& error) {
@@ -66,7 +66,7 @@ int guarded(Function function, Work work) noexcept {
   }
 }
 
-/** A call in the journal, from its beginning to its end. */
+/** The entry of a call in the journal, completed when the call ends. */
 class Entry {
  public:
   explicit Entry(Call begun) : call_(std::move(begun)), number_(service().journal.begin(call_)) {}
@@ -90,15 +90,15 @@ Call callOf(Function function) {
   return call;
 }
 
-std::optional<int> meetFaults(Function function) {
-  return service().faults.meet(function, [] { service().bringUp(); });
+std::optional<int> applyFaults(Function function) {
+  return service().faults.apply(function, [] { service().bringUp(); });
 }
 
-/** Enters the call in the journal and does its work, unless a fault is planned that takes its place. */
+/** Records the call in the journal and does its work, unless a planned fault replaces it. */
 template <typename Work>
 int journalled(Call call, Work work) {
   Entry entry(std::move(call));
-  const auto code = meetFaults(entry.call().function);
+  const auto code = applyFaults(entry.call().function);
   const int result = code ? *code : work(entry.call());
   entry.call().result = result;
   return result;
@@ -121,14 +121,14 @@ int performOn(Handle handle, Call call, Work work) noexcept {
   });
 }
 
-/** For the caller to free; nothing where it does not ask or where there is nothing to say. */
-void giveError(char** error, const std::string& text) {
+/** Copies the text for the caller, who frees it, unless the caller passed null or there is no text. */
+void copyError(char** error, const std::string& text) {
   if (error != nullptr && !text.empty()) {
     *error = ::strdup(text.c_str());
   }
 }
 
-int giveInformation(const std::optional<std::string>& bytes, uint8_t** information) {
+int copyInformation(const std::optional<std::string>& bytes, uint8_t** information) {
   if (!bytes) {
     *information = nullptr;
     return status::ok;
@@ -158,8 +158,8 @@ int video_object_detection_subscriber_delete(video_object_detection_subscriber_s
     Call call = callOf(Function::Delete);
     call.handle = service().describe(subscriber == nullptr ? nullptr : *subscriber, call.subscriber);
     Entry entry(std::move(call));
-    const auto code = meetFaults(Function::Delete);
-    // Also when it has to fail: the handle is released whatever delete returns.
+    const auto code = applyFaults(Function::Delete);
+    // Also when a fault makes it fail: the handle is released whatever delete returns.
     const int result = service().release(subscriber);
     entry.call().result = code.value_or(result);
     return *entry.call().result;
@@ -215,7 +215,7 @@ int video_object_detection_subscriber_use_channel_configuration(video_object_det
 int video_object_detection_set_channel_configuration(int channel, const uint8_t* configuration, size_t length,
                                                      char** error) {
   return guarded(Function::SetChannelConfiguration, [&] {
-    // A length that no message can have is refused before anything is read.
+    // A length beyond that of any message is refused before anything is read.
     const bool isReadable =
         length <= std::size_t{std::numeric_limits<std::int32_t>::max()} && (configuration != nullptr || length == 0);
     Call call = callOf(Function::SetChannelConfiguration);
@@ -224,11 +224,11 @@ int video_object_detection_set_channel_configuration(int channel, const uint8_t*
       call.bytes.assign(configuration, configuration + length);
     }
     return journalled(std::move(call), [&](const Call& entry) {
-      std::string text = "no configuration, or one that is too long";
+      std::string text = "the configuration is null or too long";
       const int result =
           isReadable ? service().setChannelConfiguration(channel, entry.bytes, text) : int{status::badArgument};
       if (result != status::ok) {
-        giveError(error, text);
+        copyError(error, text);
       }
       return result;
     });
@@ -239,7 +239,7 @@ int video_object_detection_subscriber_get_information(video_object_detection_sub
                                                       uint8_t** information, size_t* length, char** error) {
   return performOn(subscriber, callOf(Function::GetInformation), [&](const auto& found) {
     if (information == nullptr || length == nullptr) {
-      giveError(error, "nowhere to put the information");
+      copyError(error, "information and length must not be null");
       return status::badArgument;
     }
     std::optional<std::string> bytes;
@@ -247,11 +247,11 @@ int video_object_detection_subscriber_get_information(video_object_detection_sub
     std::string text;
     const int result = service().information(*found, bytes, reportedLength, text);
     if (result != status::ok) {
-      giveError(error, text);
+      copyError(error, text);
       return result;
     }
     *length = reportedLength;
-    return giveInformation(bytes, information);
+    return copyInformation(bytes, information);
   });
 }
 

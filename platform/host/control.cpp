@@ -150,8 +150,8 @@ void deliverDuringSubscribe(std::string scene) {
   service().access([&](ServiceState& state) { state.sceneDuringSubscribe = std::move(scene); });
 }
 
-void teardownBesideDetection(bool enabled) {
-  service().access([&](ServiceState& state) { state.teardownBesideDetection = enabled; });
+void teardownDuringDetection(bool enabled) {
+  service().access([&](ServiceState& state) { state.teardownDuringDetection = enabled; });
 }
 
 void catchCallbackExceptions(bool enabled) {

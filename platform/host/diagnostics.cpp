@@ -7,8 +7,8 @@
 
 namespace vod::host {
 
-// Each line is printed with one call, so that those of several threads do not mix. A failure to print is ignored: there is
-// no other place to report it.
+// Each line is printed with one call, so that those of several threads do not mix. A failure to print is ignored: there
+// is no other place to report it.
 
 void report(const std::string& what) {
   static_cast<void>(std::fprintf(stderr, "video_object_detection_subscriber: %s\n", what.c_str()));

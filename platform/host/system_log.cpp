@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-// On a desk or in a container nobody may read the system log, and often there is none: what the process writes to it then
+// On a PC nobody may read the system log, and in a container there is often none: what the process writes to it then
 // appears on standard error too.
 
 #include "replay/environment.h"
@@ -32,8 +32,8 @@ LogDestination logDestination() {
 }
 
 /**
- * Runs when the library is loaded, before the application's own code, so that an application that calls `openlog` has the
- * last word. Sets neither an identifier nor a facility.
+ * Runs when the library is loaded, before the application's own code, so that an application's call of `openlog`
+ * overrides it. Sets neither an identifier nor a facility.
  */
 [[gnu::constructor]] void openSystemLog() {
   if (logDestination() == LogDestination::SystemLogAndStandardError) {

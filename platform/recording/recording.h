@@ -3,9 +3,9 @@
 
 /**
  * @file
- * A recording: a folder that holds what one camera's service said. Its detector information stands in
- * `detector-information.pb`, its scenes in `scenes.pb`, each preceded by its length as a varint. What the messages hold
- * is of no interest here: bytes go in and the same bytes come out.
+ * A recording: a folder with the messages of one camera's service. `detector-information.pb` holds the detector
+ * information, `scenes.pb` the scenes, each preceded by its length as a varint. The messages are not interpreted here:
+ * they are read with the bytes with which they were written.
  */
 
 #ifndef VOD_RECORDING_RECORDING_H
@@ -24,13 +24,13 @@ namespace vod::recording {
 inline constexpr const char* detectorInformationFileName = "detector-information.pb";
 inline constexpr const char* scenesFileName = "scenes.pb";
 
-/** The longest message that is read or written: far beyond any scene, and a bound on memory for a damaged length. */
+/** The longest message that is read or written. Far longer than any scene; bounds the memory for a damaged length. */
 inline constexpr std::size_t maximumMessageSize = 16U << 20U;
 
-/** Something in a recording that cannot be read. */
+/** A place in a recording from which on it cannot be read. */
 struct Damage {
   std::string file;
-  /** In bytes from the start of the file, where the message begins that is damaged. */
+  /** Where the damaged message begins, in bytes from the start of the file. */
   std::int64_t offset = 0;
   std::string what;
 };
@@ -54,7 +54,7 @@ class RecordingError : public std::runtime_error {
 std::ifstream openFile(const std::filesystem::path& file);
 
 /**
- * The bytes of a recording's detector information.
+ * Reads a recording's detector information.
  *
  * @throw RecordingError  when the file cannot be opened (see `openFile`) or read, or is longer than
  *                        `maximumMessageSize`

@@ -29,7 +29,8 @@ NextScene RecordingReader::next() {
 
 NextScene RecordingReader::readNext() {
   offset_ = stream_.ByteCount();
-  // A coded stream counts no further than 2 GB: each message gets its own, which gives back what it did not use.
+  // A coded stream counts no further than 2 GB: each message is read with its own, which returns the bytes it did not
+  // use.
   CodedInputStream input(&stream_);
   const void* data = nullptr;
   int size = 0;
@@ -42,7 +43,7 @@ NextScene RecordingReader::readNext() {
   }
   RecordedScene scene;
   scene.offset = offset_;
-  // Grows with what is really there, whatever the prefix says.
+  // Grows with the bytes that are present, whatever the prefix says.
   if (!input.ReadString(&scene.bytes, static_cast<int>(length))) {
     return damageHere("a message of " + std::to_string(length) + " bytes is cut off after " +
                       std::to_string(scene.bytes.size()));

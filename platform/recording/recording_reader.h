@@ -32,20 +32,20 @@ struct EndOfRecording {};
 using NextScene = std::variant<RecordedScene, EndOfRecording, Damage>;
 
 /**
- * Reads scenes one after the other and never holds more than one. After the end or a damage, which it cannot read past,
- * it says the same again. Not for use by two threads at once.
+ * Reads scenes one after the other and holds no more than one. It does not read beyond the end or a damage; further
+ * calls return the same result. Not thread-safe.
  */
 class RecordingReader {
  public:
-  /** @throw RecordingError  when the folder holds no scenes that can be opened */
+  /** @throw RecordingError  when the file of the scenes cannot be opened, see `openFile` */
   explicit RecordingReader(const std::filesystem::path& folder);
 
   /**
-   * Reads a stream of length-delimited messages from anywhere.
+   * Reads a stream of length-delimited messages.
    *
-   * @param source        the stream; the reader's own from now on
-   * @param name          what a damage calls it
-   * @param maximumSize   a longer message is damage
+   * @param source        the stream, owned by the reader
+   * @param name          its name in `Damage::file`
+   * @param maximumSize   in bytes; a longer message is damage
    */
   RecordingReader(std::unique_ptr<std::istream> source, std::string name, std::size_t maximumSize = maximumMessageSize);
 

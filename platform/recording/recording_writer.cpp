@@ -32,7 +32,7 @@ int createFile(const std::filesystem::path& file) {
   return descriptor;
 }
 
-/** Returns 0 or what went wrong. */
+/** Returns 0 or the error number. */
 int writeAll(int descriptor, std::string_view bytes) {
   while (!bytes.empty()) {
     const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
@@ -89,7 +89,7 @@ void RecordingWriter::append(std::string_view scene) {
   checkSize(scenesFile_, scene);
   const std::string bytes = delimited(scene);
   if (const int error = writeAll(scenes_, bytes)) {
-    // A disk that is full takes a part; what follows it could not be read.
+    // A full disk accepts only a part of the message, and no scene after that part could be read.
     if (::ftruncate(scenes_, size_) != 0) {
       throw RecordingError(scenesFile_.string() + ": " + std::generic_category().message(error) +
                            ", and its last message is cut off");

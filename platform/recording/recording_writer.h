@@ -12,16 +12,16 @@
 namespace vod::recording {
 
 /**
- * Writes a recording. The detector information is complete before the first scene, and each scene is handed to the
- * system as one piece before `append` returns: a process that is stopped at any moment leaves a recording that can be
- * read. Not for use by two threads at once.
+ * Writes a recording. The detector information is complete before the first scene, and each scene is passed to the
+ * system as a whole before `append` returns: a process that is stopped at any moment leaves a readable recording. Not
+ * thread-safe.
  */
 class RecordingWriter {
  public:
   /**
-   * Makes the folder, where it does not exist, and both files.
+   * Creates the folder, if it does not exist, and both files.
    *
-   * @throw RecordingError  when the folder holds a recording already or cannot be written
+   * @throw RecordingError  when the folder already holds a recording or cannot be written
    */
   RecordingWriter(const std::filesystem::path& folder, std::string_view detectorInformation);
   ~RecordingWriter();

@@ -58,7 +58,7 @@ WorldSettings anySettings(const Choose& choose) {
   settings.deleteWaitsForCallbacks = choose(2) == 0;
   settings.oneThreadForAll = choose(2) == 0;
   settings.sceneDuringSubscribe = choose(2) == 0;
-  settings.teardownBesideDetection = choose(2) == 0;
+  settings.teardownDuringDetection = choose(2) == 0;
   return settings;
 }
 
@@ -67,7 +67,7 @@ std::string toString(const WorldSettings& settings) {
          (settings.deleteWaitsForCallbacks ? "waits" : "does not wait") + " for callbacks, " +
          (settings.oneThreadForAll ? "one thread for all channels" : "a thread for each channel") +
          (settings.sceneDuringSubscribe ? ", a scene during subscribe" : "") +
-         (settings.teardownBesideDetection ? ", teardown on a thread of its own" : "");
+         (settings.teardownDuringDetection ? ", teardown on a thread of its own" : "");
 }
 
 World::World(const WorldSettings& settings) : settings_(settings) {
@@ -85,7 +85,7 @@ World::World(const WorldSettings& settings) : settings_(settings) {
     Handler::teardown(camera);
   }
   host::waitForCallbacks(settings.deleteWaitsForCallbacks);
-  host::teardownBesideDetection(settings.teardownBesideDetection);
+  host::teardownDuringDetection(settings.teardownDuringDetection);
   host::catchCallbackExceptions(true);
   if (settings.sceneDuringSubscribe) {
     host::deliverDuringSubscribe(::VOD::Scene().SerializeAsString());

@@ -27,7 +27,7 @@ struct WorldSettings {
   bool deleteWaitsForCallbacks = true;
   bool oneThreadForAll = false;
   bool sceneDuringSubscribe = false;
-  bool teardownBesideDetection = false;
+  bool teardownDuringDetection = false;
 };
 
 WorldSettings anySettings(const Choose& choose);

@@ -56,7 +56,7 @@ TEST_F(ACallbackThatRuns, IsWaitedForByDelete) {
   expectToWait([this] { return client_.remove(); }, "delete(#1)");
 }
 
-TEST_F(ACallbackThatRuns, IsWaitedForNoLongerThanTheLimitAndThenTold) {
+TEST_F(ACallbackThatRuns, IsWaitedForUpToTheLimitAndThenReported) {
   waitForCallbacks(true, shortLimit);
   EXPECT_EQ(
       errorsOf([this] { EXPECT_EQ(client_.unsubscribe(), 0); }),
@@ -67,13 +67,13 @@ TEST_F(ACallbackThatRuns, IsWaitedForNoLongerThanTheLimitAndThenTold) {
             "waiting for it\n");
 }
 
-TEST_F(ACallbackThatRuns, IsWaitedForTwoSecondsUnlessToldOtherwise) {
+TEST_F(ACallbackThatRuns, IsWaitedForTwoSecondsByDefault) {
   const auto begin = std::chrono::steady_clock::now();
   EXPECT_THAT(errorsOf([this] { EXPECT_EQ(client_.remove(), 0); }), testing::HasSubstr("still runs after 2000 ms"));
   EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::seconds(2));
 }
 
-TEST_F(ACallbackThatRuns, IsNotWaitedForByAPlatformThatDoesNot) {
+TEST_F(ACallbackThatRuns, IsNotWaitedForByAPlatformThatDoesNotWait) {
   waitForCallbacks(false);
   EXPECT_EQ(errorsOf([this] {
               EXPECT_EQ(client_.unsubscribe(), 0);

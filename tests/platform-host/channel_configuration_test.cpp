@@ -87,7 +87,7 @@ TEST_F(ARegionOfInterest, MakesASceneEmptyWhoseDetectionsAreAllOutside) {
   EXPECT_THAT(all.scenes(), ElementsAre(emptyScene(9)));
 }
 
-TEST_F(ARegionOfInterest, PassesBytesOnThatAreNoScene) {
+TEST_F(ARegionOfInterest, PassesInvalidScenesOn) {
   const std::string broken = sceneWith({outside}) + "\x12\x02\x0d\x00";
   Client client(0);
   client.useChannelConfiguration().subscribe();
@@ -115,7 +115,7 @@ TEST_F(AChannelConfiguration, ThatDoesNotParseIsRefusedWithAText) {
   EXPECT_NE(configure(0, "\x0a\x05"), 0);
 }
 
-TEST_F(AChannelConfiguration, ForAChannelThatIsNotThereIsRefusedWithAText) {
+TEST_F(AChannelConfiguration, ForAnAbsentChannelIsRefusedWithAText) {
   char* error = nullptr;
   EXPECT_NE(configure(5, "", &error), 0);
   EXPECT_STREQ(error, "no such channel");
@@ -125,7 +125,7 @@ TEST_F(AChannelConfiguration, ForAChannelThatIsNotThereIsRefusedWithAText) {
 TEST_F(AChannelConfiguration, WithoutBytesIsRefusedWithAText) {
   char* error = nullptr;
   EXPECT_NE(video_object_detection_set_channel_configuration(0, nullptr, 1, &error), 0);
-  EXPECT_STREQ(error, "no configuration, or one that is too long");
+  EXPECT_STREQ(error, "the configuration is null or too long");
   std::free(error);
 }
 

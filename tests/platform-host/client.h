@@ -19,7 +19,7 @@
 
 namespace vod::host {
 
-/** What a detection callback was given. */
+/** The arguments of a detection callback. */
 struct Received {
   std::string bytes;
   std::int32_t length = 0;
@@ -27,8 +27,7 @@ struct Received {
   std::thread::id thread;
 };
 
-/** A subscriber as an application would have it, with an inbox. Deletes itself, and waits until its callbacks are over.
- */
+/** A subscriber as an application would use it, with an inbox. The destructor deletes it and waits for callbacks. */
 class Client {
  public:
   /** What to do in the callbacks, after the scene or the teardown has gone into the inbox. */

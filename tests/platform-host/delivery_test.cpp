@@ -98,7 +98,7 @@ TEST_F(Delivery, LeavesOutEmptyScenesUnlessTheyAreAskedFor) {
   EXPECT_THAT(all.scenes(), ElementsAre(emptyScene(1), "", oneDetection));
 }
 
-TEST_F(Delivery, PassesBytesOnThatAreNoScene) {
+TEST_F(Delivery, PassesInvalidScenesOn) {
   Client client(0);
   client.subscribe();
   const std::string cutOff = oneDetection.substr(0, oneDetection.size() - 1);
@@ -107,7 +107,7 @@ TEST_F(Delivery, PassesBytesOnThatAreNoScene) {
   EXPECT_THAT(client.scenes(), ElementsAre(cutOff, "\xff"));
 }
 
-TEST_F(Delivery, TellsTheLengthThatTheTestWants) {
+TEST_F(Delivery, ReportsTheLengthThatTheTestSets) {
   Client client(0);
   client.subscribe();
   channel(0).pushSceneOfLength(oneDetection, 0).pushSceneOfLength(oneDetection, -1).pushSceneOfLength(oneDetection, 2);

@@ -105,7 +105,7 @@ TEST_F(TheEnvironment, ChoosesAFactor) {
   EXPECT_EQ(client.scenes().size(), 2U);
 }
 
-TEST_F(TheEnvironment, LoopsUnlessToldOtherwise) {
+TEST_F(TheEnvironment, LoopsByDefault) {
   set("TARNVOD_HOST_PACE", "max");
   Client client(0);
   client.subscribe().waitForScenes(3);

@@ -128,7 +128,7 @@ TEST_F(AFault, DelaysACall) {
   EXPECT_GE(std::chrono::steady_clock::now() - begin, delay);
 }
 
-TEST_F(AFault, ThatThrowsFailsTheCallAndIsTold) {
+TEST_F(AFault, ThatThrowsFailsTheCallAndIsReported) {
   plan(Fault(Function::GetVersion).runs([] { throw std::runtime_error("thrown"); }));
   EXPECT_EQ(errorsOf([] { EXPECT_THAT(versionResults(1), ElementsAre(testing::Ne(0))); }),
             "video_object_detection_subscriber: get_version: thrown\n");

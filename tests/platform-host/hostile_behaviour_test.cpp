@@ -36,8 +36,8 @@ TEST_F(AHostilePlatform, DoesNotSubscribeWhatItsSceneHasDeleted) {
   EXPECT_THAT(channel(0).subscriptions(), testing::IsEmpty());
 }
 
-TEST_F(AHostilePlatform, TearsDownBesideADetectionThatRuns) {
-  teardownBesideDetection(true);
+TEST_F(AHostilePlatform, TearsDownDuringARunningDetection) {
+  teardownDuringDetection(true);
   const Gate gate;
   Client client(0, {[&](Client&) { gate.pass(); }, {}});
   client.subscribe();

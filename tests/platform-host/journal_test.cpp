@@ -80,7 +80,7 @@ TEST_F(TheJournal, PrintsACallAsItsText) {
   EXPECT_EQ(out.str(), "create(channel=0) get_nbr_channels_simultaneously");
 }
 
-TEST_F(TheJournal, KeepsNothingWhenItIsNotToRecord) {
+TEST_F(TheJournal, KeepsNothingWhenRecordingIsOff) {
   recordCalls(false);
   { const Client client(0); }
   EXPECT_THAT(journal(), IsEmpty());

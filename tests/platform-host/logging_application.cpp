@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-// An application whose set-up fails, which the library logs. With the argument "openlog" or "openlog-perror" it opens the
-// system log itself first.
+// An application whose set-up fails, which the library logs. With the argument "openlog" or "openlog-perror" it opens
+// the system log itself first.
 
 #include <syslog.h>
 #include <tarnvod/handler.h>

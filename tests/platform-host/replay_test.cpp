@@ -172,7 +172,7 @@ TEST_F(ARecording, WithoutScenesIsSilent) {
   EXPECT_THAT(client.scenes(), IsEmpty());
 }
 
-TEST_F(ARecording, ThatIsCutOffIsPlayedUpToThereAndTold) {
+TEST_F(ARecording, ThatIsCutOffIsPlayedUpToThereAndReported) {
   appendToScenes("\x05xx");
   const auto size = static_cast<std::size_t>(std::filesystem::file_size(scenesFile())) - 3;
   channel(0).recording(folder_, onceAtOnce);
@@ -186,7 +186,7 @@ TEST_F(ARecording, ThatIsCutOffIsPlayedUpToThereAndTold) {
   EXPECT_EQ(client.scenes(), scenes_);
 }
 
-TEST_F(ARecording, ThatIsCutOffIsToldOnceHoweverOftenItIsPlayed) {
+TEST_F(ARecording, ThatIsCutOffIsReportedOnceHoweverOftenItIsPlayed) {
   appendToScenes("\x05xx");
   channel(0).recording(folder_, {std::nullopt, true});
   Client client(0);
@@ -216,7 +216,7 @@ TEST_F(ARecording, WithoutItsScenesFailsTheSubscription) {
             "video_object_detection_subscriber: " + scenesFile() + ": No such file or directory\n");
 }
 
-TEST_F(ARecording, ThatVanishesWhileItLoopsEndsAndIsTold) {
+TEST_F(ARecording, ThatVanishesWhileItLoopsEndsAndIsReported) {
   channel(0).recording(folder_, {std::nullopt, true});
   Client client(0, {[&](Client&) { std::filesystem::remove(scenesFile()); }, {}});
   EXPECT_EQ(errorsOf([&] {
@@ -236,7 +236,7 @@ TEST_F(ARecording, WithDamagedDetectorInformationFailsTheQuestionForIt) {
   std::uint8_t* bytes = nullptr;
   std::size_t length = 0;
   char* error = nullptr;
-  const std::string expected = file + ": offset 4: not a part of detector information";
+  const std::string expected = file + ": offset 4: not valid detector information";
   EXPECT_EQ(errorsOf([&] {
               EXPECT_NE(video_object_detection_subscriber_get_information(client.handle(), &bytes, &length, &error), 0);
             }),

@@ -27,7 +27,7 @@ std::pair<int, std::uint32_t> simultaneousChannels() {
 
 class TheService : public HostTest {};
 
-TEST_F(TheService, TellsItsVersion) {
+TEST_F(TheService, ReturnsItsVersion) {
   int major = 0;
   int minor = 0;
   EXPECT_EQ(video_object_detection_subscriber_get_version(&major, &minor), 0);
@@ -37,7 +37,7 @@ TEST_F(TheService, TellsItsVersion) {
   EXPECT_EQ(std::pair(major, minor), std::pair(3, 14));
 }
 
-TEST_F(TheService, CountsItsChannelsUnlessToldOtherwise) {
+TEST_F(TheService, CountsItsChannelsByDefault) {
   EXPECT_THAT(channels(), Pair(0, 2));
   EXPECT_THAT(simultaneousChannels(), Pair(0, 2));
   channel(2);
@@ -47,7 +47,7 @@ TEST_F(TheService, CountsItsChannelsUnlessToldOtherwise) {
   EXPECT_THAT(simultaneousChannels(), Pair(0, 4));
 }
 
-TEST_F(TheService, IsEnabledUnlessToldOtherwise) {
+TEST_F(TheService, IsEnabledByDefault) {
   EXPECT_TRUE(video_object_detection_subscriber_service_is_enabled());
   setEnabled(false);
   EXPECT_FALSE(video_object_detection_subscriber_service_is_enabled());
@@ -58,7 +58,7 @@ TEST_F(TheService, HasNoChannelBeyondItsOwn) {
   EXPECT_NE(Client(-1).createResult(), 0);
 }
 
-TEST_F(TheService, TellsTheTestThatAChannelIsNotThere) {
+TEST_F(TheService, ThrowsForAnAbsentChannel) {
   EXPECT_THROW(servedChannel(7), std::out_of_range);
   EXPECT_EQ(servedChannel(1).number(), 1);
 }
@@ -95,7 +95,7 @@ TEST_F(AServiceThatIsDown, LetsSubscribersGo) {
   EXPECT_EQ(liveSubscribers(), 1);
 }
 
-TEST_F(AServiceThatIsDown, StillTellsItsVersionAndWhetherItIsEnabled) {
+TEST_F(AServiceThatIsDown, StillReturnsItsVersionAndWhetherItIsEnabled) {
   int major = 0;
   int minor = 0;
   EXPECT_EQ(video_object_detection_subscriber_get_version(&major, &minor), 0);

@@ -13,7 +13,7 @@ const std::string scene = sceneWith({{0.5F, 0.5F}});
 
 class ADroppedSubscription : public HostTest {};
 
-TEST_F(ADroppedSubscription, IsToldAfterTheScenesThatWerePushedBefore) {
+TEST_F(ADroppedSubscription, IsReportedAfterTheScenesThatWerePushedBefore) {
   std::size_t scenesBefore = 0;
   Client client(0, {{}, [&](const Client& self) { scenesBefore = self.scenes().size(); }});
   client.subscribe();
@@ -63,7 +63,7 @@ TEST_F(ADroppedSubscription, IsThatOfEverySubscriberOfTheChannelOnly) {
   EXPECT_THAT(channel(1).subscriptions(), ElementsAre(4));
 }
 
-TEST_F(ADroppedSubscription, IsNotToldToWhoHasLeftMeanwhile) {
+TEST_F(ADroppedSubscription, IsNotReportedToASubscriberThatHasLeft) {
   const Gate gate;
   Client blocking(0, {[&](Client&) { gate.pass(); }, {}});
   Client leaving(0);

@@ -52,7 +52,7 @@ TEST_F(Callbacks, OfAllChannelsRunOnOneThreadIfWanted) {
   EXPECT_EQ(first.received()[0].thread, second.received()[0].thread);
 }
 
-TEST_F(Callbacks, OfOneSubscriberNeverRunSideBySide) {
+TEST_F(Callbacks, OfOneSubscriberNeverRunConcurrently) {
   const Gate gate;
   Client client(0, {[&](Client&) { gate.pass(); }, {}});
   client.subscribe();

@@ -71,21 +71,21 @@ TEST(ADamagedRecording, IsRecognisedAtEveryPlaceWhereItIsCut) {
   EXPECT_THAT(readerOf(whole).next(), isScene(std::string(128, 'x'), 0));
 }
 
-TEST(ADamagedRecording, TellsALengthThatIsCutOff) {
+TEST(ADamagedRecording, ReportsALengthThatIsCutOff) {
   EXPECT_THAT(readerOf("\x80").next(), isDamage("stream: offset 0: the file ends within the length of a message"));
 }
 
-TEST(ADamagedRecording, TellsALengthThatIsNoVarint) {
+TEST(ADamagedRecording, ReportsALengthThatIsNotAVarint) {
   EXPECT_THAT(readerOf(std::string(20, '\xff')).next(),
               isDamage("stream: offset 0: the length of a message is not a valid varint"));
 }
 
-TEST(ADamagedRecording, TellsALengthBeyondTheBoundWithoutTakingMemoryForIt) {
+TEST(ADamagedRecording, ReportsALengthBeyondTheBoundWithoutAllocatingIt) {
   EXPECT_THAT(readerOf("\xff\xff\xff\xff\x0f").next(),
               isDamage("stream: offset 0: a message of 4294967295 bytes is longer than the 16777216 bytes allowed"));
 }
 
-TEST(ADamagedRecording, TellsAMessageThatIsOneByteLongerThanTheBound) {
+TEST(ADamagedRecording, ReportsAMessageThatIsOneByteLongerThanTheBound) {
   EXPECT_THAT(readerOf("\x03one", 3).next(), isScene("one", 0));
   EXPECT_THAT(readerOf(std::string(1, 4) + "five", 3).next(),
               isDamage("stream: offset 0: a message of 4 bytes is longer than the 3 bytes allowed"));

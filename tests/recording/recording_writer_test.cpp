@@ -81,7 +81,7 @@ TEST_F(ARecordingBeingWritten, RefusesAMessageBeyondTheBound) {
   EXPECT_THAT(scenesOf(folder_), testing::ElementsAre("next"));
 }
 
-TEST_F(ARecordingBeingWritten, TellsAFolderThatCannotBeMade) {
+TEST_F(ARecordingBeingWritten, ReportsAFolderThatCannotBeCreated) {
   std::ofstream(temporary_.path() / "file") << "in the way";
   EXPECT_THAT([&] { RecordingWriter(temporary_.path() / "file" / "recording", ""); },
               testing::Throws<RecordingError>());

@@ -59,7 +59,7 @@ void CallJournal::waitFor(const std::function<bool(const std::vector<Call>&)>& p
   while (true) {
     const std::uint64_t seen = changes_;
     const std::vector<Call> calls = calls_;
-    // A predicate may ask the journal itself.
+    // The predicate may call functions of the journal.
     lock.unlock();
     if (predicate(calls)) {
       return;
@@ -67,7 +67,7 @@ void CallJournal::waitFor(const std::function<bool(const std::vector<Call>&)>& p
     lock.lock();
     if (!changed_.wait_until(lock.forWaiting(), deadline,
                              [&]() TARNVOD_REQUIRES(mutex_) { return changes_ != seen; })) {
-      throw std::runtime_error("the awaited calls have not come; the journal:\n" + lines(calls));
+      throw std::runtime_error("timed out waiting for calls; the journal:\n" + lines(calls));
     }
   }
 }

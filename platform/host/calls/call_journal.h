@@ -18,16 +18,16 @@ namespace vod::host {
 /** All calls in the order in which they began. Thread-safe. */
 class CallJournal {
  public:
-  /** Enters a call; the number is for `end`. */
+  /** Records a call that begins and returns its number for `end`. */
   std::uint64_t begin(const Call& call);
-  /** Puts the call, now with its result, in the place of its beginning, unless the journal was cleared in between. */
+  /** Replaces the entry with the completed call, unless the journal was cleared in between. */
   void end(std::uint64_t number, Call&& call) noexcept;
 
   void record(bool enabled);
   bool isRecording() const;
   void clear();
   std::vector<Call> calls() const;
-  /** @throw std::runtime_error  when it does not come true within `waitTimeout` */
+  /** @throw std::runtime_error  when it does not become true within `waitTimeout` */
   void waitFor(const std::function<bool(const std::vector<Call>&)>& predicate);
 
  private:
@@ -39,7 +39,7 @@ class CallJournal {
   std::uint64_t changes_ TARNVOD_GUARDED_BY(mutex_) = 0;
 };
 
-/** The texts of calls, one a line, for messages. */
+/** The texts of the calls, one per line, for error messages. */
 std::string lines(const std::vector<Call>& calls);
 
 }  // namespace vod::host

@@ -51,7 +51,7 @@ Fault& Fault::bringsServiceUp() {
 
 namespace {
 
-/** Not by nanosleep, which the tests of the library replace. */
+/** Does not call nanosleep, which the tests of the library replace. */
 void pause(std::chrono::milliseconds time) {
   std::mutex mutex;
   std::condition_variable never;
@@ -79,9 +79,9 @@ void FaultPlan::clear() {
   planned_.clear();
 }
 
-std::optional<int> FaultPlan::meet(Function function, const std::function<void()>& bringServiceUp) {
+std::optional<int> FaultPlan::apply(Function function, const std::function<void()>& bringServiceUp) {
   std::optional<int> code;
-  for (const Fault& fault : count(function)) {
+  for (const Fault& fault : countCall(function)) {
     if (fault.action_) {
       fault.action_();
     }
@@ -101,19 +101,19 @@ std::optional<int> FaultPlan::meet(Function function, const std::function<void()
   return code;
 }
 
-std::vector<Fault> FaultPlan::count(Function function) {
+std::vector<Fault> FaultPlan::countCall(Function function) {
   const Lock lock(mutex_);
-  std::vector<Fault> met;
+  std::vector<Fault> affecting;
   for (Planned& planned : planned_) {
     if (planned.fault.function_ != function) {
       continue;
     }
     ++planned.calls;
     if (planned.fault.first_ <= planned.calls && planned.calls <= planned.fault.last_) {
-      met.push_back(planned.fault);
+      affecting.push_back(planned.fault);
     }
   }
-  return met;
+  return affecting;
 }
 
 }  // namespace vod::host

@@ -14,7 +14,7 @@
 
 namespace vod::host {
 
-/** The faults that are planned, and how many calls each has seen. Thread-safe. */
+/** The planned faults, and the number of calls that each has counted. Thread-safe. */
 class FaultPlan {
  public:
   int add(const Fault& fault);
@@ -22,11 +22,11 @@ class FaultPlan {
   void clear();
 
   /**
-   * Lets what is planned for this call happen, without a lock held.
+   * Applies the faults that are planned for this call, with no lock held.
    *
-   * @return the code with which the call has to end, if it must not do its work
+   * @return the code that the call returns instead of doing its work, if any
    */
-  std::optional<int> meet(Function function, const std::function<void()>& bringServiceUp);
+  std::optional<int> apply(Function function, const std::function<void()>& bringServiceUp);
 
  private:
   struct Planned {
@@ -34,7 +34,7 @@ class FaultPlan {
     Fault fault;
     int calls = 0;
   };
-  std::vector<Fault> count(Function function);
+  std::vector<Fault> countCall(Function function);
 
   Mutex mutex_;
   std::vector<Planned> planned_ TARNVOD_GUARDED_BY(mutex_);

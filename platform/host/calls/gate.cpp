@@ -25,7 +25,7 @@ struct Gate::List {
   std::vector<std::weak_ptr<State>> gates TARNVOD_GUARDED_BY(mutex);
 
   static List& instance() {
-    static auto& list = *new List;  // Never destroyed: threads may still stand at a gate while the process ends.
+    static auto& list = *new List;  // Never destroyed: threads may wait at a gate while the process ends.
     return list;
   }
 };
@@ -44,7 +44,7 @@ void Gate::waitUntilReached() const {
   Lock lock(state_->mutex);
   if (!state_->changed.wait_for(lock.forWaiting(), waitTimeout,
                                 [this]() TARNVOD_REQUIRES(state_->mutex) { return state_->reached; })) {
-    throw std::runtime_error("no call has reached the gate");
+    throw std::runtime_error("timed out waiting for a call to reach the gate");
   }
 }
 
@@ -60,7 +60,7 @@ void Gate::pass() const {
   state_->changed.notify_all();
   if (!state_->changed.wait_for(lock.forWaiting(), waitTimeout,
                                 [this]() TARNVOD_REQUIRES(state_->mutex) { return state_->open; })) {
-    throw std::runtime_error("nobody has opened the gate");
+    throw std::runtime_error("timed out waiting for the gate to open");
   }
 }
 

@@ -3,13 +3,13 @@
 
 /**
  * @file
- * Control over the host platform, for tests and tools: what the service serves, how it misbehaves, and what it was
- * asked.
+ * Control over the host platform, for tests and tools: what the service delivers, how it fails, and which calls it
+ * received.
  *
  * The service is one per process, as on a device, so these are free functions and small handles by value. Everything
  * here is thread-safe and may be called from a callback, except where a function says otherwise. A function that waits
- * gives up after `waitTimeout` and throws `std::runtime_error` with what it waited for and the journal; no test needs
- * to sleep.
+ * gives up after `waitTimeout` and throws `std::runtime_error`, whose text names the condition and holds the journal.
+ * Tests never need to sleep.
  *
  * @code
  * vod::host::reset();
@@ -37,14 +37,14 @@
 
 namespace vod::host {
 
-/** How long `unsubscribe` and `delete` wait for a running callback before they give up, by default. */
+/** The default time that `unsubscribe` and `delete` wait for a running callback before they give up. */
 inline constexpr std::chrono::milliseconds callbackWaitLimit{2000};
 
 /**
- * Returns the service to its beginning: no channel but what the environment names (read again, at the next call that
- * needs it), no subscriber, fault, switch or setting; numbers start at #1; the journal is empty and records.
- * Subscribers that were still there are gone without a callback, and their handles are refused from now on. Opens every
- * gate, then waits for callbacks that run; must not be called from a callback.
+ * Returns the service to its initial state: no subscribers, faults or settings, and only the channels that the
+ * environment names (it is read again at the next call that needs it). Subscribers are numbered from #1 again; the
+ * journal is empty and recording. Existing subscribers are removed without a callback, and their handles are refused
+ * afterwards. Opens every gate, then waits for running callbacks; must not be called from a callback.
  */
 VOD_HOST_EXPORT void reset();
 
@@ -52,7 +52,7 @@ VOD_HOST_EXPORT void reset();
 
 /** How a recording is played. */
 struct Replay {
-  /** Multiple of the recording's own pace; none is as fast as the callbacks return. */
+  /** A multiple of the recording's own pace; none means as fast as the callbacks return. */
   std::optional<double> pace = 1.0;
   /** Whether it starts again at its end. The bytes stay as recorded, so the time stamps start again too. */
   bool loop = true;
@@ -60,13 +60,13 @@ struct Replay {
 
 /**
  * A channel of the service, by number. Setters return the handle, so that they can be chained. All functions throw
- * `std::out_of_range` when the channel has gone, which is what `reset` does to it.
+ * `std::out_of_range` when the channel no longer exists, as after `reset`.
  */
 class VOD_HOST_EXPORT Channel {
  public:
-  /** What `get_information` answers: the bytes, as they are. */
+  /** Sets the bytes that `get_information` returns; they are not checked. */
   const Channel& detectorInformation(std::string bytes) const;
-  /** What `get_information` gives as the length, instead of the true one; for lengths beyond every parser. */
+  /** Sets the length that `get_information` reports instead of the true one, to test lengths beyond every parser. */
   const Channel& reportedInformationLength(std::size_t length) const;
   /** Makes `get_information` succeed with a null pointer and length 0. */
   const Channel& nullInformation() const;
@@ -77,24 +77,24 @@ class VOD_HOST_EXPORT Channel {
   const Channel& recording(std::string folder, Replay replay = {}) const;
 
   /**
-   * Sends one scene to all who are subscribed now; their callbacks run on the channel's thread, in order. The bytes may
-   * be anything. Bytes that are no message go to everyone, as they are; an empty scene (zero bytes included) only to
-   * those who receive empty hits.
+   * Sends one scene to all current subscriptions; their callbacks run on the channel's thread, in order. Bytes that are
+   * not a valid message are delivered unchanged to all of them, a scene without detections (or of zero bytes) only to
+   * subscribers that receive empty hits.
    */
   const Channel& pushScene(std::string bytes) const;
-  /** As above, but the callback is given this length, which may be zero, negative or too long. Never filtered. */
+  /** As above, but the callback receives this length, which may be zero, negative or too long. Never filtered. */
   const Channel& pushSceneOfLength(std::string bytes, std::int32_t length) const;
   /** A null buffer with the given length. Never filtered. */
   const Channel& pushNullScene(std::int32_t length = 0) const;
   /**
    * As `pushScene`, but on the caller's thread: the callbacks have returned when this does. Waits for a callback of the
-   * same subscriber that runs elsewhere.
+   * same subscriber that is running on another thread.
    */
   const Channel& deliverScene(const std::string& bytes) const;
 
   /**
-   * Ends all subscriptions of the channel, as a service does: no scene pushed from now on arrives, those pushed before
-   * do, then the teardown callback runs. Where `drain` waits for scenes, it waits for this as well.
+   * Ends all subscriptions of the channel, as a service does: scenes pushed before are delivered, later ones are not,
+   * and then the teardown callbacks run. `drain` waits for them too.
    */
   const Channel& dropSubscriptions() const;
 
@@ -122,28 +122,28 @@ class VOD_HOST_EXPORT Channel {
 };
 
 /**
- * The channel of a number (from 0), made if there is none: fed by what is pushed, with empty detector information. The
- * first call after `reset` takes away the channels that the environment names.
+ * Returns the channel with this number (from 0). If it does not exist, creates it without a recording and with empty
+ * detector information. The first call after `reset` removes the channels that the environment names.
  */
 VOD_HOST_EXPORT Channel channel(int number);
 
 /**
- * The channel of a number as it is served, also from a recording that the environment names.
+ * Returns the channel with this number, which may be one that the environment names.
  *
- * @throw std::out_of_range  when there is none
+ * @throw std::out_of_range  when it does not exist
  */
 VOD_HOST_EXPORT Channel servedChannel(int number);
 
 /**
- * What is wrong with an environment variable, on one line: its name, its value and the values allowed. None when all
- * are valid or when `channel` has taken the place of what they name. Calls that need a channel fail until `reset`, so
- * an application that retries does so forever; a program may ask this to stop instead.
+ * Returns what is wrong with an environment variable, on one line: its name, its value and the values allowed. None when
+ * all are valid, or when channels made with `channel` replace those that they name. With an error, every call that needs
+ * a channel fails until `reset`, however often an application retries; a program may stop instead.
  */
 VOD_HOST_EXPORT std::optional<std::string> configurationError();
 
 /**
- * Waits until all scenes and teardowns, pushed or dropped before the call, have been through their callbacks. Must not
- * be called from a callback.
+ * Waits until the callbacks of all scenes and teardowns that were caused before the call have returned. Must not be
+ * called from a callback.
  */
 VOD_HOST_EXPORT void drain();
 
@@ -151,60 +151,61 @@ VOD_HOST_EXPORT void drain();
 
 /**
  * Takes the service down: drops the subscriptions of all channels, and until it is up again `create`, `subscribe`,
- * `set_channel_configuration`, `get_information` and both counts fail. What needs no service keeps working: `delete`,
- * `unsubscribe`, the setters of a subscriber, `get_version` and `service_is_enabled`.
+ * `set_channel_configuration`, `get_information` and both counts fail. The functions that need no service keep working:
+ * `delete`, `unsubscribe`, the setters of a subscriber, `get_version` and `service_is_enabled`.
  */
 VOD_HOST_EXPORT void takeServiceDown();
 VOD_HOST_EXPORT void bringServiceUp();
 
-/** What `get_version` answers; 1.0 after reset. */
+/** Sets what `get_version` returns; 1.0 after `reset`. */
 VOD_HOST_EXPORT void setVersion(int major, int minor);
-/** What the two counts answer; after reset the number of channels there are. */
+/** Sets what the two counts return; after `reset` the number of channels. */
 VOD_HOST_EXPORT void setChannelCounts(std::uint32_t channels, std::uint32_t simultaneously);
-/** What `service_is_enabled` answers; true after reset. */
+/** Sets what `service_is_enabled` returns; true after `reset`. */
 VOD_HOST_EXPORT void setEnabled(bool enabled);
 
 // ---- Behaviour in which closed libraries differ, and hostile behaviour ----
 
-/** Whether `unsubscribe` and `delete` wait for a callback that runs on another thread, and how long; they do after
- * reset. */
+/**
+ * Sets whether `unsubscribe` and `delete` wait for a callback that is running on another thread, and for how long. They
+ * do after `reset`.
+ */
 VOD_HOST_EXPORT void waitForCallbacks(bool wait, std::chrono::milliseconds limit = callbackWaitLimit);
 
 enum class Threads { OnePerChannel, OneForAll };
-/** On which threads callbacks run; one per channel after reset. To be called before there are subscriptions. */
+/** Sets on which threads callbacks run; one per channel after `reset`. Must be called before any subscription. */
 VOD_HOST_EXPORT void callbackThreads(Threads threads);
 
-/** From now on `subscribe` hands this scene to the detection callback on the caller's thread, before it returns. */
+/** From now on `subscribe` passes this scene to the detection callback on the caller's thread, before it returns. */
 VOD_HOST_EXPORT void deliverDuringSubscribe(std::string scene);
 
-/** From now on teardown callbacks run at once, on a thread of their own, also while a detection callback runs. */
-VOD_HOST_EXPORT void teardownBesideDetection(bool enabled);
+/** From now on teardown callbacks run at once, on a thread of their own, even while a detection callback is running. */
+VOD_HOST_EXPORT void teardownDuringDetection(bool enabled);
 
 /**
- * From now on an exception that leaves a callback is counted and goes no further. Otherwise it ends the process, as it
- * would in a platform written in C.
+ * From now on exceptions that leave a callback are caught and counted. Otherwise they end the process, as they would in
+ * a platform written in C.
  */
 VOD_HOST_EXPORT void catchCallbackExceptions(bool enabled);
-/** How many were caught since reset. */
+/** The number of exceptions caught since `reset`. */
 VOD_HOST_EXPORT int caughtCallbackExceptions();
 
 /**
- * Runs functions around every call of the C interface, on the calling thread; null for none. With them a test that
- * makes allocations fail can leave out the platform's own, which on a device are out of anybody's reach. They must not
- * throw.
+ * Sets functions that run before and after every call of the C interface, on the calling thread; null for none. A test
+ * that makes allocations fail uses them to exclude those of the platform itself. They must not throw.
  */
 VOD_HOST_EXPORT void aroundCalls(void (*entering)(), void (*leaving)());
 
 // ---- Subscribers ----
 
-/** How many subscribers exist, subscribed or not: 0 at the end of a test that leaks none. */
+/** The number of existing subscribers, subscribed or not: 0 at the end of a test that leaks none. */
 VOD_HOST_EXPORT int liveSubscribers();
-/** How many calls were made with a handle that is not a live one, since reset. */
+/** The number of calls with an invalid handle since `reset`. */
 VOD_HOST_EXPORT int callsWithBadHandles();
 
 /**
- * What a subscriber registered. Stays known after the subscriber has been deleted, until `reset`, if it was created
- * while calls were recorded.
+ * What a subscriber registered. Kept after the subscriber has been deleted, until `reset`, if it was created while
+ * calls were recorded.
  */
 struct Registration {
   int subscriber = 0;
@@ -216,10 +217,10 @@ struct Registration {
 };
 
 /**
- * What the subscriber of a number registered. Calling its functions from a test bypasses every promise of the platform:
- * that is how to deliver to a deleted subscriber, as a library that does not wait may do.
+ * Returns what the subscriber with this number registered. A test that calls its functions directly bypasses every
+ * guarantee of the platform, for example to deliver to a deleted subscriber, as a library that does not wait may do.
  *
- * @throw std::out_of_range  when no such subscriber is known
+ * @throw std::out_of_range  when there is no such subscriber
  */
 VOD_HOST_EXPORT Registration registration(int subscriber);
 

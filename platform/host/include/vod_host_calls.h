@@ -3,8 +3,8 @@
 
 /**
  * @file
- * The part of the host platform's control interface that is about single calls of the C functions: faults that meet
- * them, and the journal that keeps them. `<vod_host.h>` includes it.
+ * The part of the host platform's control interface that concerns single calls of the C functions: planned faults, and
+ * the journal of calls. `<vod_host.h>` includes it.
  */
 
 #ifndef VOD_HOST_CALLS_H
@@ -65,18 +65,18 @@ VOD_HOST_EXPORT std::ostream& operator<<(std::ostream& out, Function function);
 
 // ---- Faults ----
 
-/** A known place at which a call waits until the test lets it go on. Copies are the same gate. Opened also by `reset`.
+/** A point at which calls wait until the test lets them continue. Copies refer to the same gate. `reset` opens it too.
  */
 class VOD_HOST_EXPORT Gate {
  public:
   Gate();
-  /** Waits until a call stands at the gate, or has stood there. */
+  /** Waits until a call has reached the gate. */
   void waitUntilReached() const;
-  /** Lets the calls at the gate go on, and all that come later. */
+  /** Lets the calls at the gate continue, and all later ones. */
   void open() const;
-  /** Stands at the gate until it is open. Faults do this; a test's own callback may do so too. */
+  /** Waits at the gate until it is open. Faults do this; a test's own callback may do so too. */
   void pass() const;
-  /** Opens every gate there is. */
+  /** Opens every existing gate. */
   static void openAll();
 
  private:
@@ -88,9 +88,9 @@ class VOD_HOST_EXPORT Gate {
 };
 
 /**
- * What happens to which calls of a function. Calls are counted from 1, beginning when the fault is planned; without a
- * choice it is the first. All that is set happens, in this order and before the call does its work: run, gate, delay,
- * service up, failure.
+ * Which calls of a function are affected, and how. Calls are counted from 1, starting when the fault is planned; by
+ * default the first one is affected. The effects take place before the call does its work, in this order: action, gate,
+ * delay, service up, failure.
  */
 class VOD_HOST_EXPORT Fault {
  public:
@@ -111,7 +111,7 @@ class VOD_HOST_EXPORT Fault {
   /** Runs on the calling thread, with no lock of the platform held. */
   Fault& runs(std::function<void()> action);
   Fault& waitsAt(Gate gate);
-  /** The service comes back while the call runs; with a failure: too late for this one. */
+  /** Brings the service up while the call runs. Combined with a failure, this call still fails. */
   Fault& bringsServiceUp();
 
  private:
@@ -126,10 +126,12 @@ class VOD_HOST_EXPORT Fault {
   bool bringsServiceUp_ = false;
 };
 
-/** Adds a fault to the plan; the number is for `lift`. Of several that meet one call all happen, and the first code
- * counts. */
+/**
+ * Plans a fault and returns its number for `lift`. If several affect the same call, all take effect, and the first code
+ * is returned.
+ */
 VOD_HOST_EXPORT int plan(const Fault& fault);
-/** Takes a fault out of the plan. Calls that already stand at its gate stay there until the gate opens. */
+/** Removes a fault from the plan. Calls that already wait at its gate wait until the gate opens. */
 VOD_HOST_EXPORT void lift(int fault);
 VOD_HOST_EXPORT void liftAllFaults();
 
@@ -138,7 +140,7 @@ VOD_HOST_EXPORT void liftAllFaults();
 /** One call of the C interface. */
 struct VOD_HOST_EXPORT Call {
   Function function;
-  /** The subscriber's number: for `create` the new one; 0 where there is none, or when the handle is not a live one. */
+  /** The subscriber's number, for `create` the new one; 0 if there is none or the handle is invalid. */
   int subscriber = 0;
   /** Of `create` and `set_channel_configuration`. */
   std::optional<int> channel;
@@ -154,25 +156,25 @@ struct VOD_HOST_EXPORT Call {
   /**
    * The call with its arguments on one line: `create(channel=0)`, `subscribe(#1)`, `set_receive_empty_hits(#1, true)`,
    * `set_channel_configuration(channel=0, roi=[0.1, 0.2, 0.3, 0.4])`, `get_information(#2)`, `get_version()`. A
-   * configuration without a region prints as its bytes in hexadecimal; a handle that is not a live one as `#gone`, a
-   * null one as `null`.
+   * configuration without a region prints as its bytes in hexadecimal; an invalid handle as `#gone`, a null one as
+   * `null`.
    */
   std::string text() const;
-  /** Set by the platform: how `text` names the handle. */
+  /** Set by the platform: the handle as `text` prints it. */
   std::string handle;
 };
 VOD_HOST_EXPORT std::ostream& operator<<(std::ostream& out, const Call& call);
 
 /** The texts of all calls since the journal was cleared, in the order in which they began. */
 VOD_HOST_EXPORT std::vector<std::string> journal();
-/** The same calls with all that is known of them. */
+/** The same calls with all their details. */
 VOD_HOST_EXPORT std::vector<Call> calls();
 VOD_HOST_EXPORT void clearJournal();
-/** Whether calls are recorded: not in a process that never called `reset`. Frames never are. */
+/** Switches the recording of calls on or off; it is off until the first `reset`. Frames are never recorded. */
 VOD_HOST_EXPORT void recordCalls(bool enabled);
-/** Waits until the predicate is true of the calls; it is asked at once and whenever a call begins or returns. */
+/** Waits until the predicate is true for the calls; it is evaluated at once and whenever a call begins or returns. */
 VOD_HOST_EXPORT void waitForCalls(const std::function<bool(const std::vector<Call>&)>& predicate);
-/** Waits until so many calls of the function have returned since the journal was cleared. */
+/** Waits until `count` calls of the function have returned since the journal was cleared. */
 VOD_HOST_EXPORT void waitForReturned(Function function, int count);
 
 }  // namespace vod::host

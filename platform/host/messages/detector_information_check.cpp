@@ -10,16 +10,16 @@
 
 namespace vod::host {
 
-std::string readSoundDetectorInformation(const std::string& folder) {
+std::string readValidDetectorInformation(const std::string& folder) {
   std::string bytes = recording::readDetectorInformation(folder);
-  const std::size_t sound = forEachField(bytes, [](const Field& field) {
+  const std::size_t validSize = forEachField(bytes, [](const Field& field) {
     VOD::DetectorInformation message;
     return message.ParseFromArray(field.bytes.data(), static_cast<int>(field.bytes.size()));
   });
-  if (sound < bytes.size()) {
+  if (validSize < bytes.size()) {
     const std::string file = std::filesystem::path(folder) / recording::detectorInformationFileName;
     throw recording::RecordingError(
-        toString(recording::Damage{file, static_cast<std::int64_t>(sound), "not a part of detector information"}));
+        toString(recording::Damage{file, static_cast<std::int64_t>(validSize), "not valid detector information"}));
   }
   return bytes;
 }

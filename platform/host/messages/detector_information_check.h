@@ -9,12 +9,12 @@
 namespace vod::host {
 
 /**
- * The bytes of a recording's detector information, which parse.
+ * Reads a recording's detector information and checks that it parses.
  *
- * @throw vod::recording::RecordingError  when they cannot be read or do not parse: one line with file, offset and
+ * @throw vod::recording::RecordingError  when it cannot be read or does not parse: one line with file, offset and
  * reason
  */
-std::string readSoundDetectorInformation(const std::string& folder);
+std::string readValidDetectorInformation(const std::string& folder);
 
 }  // namespace vod::host
 

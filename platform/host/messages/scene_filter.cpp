@@ -16,7 +16,7 @@ namespace {
 constexpr std::uint32_t lengthDelimited = 2;
 constexpr std::uint32_t detectionTag = (VOD::Scene::kDetectionsFieldNumber << 3U) | lengthDelimited;
 
-/** Returns none when the field's bytes are no detection. */
+/** Returns none when the field is not a detection. */
 std::optional<VOD::Detection> readDetection(const Field& field) {
   VOD::Scene scene;
   if (!scene.ParseFromArray(field.bytes.data(), static_cast<int>(field.bytes.size()))) {

@@ -12,7 +12,7 @@
 
 namespace vod::host {
 
-/** One field of a serialized message: its tag, and its bytes with the tag. Read alone they are a message of one field.
+/** One field of a serialized message: its tag, and its bytes including the tag, which form a message with one field.
  */
 struct Field {
   std::uint32_t tag;
@@ -22,7 +22,8 @@ struct Field {
 /**
  * Calls `visit` with each field of a message until it returns false.
  *
- * @return where the walk ended: the size, or the offset of the first field that is none or that was refused
+ * @return the size of the message, or the offset of the first field that is malformed or for which `visit` returned
+ * false
  */
 template <typename Visit>
 std::size_t forEachField(std::string_view message, Visit visit) {

@@ -19,7 +19,7 @@ namespace {
   throw std::invalid_argument(std::string(variable) + " is \"" + value + "\"; it must be " + expected);
 }
 
-/** Null when there is none. */
+/** Returns null when it is not set. */
 const char* variable(const char* name) {
   return std::getenv(name);  // NOLINT(concurrency-mt-unsafe): unsafe only while another thread changes the environment
 }

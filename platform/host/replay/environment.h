@@ -12,7 +12,7 @@
 
 namespace vod::host {
 
-/** What the service serves when nobody configures it: one folder for each channel. */
+/** What the service serves by default: one folder for each channel. */
 struct Environment {
   std::vector<std::string> folders;
   Replay replay;
@@ -32,7 +32,7 @@ std::optional<LogDestination> readLogDestination();
 /**
  * Reads the environment variables that choose what is served, and checks all of them.
  *
- * @throw std::invalid_argument  for a wrong value: one line that names the variable, the value and what it may be
+ * @throw std::invalid_argument  for an invalid value; the text names the variable, its value and the values allowed
  */
 Environment readEnvironment();
 

@@ -12,14 +12,13 @@ namespace vod::host {
 
 namespace {
 
-/** Where this library is, links resolved; the recordings lie at a fixed place relative to it, wherever both were put.
- */
+/** The folder of this library, with links resolved; the recordings are at a fixed path relative to it. */
 std::filesystem::path libraryFolder() {
   Dl_info info{};
   if (::dladdr(reinterpret_cast<const void*>(&installedRecordings), &info) == 0 || info.dli_fname == nullptr) {
     return {};
   }
-  std::error_code ignored;  // What cannot be resolved is tried as it is.
+  std::error_code ignored;  // A path that cannot be resolved is used unchanged.
   const std::filesystem::path library = std::filesystem::weakly_canonical(info.dli_fname, ignored);
   return (library.empty() ? std::filesystem::path(info.dli_fname) : library).parent_path();
 }

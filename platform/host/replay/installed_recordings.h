@@ -9,7 +9,7 @@
 
 namespace vod::host {
 
-/** The recordings that are installed with this library, one for each channel, whether or not they are there. */
+/** The folders of the recordings that are installed with this library, one for each channel. They may be absent. */
 std::vector<std::string> installedRecordings();
 
 }  // namespace vod::host

@@ -65,14 +65,14 @@ void Playback::startAgain() {
 }
 
 std::chrono::microseconds Playback::dueTimeOf(const std::string& scene) {
-  // What does not parse keeps the time stamp that was read of it, or 0: it is due at once.
+  // A scene that does not parse keeps the time stamp that was read before the error, or 0: it is due at once.
   VOD::Scene message;
   static_cast<void>(message.ParseFromString(scene));
   if (!firstTimestamp_) {
     firstTimestamp_ = message.timestamp();
   }
   const std::uint64_t elapsed = message.timestamp() - std::min(message.timestamp(), *firstTimestamp_);
-  // Beyond three years nobody waits, and the clock's arithmetic would overflow.
+  // About three years: the arithmetic of the clock would overflow with much longer times.
   constexpr double longest = 1e14;
   const double paced = std::min(static_cast<double>(elapsed) / replay_.pace.value_or(1.0), longest);
   const auto due = passStart_ + std::chrono::microseconds(static_cast<std::int64_t>(paced));

@@ -19,15 +19,15 @@ namespace vod::host {
 /** The scenes of a recording in the order and at the times in which they are to be delivered. */
 class Playback {
  public:
-  /** @throw vod::recording::RecordingError  when not even the first scene, or the end before it, can be read */
+  /** @throw vod::recording::RecordingError  when the first scene cannot be read; a recording without scenes is valid */
   Playback(std::string folder, Replay replay);
 
   struct Item {
     std::string scene;
-    /** When to deliver it, from the start of the playback; none for at once. */
+    /** When to deliver it, from the start of the playback; none means at once. */
     std::optional<std::chrono::microseconds> due;
   };
-  /** None at the end: the recording's, when it does not loop or has no scene, else never. Damage is reported once. */
+  /** Returns none at the end of a recording that does not loop or has no scenes. Damage is reported once. */
   std::optional<Item> next();
 
  private:

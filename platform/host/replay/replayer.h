@@ -19,25 +19,25 @@ namespace vod::host {
 /** A thread that plays one recording at a time. */
 class Replayer {
  public:
-  /** Delivers a scene of the replay of that number; returns when the callbacks have. */
+  /** Delivers a scene of the replay with that number; returns after the callbacks have returned. */
   using Deliver = std::function<void(int replay, const std::string& scene)>;
 
   explicit Replayer(Deliver deliver);
-  /** Stops and waits for the delivery that may run. Not to be called on the thread itself. */
+  /** Stops and waits for a running delivery. Must not be called on the thread itself. */
   ~Replayer();
   Replayer(const Replayer&) = delete;
   Replayer& operator=(const Replayer&) = delete;
 
-  /** Plays this instead of what is playing; `replay`, never 0, is handed to `Deliver`. */
+  /** Plays this instead of the current playback; `replay`, never 0, is passed to `Deliver`. */
   void start(int replay, std::unique_ptr<Playback> playback);
   void stop();
   /**
-   * Waits until what was started has been delivered to its end.
+   * Waits until the playback that was started last has been delivered to its end.
    *
    * @return false when the limit has passed first
    */
   bool waitForEnd(std::chrono::milliseconds limit);
-  /** Whether what was started last has been delivered to its end. */
+  /** Whether the playback that was started last has been delivered to its end. */
   bool isAtEnd() const;
 
  private:
@@ -52,7 +52,7 @@ class Replayer {
   int replay_ TARNVOD_GUARDED_BY(mutex_) = 0;
   bool ended_ TARNVOD_GUARDED_BY(mutex_) = false;
   bool ending_ TARNVOD_GUARDED_BY(mutex_) = false;
-  // Last, so that it starts when all else is there.
+  // Last, so that it starts when all other members are initialised.
   std::thread thread_;
 };
 

@@ -8,7 +8,7 @@
 
 namespace vod::host {
 
-/** What becomes of exceptions that leave a callback. */
+/** How exceptions that leave a callback are handled. */
 struct CallbackExceptions {
   std::atomic<bool> areCaught{false};
   std::atomic<int> caught{0};
@@ -16,7 +16,7 @@ struct CallbackExceptions {
 
 inline CallbackExceptions callbackExceptions;
 
-/** Runs a callback as C code would: what it throws ends the process here, unless exceptions are to be caught. */
+/** Runs a callback as C code would: an exception ends the process, unless exceptions are caught. */
 template <typename Callback>
 void runCallback(Callback callback) noexcept {
   if (!callbackExceptions.areCaught) {

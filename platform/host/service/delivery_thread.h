@@ -21,19 +21,19 @@ class DeliveryThread {
   using Task = std::function<void()>;
 
   DeliveryThread();
-  /** Waits for the task that runs; those that have not begun are gone. Not to be called on the thread itself. */
+  /** Waits for the running task and discards those that have not started. Must not be called on the thread itself. */
   ~DeliveryThread();
   DeliveryThread(const DeliveryThread&) = delete;
   DeliveryThread& operator=(const DeliveryThread&) = delete;
 
   void post(Task task);
   /**
-   * Waits until every task posted before the call has returned, or never will run.
+   * Waits until every task posted before the call has returned or has been discarded.
    *
    * @return false when the limit has passed first
    */
   bool drain(std::chrono::milliseconds limit);
-  /** Runs a task here, after those already posted, and returns when it has returned. The thread must outlive the call.
+  /** Runs a task on the thread, after those already posted, and returns when it has. The thread must outlive the call.
    */
   void run(const Task& task);
 
@@ -46,7 +46,7 @@ class DeliveryThread {
   std::uint64_t posted_ TARNVOD_GUARDED_BY(mutex_) = 0;
   std::uint64_t done_ TARNVOD_GUARDED_BY(mutex_) = 0;
   bool ending_ TARNVOD_GUARDED_BY(mutex_) = false;
-  // Last, so that it starts when all else is there.
+  // Last, so that it starts when all other members are initialised.
   std::thread thread_;
 };
 

@@ -19,7 +19,7 @@
 
 namespace vod::host {
 
-/** The results of the C functions other than 0. */
+/** The results of the C functions. */
 namespace status {
 constexpr int ok = 0;
 constexpr int serviceDown = -1;
@@ -31,7 +31,7 @@ constexpr int alreadySubscribed = -6;
 constexpr int outOfMemory = -7;
 }  // namespace status
 
-/** What the test wants to run around every call of the C interface. */
+/** Functions of a test that run before and after every call of the C interface. */
 struct CallObserver {
   std::atomic<void (*)()> entering{nullptr};
   std::atomic<void (*)()> leaving{nullptr};
@@ -61,9 +61,9 @@ class Service {
   int information(const Subscriber& subscriber, std::optional<std::string>& bytes, std::size_t& length,
                   std::string& error);
   int channelCounts(ServiceState::Counts& counts);
-  /** Null, and counted, when the handle is not a live one. */
+  /** Returns null, and counts the call, when the handle is invalid. */
   std::shared_ptr<Subscriber> find(Handle handle);
-  /** How the journal names the handle; `number` becomes the subscriber's, if there is one. */
+  /** Returns the handle as the journal prints it; sets `number` to that of the subscriber, if there is one. */
   std::string describe(Handle handle, int& number);
 
   // ---- For the control interface ----

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-// What the C interface asks of the service.
+// The functions of the service that the C interface calls.
 
 #include "diagnostics.h"
 #include "messages/detector_information_check.h"
@@ -20,17 +20,17 @@ namespace vod::host {
 namespace {
 
 /**
- * A handle that was never given out before: nobody looks behind it, and a handle that is used after `delete` is
- * recognised whatever was created since.
+ * Returns the handle with this number. Numbers are never used twice and handles never dereferenced, so a handle that is
+ * used after `delete` is always recognised.
  */
 Handle handleOf(std::uintptr_t number) {
-  constexpr std::uintptr_t alignment = 16;  // As if there were something behind it.
-  // NOLINTNEXTLINE(performance-no-int-to-ptr): a number is all that it is
+  constexpr std::uintptr_t alignment = 16;  // As the address of an object would have.
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): the handle is only a number
   return reinterpret_cast<Handle>(number * alignment);
 }
 
-/** Reports whether the channel's recording, if it has one, can be looked for in its folder. */
-bool hasItsFolder(ChannelState& channel) {
+/** Whether the folder of the channel's recording exists, if it has a recording; reports an error otherwise. */
+bool folderExists(ChannelState& channel) {
   std::error_code error;
   if (!channel.folder || std::filesystem::is_directory(*channel.folder, error)) {
     channel.errors.succeeded(Function::Create);
@@ -55,7 +55,7 @@ int Service::create(Handle* handle, void* userData, int channel, int& number) {
   if (served == nullptr) {
     return status::noSuchChannel;
   }
-  if (!hasItsFolder(*served)) {
+  if (!folderExists(*served)) {
     return status::badRecording;
   }
   const auto subscriber = std::make_shared<Subscriber>(state_.lastSubscriber + 1, channel, userData);
@@ -84,7 +84,7 @@ int Service::release(Handle* handle) {
     state_.subscribers.erase(entry);
     subscriber->close();
     *handle = nullptr;
-    // Last, because it needs memory and the handle is gone whether or not there is some.
+    // Last, because it may fail to allocate, and the handle has to be released even then.
     leave(lock, *subscriber);
   }
   waitForCallbacks(*subscriber, Function::Delete);
@@ -111,7 +111,7 @@ int Service::subscribe(const std::shared_ptr<Subscriber>& subscriber) {
   try {
     result = join(subscriber, subscription);
   } catch (const std::bad_alloc&) {
-    // As any other failure, below.
+    // Handled below, like every other failure.
   }
   if (result != status::ok) {
     subscriber->unsubscribe();
@@ -158,12 +158,12 @@ void Service::leave(const Lock& lock, const Subscriber& subscriber) {
     return;
   }
   ChannelState& channel = found->second;
-  const auto isItself = [&](const Target& target) { return target.subscriber.get() == &subscriber; };
-  if (std::none_of(channel.targets->begin(), channel.targets->end(), isItself)) {
+  const auto isSubscriber = [&](const Target& target) { return target.subscriber.get() == &subscriber; };
+  if (std::none_of(channel.targets->begin(), channel.targets->end(), isSubscriber)) {
     return;
   }
   auto targets = std::make_shared<std::vector<Target>>(*channel.targets);
-  targets->erase(std::remove_if(targets->begin(), targets->end(), isItself), targets->end());
+  targets->erase(std::remove_if(targets->begin(), targets->end(), isSubscriber), targets->end());
   if (targets->empty()) {
     stopReplay(lock, channel);
   }
@@ -227,7 +227,7 @@ int Service::information(const Subscriber& subscriber, std::optional<std::string
     folder = *channel->folder;
   }
   try {
-    bytes = readSoundDetectorInformation(folder);
+    bytes = readValidDetectorInformation(folder);
     length = bytes->size();
   } catch (const std::runtime_error& failure) {
     error = failure.what();

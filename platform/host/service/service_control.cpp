@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-// What the control interface asks of the service.
+// The functions of the service that the control interface calls.
 
 #include "service/callback_exceptions.h"
 #include "service/service.h"
@@ -26,10 +26,10 @@ void Service::reset() {
   for (const auto& [handle, subscriber] : gone.subscribers) {
     subscriber->close();
   }
-  // Only now, so that a callback that stood at a gate is the last one.
+  // After all subscribers are closed, so that a callback that waited at a gate is the last one.
   Gate::openAll();
   for (auto& [number, channel] : gone.channels) {
-    // Before the threads: it may wait for the one that all channels share.
+    // Before the delivery threads are destroyed: it may be waiting for the one that all channels share.
     channel.replayer.reset();
   }
   for (const auto& [handle, subscriber] : gone.subscribers) {

@@ -57,14 +57,14 @@ void Service::drop(const Lock& lock, ChannelState& channel) {
       target.subscriber->tearDown(target.subscription, order);
     }
   };
-  if (!state_.teardownBesideDetection) {
+  if (!state_.teardownDuringDetection) {
     threadOf(lock, channel).post([tearDown] { tearDown(Subscriber::Order::AfterRunningCallback); });
     return;
   }
   if (!state_.teardownThread) {
     state_.teardownThread = std::make_shared<DeliveryThread>();
   }
-  state_.teardownThread->post([tearDown] { tearDown(Subscriber::Order::BesideRunningCallback); });
+  state_.teardownThread->post([tearDown] { tearDown(Subscriber::Order::DuringRunningCallback); });
 }
 
 void Service::takeDown() {
@@ -116,7 +116,8 @@ void Service::stopReplay(const Lock& /*held*/, ChannelState& channel) {
 void Service::deliverReplayed(int number, int replay, const std::string& scene) {
   Lock lock(mutex_);
   const auto found = state_.channels.find(number);
-  // Stopped, and perhaps started again, while this scene was read: it is not for those who are subscribed now.
+  // The replay was stopped, and perhaps started again, while this scene was read: it is not for the current
+  // subscriptions.
   if (found == state_.channels.end() || found->second.replayNumber != replay) {
     return;
   }
@@ -167,7 +168,7 @@ void Service::waitForEndOfRecording(int number) {
     throw std::runtime_error("channel " + std::to_string(number) + " is not playing a recording");
   }
   if (!replayer->waitForEnd(waitTimeout)) {
-    throw std::runtime_error("the recording of channel " + std::to_string(number) + " has not come to its end");
+    throw std::runtime_error("the recording of channel " + std::to_string(number) + " has not reached its end");
   }
 }
 

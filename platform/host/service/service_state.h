@@ -22,12 +22,12 @@ namespace vod::host {
 
 using Handle = video_object_detection_subscriber_st*;
 
-/** Whom a scene or a teardown is meant for. */
+/** The receiver of a scene or a teardown. */
 struct Target {
   std::shared_ptr<Subscriber> subscriber;
   int subscription;
 };
-/** Replaced, never changed: scenes on their way share it. */
+/** Replaced, never modified: scenes that wait for their delivery share it. */
 using Targets = std::shared_ptr<const std::vector<Target>>;
 
 struct ChannelState {
@@ -45,11 +45,11 @@ struct ChannelState {
 
   std::shared_ptr<DeliveryThread> thread;
   std::shared_ptr<Replayer> replayer;
-  /** The replay whose scenes are delivered; 0 when there is none. */
+  /** The number of the replay whose scenes are delivered; 0 when there is none. */
   int replayNumber = 0;
 };
 
-/** All that `reset` returns to its beginning, settings and what they govern. */
+/** Everything that `reset` returns to its initial state. */
 struct ServiceState {
   std::map<int, ChannelState> channels;
   /** Whether the channels have been chosen, by the control interface or by the environment. */
@@ -58,7 +58,7 @@ struct ServiceState {
   std::optional<std::string> configurationError;
 
   std::map<Handle, std::shared_ptr<Subscriber>> subscribers;
-  /** Those created while calls were recorded, also the deleted ones. */
+  /** Those created while calls were recorded, including deleted ones. */
   std::vector<std::shared_ptr<Subscriber>> known;
   int lastSubscriber = 0;
   int callsWithBadHandles = 0;
@@ -76,7 +76,7 @@ struct ServiceState {
   std::chrono::milliseconds waitLimit = callbackWaitLimit;
   Threads threads = Threads::OnePerChannel;
   std::optional<std::string> sceneDuringSubscribe;
-  bool teardownBesideDetection = false;
+  bool teardownDuringDetection = false;
 
   /** The thread of all channels, and that of hostile teardowns. */
   std::shared_ptr<DeliveryThread> sharedThread;

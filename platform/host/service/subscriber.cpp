@@ -9,7 +9,7 @@
 
 namespace vod::host {
 
-/** A callback that is about to run, runs, or has just returned; nothing if its subscription has ended. */
+/** Marks a callback as running while this object exists; holds no settings if the subscription has ended. */
 class Subscriber::Running {
  public:
   Running(Subscriber& subscriber, int subscription, Order order) : subscriber_(subscriber) {
@@ -31,7 +31,7 @@ class Subscriber::Running {
     const Lock lock(subscriber_.mutex_);
     auto& running = subscriber_.running_;
     running.erase(std::find(running.begin(), running.end(), std::this_thread::get_id()));
-    // Under the lock: whoever waits may let the subscriber go as soon as it has seen the change.
+    // Under the lock: a waiting thread may release the subscriber as soon as it has seen the change.
     subscriber_.changed_.notify_all();
   }
   Running(const Running&) = delete;

@@ -21,8 +21,8 @@ namespace vod::host {
  * One connection to a channel. Its callbacks never run concurrently, except that a hostile teardown may run during a
  * detection. All functions are thread-safe; callbacks run without its lock.
  *
- * A subscription is a number that `subscribe` gives out: what was meant for an earlier subscription, or for a
- * subscriber that has been deleted, does not arrive.
+ * A subscription is identified by a number that `subscribe` returns: scenes for an earlier subscription, or for a
+ * deleted subscriber, are not delivered.
  */
 class Subscriber {
  public:
@@ -36,12 +36,12 @@ class Subscriber {
   void setReceiveEmptyHits(bool enabled);
   void setUseChannelConfiguration(bool enabled);
 
-  /** Begins a subscription and returns it; 0 when there is one already, or when the subscriber has been deleted. */
+  /** Begins a subscription and returns its number; 0 when there is one already or the subscriber has been deleted. */
   int subscribe();
   bool has(int subscription) const;
-  /** Ends the subscription: no callback of it starts any more. */
+  /** Ends the subscription: none of its callbacks starts afterwards. */
   void unsubscribe();
-  /** Ends the subscription, and there will be no other one. */
+  /** Ends the subscription and refuses further ones. */
   void close();
 
   /**
@@ -52,7 +52,7 @@ class Subscriber {
   bool waitForCallbacks(std::chrono::milliseconds limit);
 
   void deliver(int subscription, const Frame& frame, const std::optional<Region>& region);
-  enum class Order { AfterRunningCallback, BesideRunningCallback };
+  enum class Order { AfterRunningCallback, DuringRunningCallback };
   void tearDown(int subscription, Order order);
 
   Registration registration() const;

@@ -1,7 +1,7 @@
 /* SPDX-FileCopyrightText: 2026 The tarnvod authors */
 /* SPDX-License-Identifier: MIT */
 
-/* What a test may do with the imagined SDK's service, in addition to what its public header offers. */
+/* Functions of the imagined SDK's service for tests, in addition to those of its public header. */
 
 #ifndef SDK_SERVICE_H
 #define SDK_SERVICE_H
