@@ -4,6 +4,8 @@
 #ifndef TARNVOD_HANDLER_USER_DATA_H
 #define TARNVOD_HANDLER_USER_DATA_H
 
+#include "support/thread_annotations.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <forward_list>
@@ -47,7 +49,7 @@ class UserDataPool : public std::enable_shared_from_this<UserDataPool> {
   using Pointer = std::unique_ptr<UserData, Return>;
 
   Pointer make(std::int32_t camera) {
-    const std::lock_guard lock(mutex_);
+    const ScopedLock lock(mutex_);
     UserData* const data = resting_ > rest ? takeOldest() : &objects_.emplace_front();
     data->camera = camera;
     return Pointer(data, Return(shared_from_this()));
@@ -55,24 +57,23 @@ class UserDataPool : public std::enable_shared_from_this<UserDataPool> {
 
  private:
   void putToRest(UserData& data) noexcept {
-    const std::lock_guard lock(mutex_);
+    const ScopedLock lock(mutex_);
     data.next = nullptr;
     (oldest_ == nullptr ? oldest_ : newest_->next) = &data;
     newest_ = &data;
     ++resting_;
   }
 
-  UserData* takeOldest() {
+  UserData* takeOldest() TARNVOD_REQUIRES(mutex_) {
     --resting_;
     return std::exchange(oldest_, oldest_->next);
   }
 
-  std::mutex mutex_;
-  // Guarded by mutex_:
-  std::forward_list<UserData> objects_;
-  UserData* oldest_ = nullptr;
-  UserData* newest_ = nullptr;
-  std::size_t resting_ = 0;
+  AnnotatedMutex<std::mutex> mutex_;
+  std::forward_list<UserData> objects_ TARNVOD_GUARDED_BY(mutex_);
+  UserData* oldest_ TARNVOD_GUARDED_BY(mutex_) = nullptr;
+  UserData* newest_ TARNVOD_GUARDED_BY(mutex_) = nullptr;
+  std::size_t resting_ TARNVOD_GUARDED_BY(mutex_) = 0;
 };
 
 }  // namespace tarn::VOD
