@@ -39,7 +39,7 @@ TEST_P(AMisuse, EndsWithCodeTwoAndOneLineThatNamesIt) {
 INSTANTIATE_TEST_SUITE_P(
     OfTheCommand, AMisuse,
     testing::Values(Misuse{"WithoutSubcommand", {}, "subcommand is required"},
-                    Misuse{"WithAnUnknownSubcommand", {"stare"}, "'stare' is no subcommand"},
+                    Misuse{"WithAnUnknownSubcommand", {"stare"}, "unknown subcommand 'stare'"},
                     Misuse{"WithAnUnknownFlag", {"info", "--loud"}, "--loud"},
                     Misuse{"OfInfoWithCameraAndFile", {"info", "--camera", "1", "--file", "f"}, "--camera"},
                     Misuse{"OfWatchWithoutCamera", {"watch"}, "--camera"},
@@ -71,10 +71,11 @@ TEST(ThatHelp, NamesEverySubcommand) {
   }
 }
 
-TEST(ThatHelp, OfASubcommandTellsItsOptions) {
+TEST(ThatHelp, OfASubcommandListsItsOptionsUnderItsWholeName) {
   const test::Outcome outcome = test::run({"watch", "--help"});
 
   EXPECT_EQ(outcome.exitCode, 0);
+  EXPECT_THAT(outcome.output, HasSubstr("Usage: tarnvod watch [OPTIONS]"));
   EXPECT_THAT(outcome.output, HasSubstr("--roi"));
 }
 

@@ -4,7 +4,7 @@
 // The tarnvod command in one process with the host platform's service, which standard input takes down and brings up
 // again: one word a line, "down" or "up". Shows, in the demonstration and in tests, what an outage looks like.
 
-#include "base/command.h"
+#include "command_line.h"
 
 #include <vod_host.h>
 

@@ -1,11 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "base/command.h"
+#include "command_line.h"
+
 #include "base/errors.h"
 #include "base/output.h"
 #include "base/stop_signal.h"
 #include "base/text.h"
+#include "commands/subcommands.h"
 
 #include <CLI/CLI.hpp>
 
@@ -13,10 +15,32 @@
 #include <clocale>
 #include <csignal>
 #include <exception>
+#include <map>
 #include <string>
 
 namespace tarn::command {
 namespace {
+
+struct Subcommand {
+  const char* name;
+  const char* summary;
+  /** Adds the options; returns what runs the subcommand. */
+  Action (*define)(CLI::App& command);
+};
+
+/** In the order in which `--help` lists them. */
+constexpr Subcommand subcommands[] = {
+    {"info", "Print what the service and its detectors can do", defineInfo},
+    {"watch", "Show what cameras see, live", defineWatch},
+    {"record", "Record what a camera's service sends, byte for byte", defineRecord},
+    {"inspect", "Summarize a recording and check it for damage", defineInspect},
+    {"render", "Draw the tracks of recordings, or one frame with its boxes, as SVG", defineRender},
+#ifdef TARNVOD_WITH_VIEWER
+    {"view", "Show what cameras see, or a recording, in a browser", defineView},
+#endif
+};
+
+using Actions = std::map<const CLI::App*, Action>;
 
 std::string onOneLine(std::string text) {
   std::replace(text.begin(), text.end(), '\n', ' ');
@@ -34,37 +58,34 @@ int complainOfUsage(const CLI::App& app, const std::string& problem) {
   return complain(problem + "; see '" + command + " --help'", usage);
 }
 
-void build(CLI::App& app, Action& action) {
-  app.name("tarnvod");
-  app.require_subcommand(1);
-  app.set_version_flag("--version", "tarnvod " TARNVOD_VERSION);
-  addInfo(app, action);
-  addWatch(app, action);
-  addRecord(app, action);
-  addInspect(app, action);
-  addRender(app, action);
-#ifdef TARNVOD_WITH_VIEWER
-  addView(app, action);
-#endif
+Actions addSubcommands(CLI::App& app) {
+  Actions actions;
+  for (const Subcommand& subcommand : subcommands) {
+    CLI::App* const command = app.add_subcommand(subcommand.name, subcommand.summary);
+    actions[command] = subcommand.define(*command);
+  }
+  return actions;
 }
 
 int parseAndRun(CLI::App& app, int argc, const char* const* argv) {
-  Action action;
-  build(app, action);
+  app.name("tarnvod");
+  app.require_subcommand(1);
+  app.set_version_flag("--version", "tarnvod " TARNVOD_VERSION);
+  const Actions actions = addSubcommands(app);
   try {
     app.parse(argc, argv);
   } catch (const CLI::CallForHelp&) {
     const auto chosen = app.get_subcommands();
-    standardOutput().write((chosen.empty() ? app : *chosen.front()).help());
+    standardOutput().write(chosen.empty() ? app.help() : chosen.front()->help(app.get_name()));
     return success;
   } catch (const CLI::CallForVersion& version) {
     standardOutput().write(std::string(version.what()) + "\n");
     return success;
   } catch (const CLI::ParseError& error) {
     const bool isUnknown = app.get_subcommands().empty() && argc > 1 && argv[1][0] != '-';
-    return complainOfUsage(app, isUnknown ? "'" + std::string(argv[1]) + "' is no subcommand" : error.what());
+    return complainOfUsage(app, isUnknown ? "unknown subcommand '" + std::string(argv[1]) + "'" : error.what());
   }
-  return action();
+  return actions.at(app.get_subcommands().front())();
 }
 
 }  // namespace
@@ -73,11 +94,11 @@ int run(int argc, const char* const* argv) {
   // Widths of characters in the tables; everything else stays as in the C locale.
   // NOLINTNEXTLINE(concurrency-mt-unsafe): there is no other thread yet
   static_cast<void>(std::setlocale(LC_CTYPE, "C.UTF-8"));
-  // A closed pipe is told by write, which ends the command in order: cameras are torn down, files closed.
+  // A closed pipe is reported by write, which ends the command in order: cameras are torn down, files closed.
   static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
   installStopSignals();
 
-  CLI::App app("What a camera's video object detection service sees: shown, recorded, inspected, drawn.");
+  CLI::App app("Show, record, inspect and draw what a camera's video object detection service sees.");
   try {
     return parseAndRun(app, argc, argv);
   } catch (const OutputClosed&) {

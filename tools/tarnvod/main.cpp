@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "base/command.h"
+#include "command_line.h"
 
 int main(int argc, char** argv) {
   return tarn::command::run(argc, argv);

@@ -1,12 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "base/command.h"
 #include "base/errors.h"
 #include "base/options.h"
 #include "base/output.h"
 #include "cameras/service.h"
 #include "commands/info_text.h"
+#include "commands/subcommands.h"
 #include "recordings/detector.h"
 #include "records/json.h"
 
@@ -66,18 +66,15 @@ int showService(const InfoOptions& options) {
 
 }  // namespace
 
-void addInfo(CLI::App& app, Action& action) {
+Action defineInfo(CLI::App& command) {
   const auto options = std::make_shared<InfoOptions>();
-  CLI::App* command = app.add_subcommand("info", "Tell what the service and its detectors can do");
-  auto* camera = command->add_option("--camera", options->camera, "This camera's detector; all cameras' if not given");
+  auto* camera = command.add_option("--camera", options->camera, "This camera's detector; all cameras' if not given");
   takesCameraNumbers(*camera);
-  command->add_option("--file", options->file, "The detector described by a detector-information file; asks no service")
+  command.add_option("--file", options->file, "The detector described by a detector-information file; asks no service")
       ->type_name("F")
       ->excludes(camera);
-  command->add_flag("--json", options->json, "As one JSON object");
-  command->callback([options, &action] {
-    action = [options] { return options->file ? showFile(*options) : showService(*options); };
-  });
+  command.add_flag("--json", options->json, "As one JSON object");
+  return [options] { return options->file ? showFile(*options) : showService(*options); };
 }
 
 }  // namespace tarn::command

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "base/command.h"
 #include "base/errors.h"
 #include "base/output.h"
+#include "commands/subcommands.h"
 #include "recordings/recording_summary.h"
 
 #include <CLI/CLI.hpp>
@@ -34,12 +34,11 @@ int inspect(const InspectOptions& options) {
 
 }  // namespace
 
-void addInspect(CLI::App& app, Action& action) {
+Action defineInspect(CLI::App& command) {
   const auto options = std::make_shared<InspectOptions>();
-  CLI::App* command = app.add_subcommand("inspect", "Tell what is in a recording, and what is damaged");
-  command->add_option("recording", options->folder, "The recording's folder")->type_name("DIR")->required();
-  command->add_flag("--json", options->json, "As one JSON object");
-  command->callback([options, &action] { action = [options] { return inspect(*options); }; });
+  command.add_option("recording", options->folder, "The recording's folder")->type_name("DIR")->required();
+  command.add_flag("--json", options->json, "As one JSON object");
+  return [options] { return inspect(*options); };
 }
 
 }  // namespace tarn::command

@@ -1,7 +1,6 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "base/command.h"
 #include "base/errors.h"
 #include "base/options.h"
 #include "base/output.h"
@@ -10,6 +9,7 @@
 #include "base/text.h"
 #include "cameras/raw_subscription.h"
 #include "cameras/service.h"
+#include "commands/subcommands.h"
 
 #include <CLI/CLI.hpp>
 #include <recording/recording.h>
@@ -138,15 +138,14 @@ int record(const RecordOptions& options) {
 
 }  // namespace
 
-void addRecord(CLI::App& app, Action& action) {
+Action defineRecord(CLI::App& command) {
   const auto options = std::make_shared<RecordOptions>();
-  CLI::App* command = app.add_subcommand("record", "Keep what a camera's service says, byte for byte");
-  takesCameraNumbers(*command->add_option("--camera", options->camera, "The camera, counted from 1")->required());
-  command->add_option("--output", options->folder, "The folder that becomes the recording")
+  takesCameraNumbers(*command.add_option("--camera", options->camera, "The camera, counted from 1")->required());
+  command.add_option("--output", options->folder, "The folder that becomes the recording")
       ->type_name("DIR")
       ->required();
-  addLimits(*command, options->limits, "End after so many frames");
-  command->callback([options, &action] { action = [options] { return record(*options); }; });
+  addLimits(command, options->limits, "End after N frames");
+  return [options] { return record(*options); };
 }
 
 }  // namespace tarn::command

@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "base/command.h"
 #include "base/errors.h"
 #include "base/files.h"
 #include "base/options.h"
 #include "base/text.h"
+#include "commands/subcommands.h"
 #include "drawing/drawing.h"
 
 #include <CLI/CLI.hpp>
@@ -115,25 +115,23 @@ int render(const RenderOptions& options) {
 
 }  // namespace
 
-void addRender(CLI::App& app, Action& action) {
+Action defineRender(CLI::App& command) {
   const auto options = std::make_shared<RenderOptions>();
-  CLI::App* command =
-      app.add_subcommand("render", "Draw the tracks of recordings, or one frame with its boxes, as SVG");
   command
-      ->add_option("source", options->sources,
-                   "Recordings' folders, or files with one serialized VOD.Scene; several are drawn one below the other")
+      .add_option("source", options->sources,
+                  "Recordings' folders, or files with one serialized VOD.Scene; several are drawn one below the other")
       ->type_name("DIR|FRAME ...")
       ->required();
-  command->add_option("--output", options->output, "The picture's file")->type_name("picture.svg")->required();
-  command->add_option("--frame", options->frame, "This frame of the recordings, counted from 1, instead of the tracks")
+  command.add_option("--output", options->output, "The picture's file")->type_name("picture.svg")->required();
+  command.add_option("--frame", options->frame, "This frame of the recordings, counted from 1, instead of the tracks")
       ->type_name("N")
       ->check(CLI::PositiveNumber);
-  command->add_option("--detector", options->detector, "Detector-information file that names the classes")
+  command.add_option("--detector", options->detector, "Detector-information file that names the classes")
       ->type_name("FILE");
-  command->add_option("--background", options->background, "PNG or JPEG image behind the boxes")->type_name("FILE");
-  addAspect(*command, options->aspect);
-  options->boxes.addTo(*command);
-  command->callback([options, &action] { action = [options] { return render(*options); }; });
+  command.add_option("--background", options->background, "PNG or JPEG image behind the boxes")->type_name("FILE");
+  addAspect(command, options->aspect);
+  options->boxes.addTo(command);
+  return [options] { return render(*options); };
 }
 
 }  // namespace tarn::command

@@ -1,12 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "base/command.h"
 #include "base/errors.h"
 #include "base/options.h"
 #include "base/output.h"
 #include "base/stop_signal.h"
 #include "cameras/camera_options.h"
+#include "commands/subcommands.h"
 #include "drawing/box.h"
 #include "recordings/recorded_frames.h"
 #include "viewer/live_view.h"
@@ -118,29 +118,28 @@ int view(const ViewOptions& options) {
 
 }  // namespace
 
-void addView(CLI::App& app, Action& action) {
+Action defineView(CLI::App& command) {
   const auto options = std::make_shared<ViewOptions>();
-  CLI::App* command = app.add_subcommand("view", "Show what cameras see, or a recording, in a browser");
-  const auto cameraOptions = addCameraOptions(*command, options->cameras);
+  const auto cameraOptions = addCameraOptions(command, options->cameras);
   CLI::Option* recording =
-      command->add_option("--recording", options->recording, "A recording's folder instead of cameras")
+      command.add_option("--recording", options->recording, "A recording's folder instead of cameras")
           ->type_name("DIR");
   for (CLI::Option* option : cameraOptions) {
     recording->excludes(option);
   }
   command
-      ->add_option("--port", options->port,
-                   "Port of the page; 0 for any that is free, default " + std::to_string(defaultPort))
+      .add_option("--port", options->port,
+                  "Port of the page; 0 for any that is free, default " + std::to_string(defaultPort))
       ->type_name("N")
       ->check(CLI::Range(0, greatestPort));
   command
-      ->add_option("--address", options->address,
-                   "Address of this machine at which the page is served; default 127.0.0.1, which only this machine "
-                   "reaches")
+      .add_option("--address", options->address,
+                  "Address of this machine at which the page is served; default 127.0.0.1, which only this machine "
+                  "reaches")
       ->type_name("ADDRESS");
-  options->boxes.addTo(*command);
-  addAspect(*command, options->aspect);
-  command->callback([options, &action] { action = [options] { return view(*options); }; });
+  options->boxes.addTo(command);
+  addAspect(command, options->aspect);
+  return [options] { return view(*options); };
 }
 
 }  // namespace tarn::command

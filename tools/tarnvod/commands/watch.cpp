@@ -1,12 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "base/command.h"
 #include "base/errors.h"
 #include "base/options.h"
 #include "base/stop_signal.h"
 #include "base/text.h"
 #include "cameras/camera_group.h"
+#include "commands/subcommands.h"
 #include "commands/watch_display.h"
 
 #include <CLI/CLI.hpp>
@@ -107,14 +107,13 @@ int watch(const WatchOptions& options) {
 
 }  // namespace
 
-void addWatch(CLI::App& app, Action& action) {
+Action defineWatch(CLI::App& command) {
   const auto options = std::make_shared<WatchOptions>();
-  CLI::App* command = app.add_subcommand("watch", "Show what cameras see, as it comes");
-  const auto [camera, classes, all, region] = addCameraOptions(*command, options->cameras);
+  const auto [camera, classes, all, region] = addCameraOptions(command, options->cameras);
   camera->required();
-  addLimits(*command, options->limits, "End after so many frames of each camera");
-  command->add_flag("--json", options->json, "One JSON object a line for each frame");
-  command->callback([options, &action] { action = [options] { return watch(*options); }; });
+  addLimits(command, options->limits, "End after so many frames of each camera");
+  command.add_flag("--json", options->json, "One JSON object a line for each frame");
+  return [options] { return watch(*options); };
 }
 
 }  // namespace tarn::command
