@@ -54,9 +54,12 @@ void checkSize(const std::filesystem::path& file, std::string_view message) {
 void writeDetectorInformation(const std::filesystem::path& file, std::string_view bytes) {
   checkSize(file, bytes);
   const int descriptor = createFile(file);
-  const int error = writeAll(descriptor, bytes);
-  if (::close(descriptor) != 0 || error != 0) {
-    fail(file, error != 0 ? error : errno);
+  const int writeError = writeAll(descriptor, bytes);
+  const int closeError = ::close(descriptor) == 0 ? 0 : errno;
+  if (writeError != 0 || closeError != 0) {
+    // A part of it would be taken for a recording that is there already.
+    ::unlink(file.c_str());
+    fail(file, writeError != 0 ? writeError : closeError);
   }
 }
 

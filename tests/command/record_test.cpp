@@ -79,6 +79,20 @@ TEST_F(Record, OverARecordingFailsAndLeavesItAsItWas) {
   EXPECT_EQ(test::contentsOf(recording / scenes), before);
 }
 
+TEST_F(Record, ThatCannotWriteItsStartLeavesTheFolderFree) {
+  // As on a full disk, no file can grow.
+  const std::string script = "trap '' XFSZ; ulimit -f 0; exec \"$0\" \"$@\"";
+  std::vector<std::string> words{"-c", script, test::command()};
+  const auto arguments = recording20Frames();
+  words.insert(words.end(), arguments.begin(), arguments.end());
+
+  const test::Outcome outcome = test::Process("/bin/sh", words, playing("max")).wait();
+
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_TRUE(test::isOneLine(outcome.errors));
+  EXPECT_EQ(test::run(recording20Frames(), playing("max")).exitCode, 0);
+}
+
 TEST_F(Record, IntoAFolderThatCannotBeMadeFails) {
   test::writeTo(folder / "file", "");
   const test::Outcome outcome =
