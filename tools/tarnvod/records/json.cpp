@@ -9,6 +9,8 @@
 
 #include <map>
 #include <optional>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace tarn::command {
@@ -96,6 +98,26 @@ Json mountingJson(const std::optional<VOD::FishEyeMountingPosition>& position) {
   return position ? Json(nameOf(*position)) : Json(nullptr);
 }
 
+/** JSON text, valid UTF-8, with the control characters escaped that JSON allows in strings: U+007F to U+009F. */
+std::string withoutRawControls(std::string text) {
+  const auto isControl = [&](std::size_t index) {
+    return text[index] == '\x7F' || (text[index] == '\xC2' && static_cast<unsigned char>(text[index + 1]) < 0xA0);
+  };
+  constexpr std::string_view digits = "0123456789abcdef";
+  std::string result;
+  std::size_t copied = 0;
+  for (std::size_t index = 0; index < text.size(); ++index) {
+    if (isControl(index)) {
+      result.append(text, copied, index - copied);
+      index += text[index] == '\x7F' ? 0U : 1U;
+      const auto code = static_cast<unsigned char>(text[index]);
+      result.append("\\u00").append({digits[code >> 4U], digits[code & 0xFU]});
+      copied = index + 1;
+    }
+  }
+  return copied == 0 ? std::move(text) : result.append(text, copied);
+}
+
 }  // namespace
 
 Json toJson(const VOD::VodEvent& event) {
@@ -124,11 +146,11 @@ Json toJson(const VOD::DetectorInformation& information) {
 }
 
 std::string oneLine(const Json& json) {
-  return json.dump(-1, ' ', false, Json::error_handler_t::replace) + '\n';
+  return withoutRawControls(json.dump(-1, ' ', false, Json::error_handler_t::replace)) + '\n';
 }
 
 std::string indented(const Json& json) {
-  return json.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
+  return withoutRawControls(json.dump(2, ' ', false, Json::error_handler_t::replace)) + '\n';
 }
 
 }  // namespace tarn::command

@@ -29,7 +29,10 @@ Json toJson(const VOD::VodEvent& event);
 
 Json toJson(const VOD::DetectorInformation& information);
 
-/** The JSON text on one line, with its line end; bytes in names that are no UTF-8 become U+FFFD. */
+/**
+ * The JSON text on one line, with its line end. Bytes in names that are not UTF-8 become U+FFFD; control characters are
+ * escaped, so that a terminal can show the text.
+ */
 std::string oneLine(const Json& json);
 
 /** The JSON text for people, with its line end. */
