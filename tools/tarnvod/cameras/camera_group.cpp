@@ -6,15 +6,11 @@
 #include "cameras/service.h"
 
 #include <algorithm>
-#include <set>
 
 namespace tarn::command {
 
 CameraGroup::CameraGroup(const CameraOptions& options) {
-  const std::set<int> numbers(options.cameras.begin(), options.cameras.end());
-  const std::uint32_t channels = VOD::Handler::getNumberOfChannels();
-  for (const int camera : numbers) {
-    checkCameraExists(camera, channels);
+  for (const int camera : chosenCameras(options.cameras)) {
     cameras_.emplace_back(camera, options.request(), queue_);
   }
 }

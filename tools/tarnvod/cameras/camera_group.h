@@ -33,7 +33,7 @@ class CameraGroup {
   /** How long to wait for a frame before the time is looked at. */
   static constexpr std::chrono::milliseconds tickPeriod{50};
 
-  /** @throw Failure when the service has no such camera */
+  /** @throw Failure as `chosenCameras` */
   explicit CameraGroup(const CameraOptions& options);
 
   /** Sets all up, or tries to. @throw Failure when a detector does not know a class that was asked for */

@@ -106,6 +106,9 @@ std::string CameraLink::problem(Clock::time_point now) const {
   if (state_ == State::Receiving) {
     return "";
   }
+  if (recordingHasEnded(camera_)) {
+    return "the recording has ended; TARNVOD_HOST_LOOP=1 would repeat it";
+  }
   const double seconds = std::chrono::duration<double>(now - lastSign_).count();
   return "no frame for " + fixed(seconds, 1) + " s; the service " +
          (serviceAnswers_ ? "answers; the library renews a dropped subscription"

@@ -11,13 +11,26 @@
 #include <stdexcept>
 #include <system_error>
 
+#ifdef TARNVOD_HOST_PLATFORM
+#include <vod_host.h>
+#endif
+
 namespace tarn::command {
 
 using VOD::Handler;
 
+std::uint32_t channelCount() {
+#ifdef TARNVOD_HOST_PLATFORM
+  if (const auto error = vod::host::configurationError()) {
+    throw Failure(*error);
+  }
+#endif
+  return Handler::getNumberOfChannels();
+}
+
 ServiceInformation askForService() {
-  return {Handler::getServiceVersion(), Handler::isDlpuEnabled(), Handler::getNumberOfChannels(),
-          Handler::getNumberOfSimultaneousChannels()};
+  const std::uint32_t channels = channelCount();
+  return {Handler::getServiceVersion(), Handler::isDlpuEnabled(), channels, Handler::getNumberOfSimultaneousChannels()};
 }
 
 Json toJson(const ServiceInformation& service) {
@@ -53,6 +66,33 @@ void checkCameraExists(int camera, std::uint32_t channels) {
     throw Failure("camera " + std::to_string(camera) + ": there is no such camera; the service has " +
                   (channels == 1 ? "camera 1 only" : "cameras 1 to " + std::to_string(channels)));
   }
+}
+
+bool recordingHasEnded([[maybe_unused]] int camera) {
+#ifdef TARNVOD_HOST_PLATFORM
+  try {
+    return vod::host::servedChannel(camera - 1).isAtEndOfRecording();
+  } catch (const std::out_of_range&) {
+    return false;
+  }
+#else
+  return false;
+#endif
+}
+
+std::set<int> chosenCameras(const std::vector<int>& named) {
+  const std::uint32_t channels = channelCount();
+  if (named.empty() && channels == 0) {
+    throw Failure("the service does not report its cameras; check that it runs, or name cameras");
+  }
+  std::set<int> cameras(named.begin(), named.end());
+  for (const int camera : cameras) {
+    checkCameraExists(camera, channels);
+  }
+  for (int camera = 1; named.empty() && camera <= static_cast<int>(channels); ++camera) {
+    cameras.insert(camera);
+  }
+  return cameras;
 }
 
 }  // namespace tarn::command

@@ -8,18 +8,28 @@
 
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <string>
+#include <vector>
 
-/** Questions to the service, with answers that tell whether there was one. */
+/** Questions to the service, with answers that say whether there was one. */
 namespace tarn::command {
 
 struct ServiceInformation {
-  std::string version;  ///< empty when the service did not tell
+  std::string version;  ///< empty when the service did not report it
   bool enabled = false;
-  std::uint32_t channels = 0;              ///< 0 when the service did not tell
-  std::uint32_t simultaneousChannels = 0;  ///< 0 when the service did not tell
+  std::uint32_t channels = 0;              ///< 0 when the service did not report it
+  std::uint32_t simultaneousChannels = 0;  ///< 0 when the service did not report it
 };
 
+/**
+ * How many channels the service has; 0 when it does not report that.
+ *
+ * @throw Failure  when the host platform cannot work with its environment variables, which no retry would change
+ */
+std::uint32_t channelCount();
+
+/** @throw Failure  as `channelCount` */
 ServiceInformation askForService();
 Json toJson(const ServiceInformation& service);
 
@@ -29,8 +39,18 @@ std::optional<VOD::DetectorInformation> lookUpDetector(int camera);
 /** As above. @throw Failure when the service does not answer */
 VOD::DetectorInformation askForDetector(int camera);
 
-/** @throw Failure when the service has that many channels and the camera is none of them; 0 is an unknown number */
+/** Whether the host platform plays a recording as this camera, without a loop, and it has come to its end. */
+bool recordingHasEnded(int camera);
+
+/** @throw Failure  when the camera is not one of the service's channels; a count of 0 is unknown and checks nothing */
 void checkCameraExists(int camera, std::uint32_t channels);
+
+/**
+ * The cameras that were named, each once, or all that the service has if none was named.
+ *
+ * @throw Failure  when a camera does not exist, or none was named and the service does not report how many there are
+ */
+std::set<int> chosenCameras(const std::vector<int>& named);
 
 }  // namespace tarn::command
 
