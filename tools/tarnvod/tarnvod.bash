@@ -3,6 +3,13 @@
 #
 # Completion of the tarnvod command in bash.
 
+# The numbers of the service's cameras.
+_tarnvod_cameras() {
+  local channels
+  channels=$(tarnvod info 2>/dev/null | awk '$1 == "channels" && $2 ~ /^[0-9]+$/ { print $2 }')
+  seq 1 "${channels:-0}"
+}
+
 _tarnvod() {
   local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
   local -A options=(
@@ -24,9 +31,7 @@ _tarnvod() {
       return
       ;;
     --camera)
-      local channels
-      channels=$(tarnvod info 2>/dev/null | awk '$1 == "channels" && $2 ~ /^[0-9]+$/ { print $2 }')
-      mapfile -t COMPREPLY < <(compgen -W "$(seq 1 "${channels:-0}")" -- "$current")
+      mapfile -t COMPREPLY < <(compgen -W "$(_tarnvod_cameras)" -- "$current")
       return
       ;;
     --file | --output | --background | --detector | --recording)
@@ -40,6 +45,8 @@ _tarnvod() {
   esac
   if [[ $current == -* ]]; then
     mapfile -t COMPREPLY < <(compgen -W "${options[${COMP_WORDS[1]}]:-}" -- "$current")
+  elif [[ ${COMP_WORDS[1]} == watch ]]; then
+    mapfile -t COMPREPLY < <(compgen -W "$(_tarnvod_cameras)" -- "$current")
   elif [[ ${COMP_WORDS[1]} == inspect || ${COMP_WORDS[1]} == render ]]; then
     compopt -o filenames
     mapfile -t COMPREPLY < <(compgen -f -- "$current")
