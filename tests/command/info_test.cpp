@@ -15,7 +15,7 @@ namespace {
 
 using Info = test::TwoCameras;
 
-TEST_F(Info, TellsTheServiceAndTheDetectorOfEachCamera) {
+TEST_F(Info, PrintsTheServiceAndTheDetectorOfEachCamera) {
   const test::Outcome outcome = test::run({"info"}, playing());
 
   EXPECT_EQ(outcome.exitCode, 0);
@@ -76,13 +76,13 @@ TEST_F(Info, OfAMissingFileNamesIt) {
   EXPECT_THAT(outcome.errors, HasSubstr(folder / "missing"));
 }
 
-TEST_F(Info, OfAFileThatIsNoDetectorInformationSaysSo) {
+TEST_F(Info, OfAFileThatIsNotDetectorInformationSaysSo) {
   test::writeTo(folder / "garbage", "This is no message at all.");
   const test::Outcome outcome = test::run({"info", "--file", folder / "garbage"});
 
   EXPECT_EQ(outcome.exitCode, 1);
   EXPECT_TRUE(test::isOneLine(outcome.errors));
-  EXPECT_THAT(outcome.errors, HasSubstr("no detector information"));
+  EXPECT_THAT(outcome.errors, HasSubstr("this is not detector information"));
 }
 
 TEST_F(Info, OnAFullDiskFails) {

@@ -1,11 +1,18 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+#include "base/text.h"
 #include "situations.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <signal.h>
+
+#include <algorithm>
+#include <clocale>
+#include <cstdint>
+#include <sstream>
 
 using nlohmann::json;
 using testing::HasSubstr;
@@ -15,7 +22,7 @@ namespace {
 
 using Inspect = test::TwoCameras;
 
-TEST_F(Inspect, TellsWhatIsInARecording) {
+TEST_F(Inspect, SummarizesARecording) {
   const test::Outcome outcome = test::run({"inspect", recording});
 
   EXPECT_EQ(outcome.exitCode, 0);
@@ -27,7 +34,7 @@ TEST_F(Inspect, TellsWhatIsInARecording) {
   EXPECT_THAT(outcome.output, HasSubstr("damage               none\n"));
 }
 
-TEST_F(Inspect, AsJsonTellsTheLifeOfEachObject) {
+TEST_F(Inspect, AsJsonListsEachObject) {
   const json summary = json::parse(test::run({"inspect", recording, "--json"}).output);
 
   EXPECT_EQ(summary["frames"], 20);
@@ -41,7 +48,7 @@ TEST_F(Inspect, AsJsonTellsTheLifeOfEachObject) {
   EXPECT_EQ(summary["objects"][1]["lastFrame"], 19);
 }
 
-TEST_F(Inspect, OfARecordingThatIsCutOffNamesFileAndOffsetAndTellsTheRest) {
+TEST_F(Inspect, OfARecordingThatIsCutOffNamesFileAndOffsetAndSummarizesTheRest) {
   const auto file = recording / "scenes.pb";
   const std::string bytes = test::contentsOf(file);
   const std::size_t lastScene = test::sceneBytes(test::framesInRecording - 1).size() + 1;
@@ -62,7 +69,7 @@ TEST_F(Inspect, OfARecordingWithGarbageNamesTheFrame) {
   const test::Outcome outcome = test::run({"inspect", recording});
 
   EXPECT_EQ(outcome.exitCode, 1);
-  EXPECT_THAT(outcome.errors, HasSubstr("scenes.pb: offset 3: frame 2 is no serialized VOD.Scene"));
+  EXPECT_THAT(outcome.errors, HasSubstr("scenes.pb: offset 3: frame 2 is not a serialized VOD.Scene"));
   EXPECT_THAT(outcome.output, HasSubstr("frames               2"));
 }
 
@@ -75,6 +82,52 @@ TEST_F(Inspect, OfARecordingWithoutDetectorInformationSaysSo) {
   EXPECT_TRUE(test::isOneLine(outcome.errors));
   EXPECT_THAT(outcome.errors, HasSubstr("detector-information.pb: offset 0: No such file or directory"));
 }
+
+TEST_F(Inspect, FitsInto80Columns) {
+  std::setlocale(LC_CTYPE, "C.UTF-8");
+  const test::Outcome outcome = test::run({"inspect", recording}, {"LC_ALL=C.UTF-8"});
+
+  std::istringstream table(outcome.output.substr(outcome.output.find("  object  ")));
+  for (std::string line; std::getline(table, line);) {
+    EXPECT_LE(tarn::command::displayWidth(line), 80U) << line;
+  }
+}
+
+TEST_F(Inspect, OutsideOfAUtf8LocaleIsAscii) {
+  EXPECT_THAT(test::run({"inspect", recording}, {"LC_ALL=C.UTF-8"}).output, HasSubstr("━"));
+
+  const std::string output = test::run({"inspect", recording}, {"LC_ALL=C"}).output;
+
+  EXPECT_THAT(output, HasSubstr("======"));
+  EXPECT_TRUE(
+      std::all_of(output.begin(), output.end(), [](char byte) { return static_cast<unsigned char>(byte) < 0x80; }));
+}
+
+class LongWork : public test::TwoCameras, public testing::WithParamInterface<const char*> {
+ protected:
+  std::vector<std::string> arguments() const {
+    std::vector<std::string> result{GetParam(), recording};
+    if (result.front() == "render") {
+      result.insert(result.end(), {"--output", folder / "picture.svg"});
+    }
+    return result;
+  }
+};
+
+TEST_P(LongWork, EndsAtTheFirstSignal) {
+  constexpr std::uintmax_t hoursOfEmptyFrames = 64'000'000'000;
+  std::filesystem::resize_file(recording / "scenes.pb", hoursOfEmptyFrames);
+  test::Process process(test::command(), arguments());
+  process.waitUntilOpen(recording / "scenes.pb");
+
+  process.signal(SIGTERM);
+
+  const test::Outcome outcome = process.wait();
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_EQ(outcome.errors, "tarnvod: stopped by a signal before the result was complete\n");
+}
+
+INSTANTIATE_TEST_SUITE_P(OfASubcommand, LongWork, testing::Values("inspect", "render"));
 
 TEST_F(Inspect, OfAMissingFolderNamesIt) {
   const test::Outcome outcome = test::run({"inspect", folder / "missing"});

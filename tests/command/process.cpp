@@ -8,6 +8,7 @@
 #include <poll.h>
 #include <pty.h>
 #include <signal.h>
+#include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -16,6 +17,7 @@
 #include <cerrno>
 #include <chrono>
 #include <stdexcept>
+#include <thread>
 
 namespace test {
 namespace {
@@ -87,6 +89,10 @@ Environment onTerminal(Environment environment) {
 
 [[noreturn]] void become(const std::string& program, std::vector<char*>& arguments, std::vector<char*>& environment,
                          int input, int output, int errors) {
+  if (input == output) {
+    setsid();
+    ioctl(input, TIOCSCTTY, 0);
+  }
   dup2(input, STDIN_FILENO);
   dup2(output, STDOUT_FILENO);
   dup2(errors, STDERR_FILENO);
@@ -112,21 +118,24 @@ Process::Process(const std::string& program, const std::vector<std::string>& arg
                  Output output) {
   std::vector<std::string> words{program};
   words.insert(words.end(), arguments.begin(), arguments.end());
-  std::vector<std::string> variables =
-      withInherited(output == Output::Terminal ? onTerminal(environment) : environment);
+  std::vector<std::string> variables = withInherited(output == Output::Pipe ? environment : onTerminal(environment));
   auto wordPointers = pointersTo(words);
   auto variablePointers = pointersTo(variables);
   const Ends inputs = makePipe();
-  const Ends outputs = output == Output::Terminal ? makeTerminal() : makePipe();
+  const Ends outputs = output == Output::Pipe ? makePipe() : makeTerminal();
+  const bool hasKeys = output == Output::TerminalWithKeys;
   const Ends errors = makePipe();
   id_ = fork();
   if (id_ == 0) {
-    become(program, wordPointers, variablePointers, inputs.read, outputs.write, errors.write);
+    become(program, wordPointers, variablePointers, hasKeys ? outputs.write : inputs.read, outputs.write, errors.write);
   }
   close(inputs.read);
+  if (hasKeys) {
+    close(inputs.write);
+  }
   close(outputs.write);
   close(errors.write);
-  input_ = inputs.write;
+  input_ = hasKeys ? fcntl(outputs.read, F_DUPFD_CLOEXEC, 0) : inputs.write;
   outputEnd_ = outputs.read;
   errorsEnd_ = errors.read;
 }
@@ -162,7 +171,7 @@ void Process::waitFor(const std::string& text, const std::string& where, std::si
   const auto deadline = std::chrono::steady_clock::now() + patience;
   while (where.find(text, from) == std::string::npos) {
     if (!readSome() || std::chrono::steady_clock::now() > deadline) {
-      throw std::runtime_error("waited in vain for \"" + text + "\"\noutput: " + output_ + "\nerrors: " + errors_);
+      throw std::runtime_error("timed out waiting for \"" + text + "\"\noutput: " + output_ + "\nerrors: " + errors_);
     }
   }
 }
@@ -177,6 +186,21 @@ void Process::waitForErrors(const std::string& text) {
 
 void Process::waitForMoreOutput(const std::string& text) {
   waitFor(text, output_, output_.size());
+}
+
+void Process::waitUntilOpen(const std::filesystem::path& file) const {
+  const auto deadline = std::chrono::steady_clock::now() + patience;
+  const auto descriptors = std::filesystem::path("/proc") / std::to_string(id_) / "fd";
+  while (std::chrono::steady_clock::now() < deadline) {
+    for (const auto& descriptor : std::filesystem::directory_iterator(descriptors)) {
+      std::error_code closedMeanwhile;
+      if (std::filesystem::read_symlink(descriptor, closedMeanwhile) == file) {
+        return;
+      }
+    }
+    std::this_thread::yield();
+  }
+  throw std::runtime_error("timed out waiting for " + file.string() + " to be opened");
 }
 
 void Process::write(const std::string& line) {

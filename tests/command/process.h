@@ -6,6 +6,7 @@
 
 #include <sys/types.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -25,7 +26,11 @@ struct Outcome {
 /** A process that runs. Killed when it is destroyed before it has ended. */
 class Process {
  public:
-  enum class Output { Pipe, Terminal };
+  enum class Output {
+    Pipe,
+    Terminal,          ///< standard input is a pipe
+    TerminalWithKeys,  ///< standard input is the same terminal, in the foreground; `write` presses keys
+  };
 
   /** @param output  what the process has for a standard output; standard error is always a pipe */
   Process(const std::string& program, const std::vector<std::string>& arguments, const Environment& environment = {},
@@ -40,6 +45,10 @@ class Process {
   /** Reads until the output holds the text again, behind what has been read so far. */
   void waitForMoreOutput(const std::string& text);
 
+  /** Waits until the process has the file open. Fails the test after a long time. */
+  void waitUntilOpen(const std::filesystem::path& file) const;
+
+  /** Writes to standard input: the line with its end. */
   void write(const std::string& line);
   void signal(int number);
   /** Closes the reading end of standard output. */

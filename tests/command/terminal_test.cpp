@@ -66,9 +66,31 @@ TEST_F(WatchOnATerminal, ShowsLinesWhereTheCursorCannotBeMoved) {
   environment.push_back("TERM=dumb");
   test::Process watch(test::command(), {"watch", "--camera", "1"}, environment, test::Process::Output::Terminal);
 
-  watch.waitForOutput("camera 1  0  2 objects: human 7");
+  watch.waitForOutput("camera 1  0:00.000  2 objects: human 7");
 
   EXPECT_THAT(watch.output(), Not(HasSubstr("\x1b")));
+}
+
+TEST_F(WatchOnATerminal, EndsWhenQIsPressed) {
+  test::Process watch(test::command(), {"watch", "1"}, playing(), test::Process::Output::TerminalWithKeys);
+  watch.waitForOutput("q or Ctrl-C ends");
+  watch.waitForOutput("coat red");
+
+  watch.write("q");
+
+  const test::Outcome outcome = watch.wait();
+  EXPECT_EQ(outcome.exitCode, 0);
+  EXPECT_THAT(outcome.output, HasSubstr("interruptions"));
+}
+
+TEST_F(WatchOnATerminal, ShowsValuesRatherThanCuttingThemOff) {
+  const std::string script = "stty cols 74; exec \"$0\" \"$@\"";
+  test::Process watch("/bin/sh", {"-c", script, test::command(), "watch", "1"}, playing(),
+                      test::Process::Output::TerminalWithKeys);
+
+  watch.waitForOutput("s  red");
+
+  EXPECT_THAT(watch.output(), Not(HasSubstr("coa")));
 }
 
 TEST(ALineOfTheTable, IsCutAtTheWidthOfTheTerminal) {

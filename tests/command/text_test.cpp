@@ -5,8 +5,10 @@
 
 #include "cameras/bounded_queue.h"
 #include "drawing/svg.h"
+#include "records/json.h"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <clocale>
 #include <limits>
@@ -29,7 +31,7 @@ TEST_F(Text, LosesControlCharacters) {
   EXPECT_EQ(printable("a\x1b[31m\n\x7F\xC2\x9B"), "a\uFFFD[31m\uFFFD\uFFFD\uFFFD");
 }
 
-TEST_F(Text, LosesBytesThatAreNoUtf8) {
+TEST_F(Text, LosesBytesThatAreNotUtf8) {
   EXPECT_EQ(printable("\xFFx"), "\uFFFDx");
   EXPECT_EQ(printable("x\xE8\xBB"), "x\uFFFD\uFFFD");          // cut off
   EXPECT_EQ(printable("\xC0\xAF"), "\uFFFD\uFFFD");            // overlong
@@ -58,6 +60,26 @@ TEST_F(Text, OfAFloatReadsBackAsTheSame) {
     EXPECT_EQ(std::strtof(shortest(number).c_str(), nullptr), number);
   }
   EXPECT_EQ(shortest(0.1F), "0.1");
+}
+
+TEST_F(Text, OfATimeIsInMinutesAndSeconds) {
+  EXPECT_EQ(clockText(0), "0:00.000");
+  EXPECT_EQ(clockText(67'250'999), "1:07.250");
+  EXPECT_EQ(clockText(7'267'050'000), "2:01:07.050");
+}
+
+TEST_F(Text, IsFoldedAtSpaces) {
+  EXPECT_EQ(folded("one two three", 80, 2), "one two three");
+  EXPECT_EQ(folded("one two three", 7, 2), "one two\n  three");
+  EXPECT_EQ(folded("label  incomprehensible  x", 10, 2), "label\n  incomprehensible\n  x");
+}
+
+TEST_F(Text, InAsciiKeepsItsColumns) {
+  EXPECT_EQ(toAscii("━━· grün 車…"), "==. gr?n ??.");
+}
+
+TEST_F(Text, OfJsonHasNoControlCharacters) {
+  EXPECT_EQ(oneLine(Json("a\u0080\u009Fb\x7F\u00A0\x1B")), "\"a\\u0080\\u009fb\\u007f\u00A0\\u001b\"\n");
 }
 
 TEST_F(Text, OfACountAgreesWithItsNumber) {

@@ -89,6 +89,21 @@ TEST_F(Watch, OfSeveralCamerasShowsEach) {
   EXPECT_EQ(framesOfSecond, 5);
 }
 
+TEST_F(Watch, TakesCamerasWithoutTheOption) {
+  const test::Outcome outcome = test::run({"watch", "2", "--frames", "1", "--json"}, playing());
+
+  EXPECT_EQ(outcome.exitCode, 0);
+  EXPECT_EQ(json::parse(outcome.output)["camera"], 2);
+}
+
+TEST_F(Watch, WithoutCamerasShowsAllThatTheServiceHas) {
+  const test::Outcome outcome = test::run({"watch", "--frames", "1"}, playing("20"));
+
+  EXPECT_EQ(outcome.exitCode, 0);
+  EXPECT_THAT(outcome.errors, HasSubstr("camera 1: 1 frame in "));
+  EXPECT_THAT(outcome.errors, HasSubstr("camera 2: 1 frame in "));
+}
+
 TEST_F(Watch, OfOneClassShowsNoOther) {
   const test::Outcome outcome =
       test::run({"watch", "--camera", "1", "--class", "car", "--frames", "3", "--json"}, playing("20"));
@@ -130,6 +145,44 @@ TEST_F(Watch, EndsByItselfAfterItsTime) {
   EXPECT_EQ(outcome.exitCode, 0);
   EXPECT_THAT(outcome.output, Not(IsEmpty()));
 }
+
+TEST_F(Watch, ShowsTimesInMinutesAndSeconds) {
+  const test::Outcome outcome = test::run({"watch", "1", "--frames", "2"}, playing("20"));
+
+  EXPECT_THAT(outcome.output, HasSubstr("camera 1  0:00.100  1 object: "));
+}
+
+TEST_F(Watch, ReportsTheEndOfARecordingThatIsNotRepeated) {
+  test::Process watch(test::command(), {"watch", "1"}, playing("max", "0"));
+
+  watch.waitForErrors("tarnvod: camera 1: the recording has ended; TARNVOD_HOST_LOOP=1 would repeat it\n");
+
+  watch.signal(SIGINT);
+  const test::Outcome outcome = watch.wait();
+  EXPECT_EQ(outcome.exitCode, 0);
+  EXPECT_THAT(outcome.errors, Not(HasSubstr("dropped")));
+}
+
+class AHostPlatformWithAWrongValue : public test::TwoCameras,
+                                     public testing::WithParamInterface<std::vector<std::string>> {};
+
+TEST_P(AHostPlatformWithAWrongValue, EndsTheCommand) {
+  std::vector<std::string> arguments = GetParam();
+  if (arguments.front() == "record") {
+    arguments.insert(arguments.end(), {"--output", folder / "out"});
+  }
+
+  const test::Outcome outcome = test::run(arguments, playing("fast"));
+
+  const std::string error = ": TARNVOD_HOST_PACE is \"fast\"; it must be a positive number or \"max\"\n";
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_EQ(outcome.errors, "video_object_detection_subscriber" + error + "tarnvod" + error);
+}
+
+INSTANTIATE_TEST_SUITE_P(InEachSubcommand, AHostPlatformWithAWrongValue,
+                         testing::Values(std::vector<std::string>{"info"}, std::vector<std::string>{"watch"},
+                                         std::vector<std::string>{"watch", "1"},
+                                         std::vector<std::string>{"record", "--camera", "1"}));
 
 class WatchToldToEnd : public test::TwoCameras, public testing::WithParamInterface<int> {};
 

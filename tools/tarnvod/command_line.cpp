@@ -17,6 +17,7 @@
 #include <exception>
 #include <map>
 #include <string>
+#include <vector>
 
 namespace tarn::command {
 namespace {
@@ -67,6 +68,28 @@ Actions addSubcommands(CLI::App& app) {
   return actions;
 }
 
+/** What is wrong with arguments that no subcommand takes; in the order in which they were given. */
+std::string describeUnexpected(const CLI::App& app, const std::vector<std::string>& arguments) {
+  const auto isOption = [](const std::string& argument) { return argument.size() > 1 && argument[0] == '-'; };
+  const auto option = std::find_if(arguments.begin(), arguments.end(), isOption);
+  if (app.get_subcommands().empty() && option != arguments.begin()) {
+    return "unknown subcommand '" + arguments.front() + "'";
+  }
+  if (option != arguments.end()) {
+    return "unknown option '" + *option + "'";
+  }
+  return std::string("unexpected argument") + (arguments.size() == 1 ? "" : "s") + " '" + joined(arguments, "', '") +
+         "'";
+}
+
+/** A misspelt option is reported before what is missing without it. */
+std::string describe(const CLI::App& app, const CLI::ParseError& error) {
+  const auto unexpected = app.remaining(true);
+  const bool isOfValue = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ValidationError) ||
+                         error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ConversionError);
+  return unexpected.empty() || isOfValue ? error.what() : describeUnexpected(app, unexpected);
+}
+
 int parseAndRun(CLI::App& app, int argc, const char* const* argv) {
   app.name("tarnvod");
   app.require_subcommand(1);
@@ -76,14 +99,13 @@ int parseAndRun(CLI::App& app, int argc, const char* const* argv) {
     app.parse(argc, argv);
   } catch (const CLI::CallForHelp&) {
     const auto chosen = app.get_subcommands();
-    standardOutput().write(chosen.empty() ? app.help() : chosen.front()->help(app.get_name()));
+    standardOutput().writeText(chosen.empty() ? app.help() : chosen.front()->help(app.get_name()));
     return success;
   } catch (const CLI::CallForVersion& version) {
-    standardOutput().write(std::string(version.what()) + "\n");
+    standardOutput().writeText(std::string(version.what()) + "\n");
     return success;
   } catch (const CLI::ParseError& error) {
-    const bool isUnknown = app.get_subcommands().empty() && argc > 1 && argv[1][0] != '-';
-    return complainOfUsage(app, isUnknown ? "unknown subcommand '" + std::string(argv[1]) + "'" : error.what());
+    return complainOfUsage(app, describe(app, error));
   }
   return actions.at(app.get_subcommands().front())();
 }

@@ -36,12 +36,24 @@ std::optional<std::array<float, 4>> parseFourNumbers(std::string_view text) {
   return text.empty() ? std::make_optional(numbers) : std::nullopt;
 }
 
-/** Accepts numbers from `least` on; `what` says which. */
-CLI::Validator numberFrom(double least, const std::string& what) {
-  return {[least, what](std::string& text) {
+/** Accepts whole numbers from 1 to `greatest`; `what` describes them. */
+CLI::Validator wholeNumber(std::uint64_t greatest, const std::string& what) {
+  return {[greatest, what](const std::string& text) {
+            std::uint64_t number = 0;
+            const char* const end = text.data() + text.size();
+            const auto [last, error] = std::from_chars(text.data(), end, number);
+            const bool isAccepted = error == std::errc{} && last == end && number >= 1 && number <= greatest;
+            return isAccepted ? std::string() : "'" + text + "' is not " + what;
+          },
+          ""};
+}
+
+/** Accepts finite numbers above 0; `what` describes them. */
+CLI::Validator positiveNumber(const std::string& what) {
+  return {[what](std::string& text) {
             double number = 0;
             const bool isNumber = CLI::detail::lexical_cast(text, number) && std::isfinite(number);
-            return isNumber && number >= least ? std::string() : "'" + text + "' is not " + what;
+            return isNumber && number > 0 ? std::string() : "'" + text + "' is not " + what;
           },
           ""};
 }
@@ -64,12 +76,10 @@ bool Limits::reachedBy(std::chrono::steady_clock::duration elapsed) const {
 }
 
 void addLimits(CLI::App& command, Limits& limits, const std::string& framesHelp) {
-  command.add_option("--frames", limits.frames, framesHelp)
-      ->type_name("N")
-      ->check(numberFrom(1, "a number of frames, 1 or more"));
-  command.add_option("--seconds", limits.seconds, "End after so many seconds")
+  takesFrameNumbers(*command.add_option("--frames", limits.frames, framesHelp));
+  command.add_option("--seconds", limits.seconds, "End after S seconds")
       ->type_name("S")
-      ->check(numberFrom(std::numeric_limits<double>::min(), "a number of seconds above 0"));
+      ->check(positiveNumber("a number of seconds above 0"));
 }
 
 CLI::Option* addFourNumbers(CLI::App& command, const std::string& name, std::optional<std::array<float, 4>>& numbers,
@@ -87,18 +97,24 @@ void addAspect(CLI::App& command, std::optional<double>& aspect) {
   const auto parse = [&aspect](const std::string& text) {
     aspect = parseAspect(text);
     if (!aspect) {
-      throw CLI::ValidationError("--aspect", "'" + text + "' is no shape of a picture like 4:3");
+      throw CLI::ValidationError("--aspect", "'" + text + "' is not the shape of a picture, such as 4:3");
     }
   };
   command
       .add_option_function<std::string>(
           "--aspect", parse,
-          "Shape of what the camera sees; default: that of the range, or 4:3 when the range is a square")
+          "Width by height of the camera's picture; default: that of the range, or 4:3 if the range is a square")
       ->type_name("W:H");
 }
 
 void takesCameraNumbers(CLI::Option& option) {
-  option.type_name("N")->check(numberFrom(1, "a camera: they are counted from 1"));
+  constexpr auto greatest = static_cast<std::uint64_t>(std::numeric_limits<int>::max());
+  option.type_name("N")->check(wholeNumber(greatest, "a camera number; cameras are counted from 1"));
+}
+
+void takesFrameNumbers(CLI::Option& option) {
+  constexpr std::uint64_t greatest = std::numeric_limits<std::int64_t>::max();
+  option.type_name("N")->check(wholeNumber(greatest, "a number of frames from 1 to " + std::to_string(greatest)));
 }
 
 }  // namespace tarn::command

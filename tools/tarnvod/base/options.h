@@ -18,7 +18,7 @@ class Option;
 /** Options that several subcommands share. */
 namespace tarn::command {
 
-/** When to end by itself; without either, only a signal ends. */
+/** When a subcommand ends without being asked to; with neither, only a signal ends it. */
 struct Limits {
   std::optional<std::uint64_t> frames;
   std::optional<double> seconds;
@@ -37,6 +37,9 @@ void addAspect(CLI::App& command, std::optional<double>& aspect);
 
 /** Makes an option accept camera numbers: 1 and above. */
 void takesCameraNumbers(CLI::Option& option);
+
+/** Makes an option accept a frame's number or a count of frames: 1 and above. */
+void takesFrameNumbers(CLI::Option& option);
 
 }  // namespace tarn::command
 

@@ -5,6 +5,7 @@
 
 #include "base/errors.h"
 #include "base/stop_signal.h"
+#include "base/text.h"
 
 #include <poll.h>
 #include <unistd.h>
@@ -15,13 +16,13 @@
 namespace tarn::command {
 namespace {
 
-/** A terminal may have been switched to non-blocking by whoever shares it. */
+/** A terminal may have been switched to non-blocking by another process that shares it. */
 void waitUntilWritable(int descriptor) {
   pollfd request{descriptor, POLLOUT, 0};
   poll(&request, 1, 100);
 }
 
-/** Deals with a write that failed; returns when it shall be tried again. */
+/** Handles a write that failed; returns when it is to be tried again. */
 void handleFailedWrite(int descriptor, int error) {
   if (error == EPIPE || ((error == EINTR || error == EAGAIN) && stopRequested())) {
     throw OutputClosed{};
@@ -47,6 +48,10 @@ void Output::write(std::string_view text) {
   }
 }
 
+void Output::writeText(std::string_view text) {
+  write(localeIsUtf8() ? std::string(text) : toAscii(text));
+}
+
 bool Output::isTerminal() const {
   return isatty(descriptor_) != 0;
 }
@@ -58,7 +63,7 @@ Output& standardOutput() {
 
 void tellUser(const std::string& line) {
   try {
-    Output(STDERR_FILENO).write(line + '\n');
+    Output(STDERR_FILENO).writeText(line + '\n');
   } catch (const OutputClosed&) {
   } catch (const Failure&) {
   }

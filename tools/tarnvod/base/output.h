@@ -9,7 +9,7 @@
 
 namespace tarn::command {
 
-/** Standard output, without a buffer: what is written has reached the reader's pipe, file or terminal. */
+/** A descriptor without a buffer: what is written has reached the reader's pipe, file or terminal. */
 class Output {
  public:
   explicit Output(int descriptor) : descriptor_(descriptor) {}
@@ -17,10 +17,13 @@ class Output {
   /**
    * Writes the whole text.
    *
-   * @throw OutputClosed  when nobody reads any more, or the command shall end while the reader keeps it waiting
+   * @throw OutputClosed  when nobody reads any more, or the command is asked to end while it waits for the reader
    * @throw Failure       when it cannot be written, as on a full disk
    */
   void write(std::string_view text);
+
+  /** Writes text for people: as `write`, but in a locale without UTF-8 all other than ASCII is replaced. */
+  void writeText(std::string_view text);
 
   bool isTerminal() const;
 
@@ -30,7 +33,7 @@ class Output {
 
 Output& standardOutput();
 
-/** Writes one line to standard error. What cannot be written there has nowhere else to go. */
+/** Writes one line of text to standard error. A failure is ignored: there is nowhere to report it. */
 void tellUser(const std::string& line);
 
 }  // namespace tarn::command

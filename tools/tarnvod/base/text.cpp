@@ -3,9 +3,11 @@
 
 #include "base/text.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdio>
+#include <cstdlib>
 #include <cwchar>
 
 namespace tarn::command {
@@ -41,7 +43,7 @@ bool isOverlongOrSurrogate(char32_t codePoint, std::size_t length) {
   return codePoint < smallest[length] || (codePoint >= 0xD800 && codePoint < 0xE000) || codePoint > 0x10FFFF;
 }
 
-/** The first character of a text that is not empty; one byte, not valid, where the text is no UTF-8. */
+/** The first character of a text that is not empty; one byte, not valid, where the text is not UTF-8. */
 Character firstCharacter(std::string_view text) {
   const auto byteAt = [&](std::size_t index) { return static_cast<unsigned char>(text[index]); };
   const Character invalid{text.substr(0, 1), 0, false};
@@ -71,6 +73,18 @@ std::size_t columnsOf(const Character& character) {
   return columns < 0 ? 1 : static_cast<std::size_t>(columns);
 }
 
+char similarAscii(char32_t codePoint) {
+  switch (codePoint) {
+    case U'━':
+      return '=';
+    case U'·':
+    case U'…':
+      return '.';
+    default:
+      return '?';
+  }
+}
+
 }  // namespace
 
 std::string printable(std::string_view text) {
@@ -78,6 +92,33 @@ std::string printable(std::string_view text) {
   while (!text.empty()) {
     const Character character = firstCharacter(text);
     result += character.valid && !isControl(character.codePoint) ? character.bytes : replacement;
+    text.remove_prefix(character.bytes.size());
+  }
+  return result;
+}
+
+bool localeIsUtf8() {
+  for (const char* const variable : {"LC_ALL", "LC_CTYPE", "LANG"}) {
+    const char* const locale = std::getenv(variable);  // NOLINT(concurrency-mt-unsafe): nobody changes the environment
+    if (locale != nullptr && *locale != '\0') {
+      const std::string_view name(locale);
+      const std::string_view set = name.substr(std::min(name.find('.'), name.size()));
+      return set.substr(0, 6) == ".UTF-8" || set.substr(0, 6) == ".utf-8" || set.substr(0, 5) == ".utf8" ||
+             set.substr(0, 5) == ".UTF8";
+    }
+  }
+  return false;
+}
+
+std::string toAscii(std::string_view text) {
+  std::string result;
+  while (!text.empty()) {
+    const Character character = firstCharacter(text);
+    if (character.valid && character.codePoint < 0x80) {
+      result += character.bytes;
+    } else {
+      result.append(columnsOf(character), similarAscii(character.codePoint));
+    }
     text.remove_prefix(character.bytes.size());
   }
   return result;
@@ -125,6 +166,25 @@ std::string fittedRight(std::string_view text, std::size_t columns) {
   return width < columns ? std::string(columns - width, ' ') + result : result;
 }
 
+std::string folded(std::string_view text, std::size_t columns, std::size_t indent) {
+  std::string result;
+  std::size_t used = 0;
+  while (!text.empty()) {
+    // A word with the spaces before it.
+    const std::size_t end = std::min(text.find(' ', text.find_first_not_of(' ')), text.size());
+    std::string_view word = text.substr(0, end);
+    text.remove_prefix(end);
+    if (used > indent && used + displayWidth(word) > columns) {
+      result.append("\n").append(indent, ' ');
+      used = indent;
+      word.remove_prefix(std::min(word.find_first_not_of(' '), word.size()));
+    }
+    result += word;
+    used += displayWidth(word);
+  }
+  return result;
+}
+
 std::string fixed(double number, int digits) {
   std::array<char, 400> buffer{};  // the greatest double has 309 digits
   const int length = std::snprintf(buffer.data(), buffer.size(), "%.*f", digits, number);
@@ -147,6 +207,16 @@ std::string byteSize(std::uint64_t bytes) {
     return fixed(size / 1e6, 1) + " MB";
   }
   return fixed(size / 1e9, 1) + " GB";
+}
+
+std::string clockText(std::uint64_t microseconds) {
+  const std::uint64_t milliseconds = microseconds / 1000;
+  const std::uint64_t minutes = milliseconds / 60'000;
+  const auto twoDigits = [](std::uint64_t number) { return (number < 10 ? "0" : "") + std::to_string(number); };
+  const std::string seconds =
+      twoDigits(milliseconds / 1000 % 60) + '.' + std::to_string(1000 + milliseconds % 1000).substr(1);
+  return minutes < 60 ? std::to_string(minutes) + ':' + seconds
+                      : std::to_string(minutes / 60) + ':' + twoDigits(minutes % 60) + ':' + seconds;
 }
 
 std::string shortest(float number) {

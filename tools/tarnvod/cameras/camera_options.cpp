@@ -19,17 +19,17 @@ Request CameraOptions::request() const {
   return request;
 }
 
-std::array<CLI::Option*, 4> addCameraOptions(CLI::App& command, CameraOptions& options) {
-  CLI::Option* camera =
-      command.add_option("--camera", options.cameras, "Cameras, counted from 1; several may be given");
+std::array<CLI::Option*, 4> addCameraOptions(CLI::App& command, CameraOptions& options, const std::string& cameraName) {
+  CLI::Option* camera = command.add_option(
+      cameraName, options.cameras, "Cameras, counted from 1; several may be given (default: all that the service has)");
   takesCameraNumbers(*camera);
-  CLI::Option* all = command.add_flag("--all-classes", options.allClasses,
-                                      "All classes that the detector knows; so it is when no class is named");
-  CLI::Option* classes =
-      command
-          .add_option("--class", options.classes, "Only objects of these classes, named as 'tarnvod info' shows them")
-          ->type_name("NAME ...")
-          ->excludes(all);
+  CLI::Option* all =
+      command.add_flag("--all-classes", options.allClasses, "All classes that the detector knows (the default)");
+  CLI::Option* classes = command
+                             .add_option("--class", options.classes,
+                                         "Only objects of these classes, spelled as 'tarnvod info' prints them")
+                             ->type_name("NAME")
+                             ->excludes(all);
   CLI::Option* region = addFourNumbers(command, "--roi", options.region,
                                        "Region of interest, four numbers in the service's box convention");
   return {camera, classes, all, region};

@@ -18,7 +18,7 @@ class Option;
 
 namespace tarn::command {
 
-/** Which cameras, and what of them. */
+/** Which cameras, and what of them; no cameras are all that the service has. */
 struct CameraOptions {
   std::vector<int> cameras;
   std::vector<std::string> classes;
@@ -28,8 +28,13 @@ struct CameraOptions {
   Request request() const;
 };
 
-/** Adds `--camera`, `--class`, `--all-classes` and `--roi`; returns them in this order. */
-std::array<CLI::Option*, 4> addCameraOptions(CLI::App& command, CameraOptions& options);
+/**
+ * Adds `--camera`, `--class`, `--all-classes` and `--roi`; returns them in this order.
+ *
+ * @param cameraName  `camera,--camera` where cameras may be named without the option as well
+ */
+std::array<CLI::Option*, 4> addCameraOptions(CLI::App& command, CameraOptions& options,
+                                             const std::string& cameraName = "--camera");
 
 }  // namespace tarn::command
 

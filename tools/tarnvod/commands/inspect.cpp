@@ -3,6 +3,7 @@
 
 #include "base/errors.h"
 #include "base/output.h"
+#include "base/report.h"
 #include "commands/subcommands.h"
 #include "recordings/recording_summary.h"
 
@@ -22,12 +23,16 @@ struct InspectOptions {
 
 int inspect(const InspectOptions& options) {
   const RecordingSummary summary = summarizeRecording(options.folder);
-  standardOutput().write(options.json ? indented(toJson(summary)) : summaryText(summary));
+  if (options.json) {
+    standardOutput().write(indented(toJson(summary)));
+  } else {
+    printReport(summaryText(summary));
+  }
   if (summary.damage.count() > 0) {
     const std::uint64_t others = summary.damage.count() - 1;
     throw Failure(vod::recording::toString(summary.damage.first().front()) +
                   (others > 0 ? " (and " + std::to_string(others) + " more)" : "") +
-                  "; what is listed is what could be read");
+                  "; the summary covers what could be read");
   }
   return success;
 }
@@ -37,7 +42,7 @@ int inspect(const InspectOptions& options) {
 Action defineInspect(CLI::App& command) {
   const auto options = std::make_shared<InspectOptions>();
   command.add_option("recording", options->folder, "The recording's folder")->type_name("DIR")->required();
-  command.add_flag("--json", options->json, "As one JSON object");
+  command.add_flag("--json", options->json, "Print one JSON object");
   return [options] { return inspect(*options); };
 }
 

@@ -47,7 +47,7 @@ class Recorder {
  public:
   explicit Recorder(const RecordOptions& options) : options_(options), bar_(options.limits) {
     checkHoldsNoRecording(options.folder);
-    checkCameraExists(options.camera, VOD::Handler::getNumberOfChannels());
+    checkCameraExists(options.camera, channelCount());
     subscription_.emplace(options.camera, scenes_);
     writer_.emplace(options.folder, subscription_->readDetectorInformation());
     subscription_->subscribe();
@@ -74,9 +74,9 @@ class Recorder {
   /** @throw Failure when the recording is not what it should be */
   void summarize() const {
     const double seconds = std::chrono::duration<double>(progress_.elapsed).count();
-    standardOutput().write("recorded " + counted(progress_.frames, "frame") + " of camera " +
-                           std::to_string(options_.camera) + " in " + fixed(seconds, 1) + " s, " +
-                           byteSize(progress_.bytes) + ", to " + options_.folder + '\n');
+    standardOutput().writeText("recorded " + counted(progress_.frames, "frame") + " of camera " +
+                               std::to_string(options_.camera) + " in " + fixed(seconds, 1) + " s, " +
+                               byteSize(progress_.bytes) + ", to " + options_.folder + '\n');
     if (scenes_->dropped() > 0) {
       throw Failure(options_.folder + ": " + counted(scenes_->dropped(), "frame") +
                     " missing; writing took too long, record to a faster disk");

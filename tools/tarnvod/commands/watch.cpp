@@ -32,7 +32,7 @@ class Watch {
   void run() {
     group_.connect();
     display_ = makeWatchDisplay(json_);
-    while (!isDone()) {
+    while (!isDone() && !isAskedToEnd()) {
       if (auto arrival = group_.next()) {
         show(*arrival);
       }
@@ -51,7 +51,7 @@ class Watch {
     }
     display_.reset();
     for (const WatchedCamera& camera : group_.cameras()) {
-      if (camera.statistics.frames() == 0 && !stopRequested()) {
+      if (camera.statistics.frames() == 0 && !wasAskedToEnd_) {
         throw Failure("camera " + std::to_string(camera.link.camera()) + ": no frame came" +
                       (camera.link.problem(Clock::now()).empty() ? "" : "; " + camera.link.problem(Clock::now())));
       }
@@ -63,8 +63,13 @@ class Watch {
     return limits_.frames && camera.statistics.frames() >= *limits_.frames;
   }
 
+  bool isAskedToEnd() {
+    wasAskedToEnd_ = stopRequested() || display_->endRequested();
+    return wasAskedToEnd_;
+  }
+
   bool isDone() const {
-    return stopRequested() || limits_.reachedBy(Clock::now() - start_) ||
+    return limits_.reachedBy(Clock::now() - start_) ||
            std::all_of(group_.cameras().begin(), group_.cameras().end(),
                        [this](const auto& camera) { return hasEnough(camera); });
   }
@@ -96,6 +101,7 @@ class Watch {
   std::unique_ptr<WatchDisplay> display_;
   const Clock::time_point start_ = Clock::now();
   Clock::duration elapsed_{0};
+  bool wasAskedToEnd_ = false;
 };
 
 int watch(const WatchOptions& options) {
@@ -109,10 +115,9 @@ int watch(const WatchOptions& options) {
 
 Action defineWatch(CLI::App& command) {
   const auto options = std::make_shared<WatchOptions>();
-  const auto [camera, classes, all, region] = addCameraOptions(command, options->cameras);
-  camera->required();
-  addLimits(command, options->limits, "End after so many frames of each camera");
-  command.add_flag("--json", options->json, "One JSON object a line for each frame");
+  addCameraOptions(command, options->cameras, "camera,--camera");
+  addLimits(command, options->limits, "End after N frames of each camera");
+  command.add_flag("--json", options->json, "Print each frame as a JSON object on a line");
   return [options] { return watch(*options); };
 }
 

@@ -3,6 +3,7 @@
 
 #include "commands/watch_display.h"
 
+#include "base/keyboard.h"
 #include "base/output.h"
 #include "base/terminal.h"
 #include "records/frame_text.h"
@@ -21,9 +22,14 @@ class LineDisplay : public WatchDisplay {
   explicit LineDisplay(bool json) : json_(json) {}
 
   void showFrame(const VOD::DetectionData& frame, int camera) override {
-    standardOutput().write(json_ ? oneLine(toJson(frame, camera)) : frameLine(frame, camera));
+    if (json_) {
+      standardOutput().write(oneLine(toJson(frame, camera)));
+    } else {
+      standardOutput().writeText(frameLine(frame, camera));
+    }
   }
   void tell(const std::string& news) override { tellUser("tarnvod: " + news); }
+  bool endRequested() override { return false; }
   void refresh(const WatchedCameras& /*cameras*/, Clock::time_point /*now*/) override {}
   void tellAtEnd(const std::string& line) override { tellUser("tarnvod: " + line); }
 
@@ -38,6 +44,7 @@ class TableDisplay : public WatchDisplay {
 
   void showFrame(const VOD::DetectionData& /*frame*/, int /*camera*/) override {}
   void tell(const std::string& /*news*/) override {}
+  bool endRequested() override { return keyboard_.wasPressed('q'); }
   void refresh(const WatchedCameras& cameras, Clock::time_point now) override {
     if (now - drawnAt_ >= redrawPeriod) {
       screen_->draw(watchTable(cameras, screen_->size(), now));
@@ -46,12 +53,13 @@ class TableDisplay : public WatchDisplay {
   }
   void tellAtEnd(const std::string& line) override {
     screen_.reset();
-    standardOutput().write(line + '\n');
+    standardOutput().writeText(line + '\n');
   }
 
  private:
   static constexpr std::chrono::milliseconds redrawPeriod{100};
 
+  Keyboard keyboard_;
   std::optional<Screen> screen_;
   Clock::time_point drawnAt_;
 };

@@ -18,6 +18,8 @@ class WatchDisplay {
   virtual void showFrame(const VOD::DetectionData& frame, int camera) = 0;
   /** A camera's frames stay away, or are back. */
   virtual void tell(const std::string& news) = 0;
+  /** Whether somebody has asked, at the display, for the end. */
+  virtual bool endRequested() = 0;
   /** Time has passed. */
   virtual void refresh(const WatchedCameras& cameras, Clock::time_point now) = 0;
   /** After the last frame: one line. */

@@ -82,10 +82,15 @@ Line headLine(const Columns& columns) {
            Style::Dim}};
 }
 
-/** The attributes, without their scores where there is no room for them. */
+/** As much of the attributes as there is room for: names, values and scores; names and values; values. */
 std::string fittingAttributes(const VOD::Data& detection, std::size_t columns) {
-  const std::string whole = attributesText(detection);
-  return displayWidth(whole) <= columns ? whole : attributesText(detection, Scores::LeftOut);
+  for (const auto detail : {AttributeDetail::Scores, AttributeDetail::Names}) {
+    const std::string text = attributesText(detection, detail);
+    if (displayWidth(text) <= columns) {
+      return text;
+    }
+  }
+  return attributesText(detection, AttributeDetail::Values);
 }
 
 Line objectLine(const VOD::Data& detection, const CameraStatistics& statistics, const Columns& columns) {
@@ -141,7 +146,7 @@ std::vector<Line> watchTable(const WatchedCameras& cameras, const TerminalSize& 
   const std::size_t fixedLines = titleLines + linesPerCamera * cameras.size();
   const std::size_t freeLines = size.rows > fixedLines ? size.rows - fixedLines : 0;
   const std::size_t rowsPerCamera = std::max<std::size_t>(1, freeLines / cameras.size());
-  std::vector<Line> lines{{{"tarnvod watch", Style::Bold}, {"   Ctrl-C ends", Style::Dim}}, {}};
+  std::vector<Line> lines{{{"tarnvod watch", Style::Bold}, {"   q or Ctrl-C ends", Style::Dim}}, {}};
   for (const WatchedCamera& camera : cameras) {
     lines.push_back(stateLine(camera, now));
     if (camera.statistics.latest() != nullptr) {

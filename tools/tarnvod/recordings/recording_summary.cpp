@@ -61,13 +61,29 @@ std::string withoutPrefix(const std::string& text, const std::string& prefix) {
   return text.compare(0, prefix.size(), prefix) == 0 ? text.substr(prefix.size()) : text;
 }
 
-/** The names of a recording's detector information, which is damage when it cannot be used. */
-SceneNames readNames(const std::filesystem::path& folder, DamageList& damage) {
+}  // namespace
+
+double RecordingSummary::rate() const {
+  return duration > 0 ? static_cast<double>(frames - 1) / duration : 0;
+}
+
+std::map<std::string, std::uint64_t> RecordingSummary::objectsByClass() const {
+  std::map<std::string, std::uint64_t> counts;
+  for (const auto& entry : detectionsByClass) {
+    counts[entry.first] = 0;  // an object counts for the class in which it was first seen
+  }
+  for (const auto& entry : objects) {
+    ++counts[entry.second.className];
+  }
+  return counts;
+}
+
+SceneNames readSceneNames(const std::filesystem::path& folder, DamageList& damage) {
   const std::string file = (folder / vod::recording::detectorInformationFileName).string();
   try {
     const std::string bytes = vod::recording::readDetectorInformation(folder);
     if (!::VOD::DetectorInformation().ParseFromString(bytes)) {
-      damage.add({file, 0, "this is no serialized VOD.DetectorInformation"});
+      damage.add({file, 0, "this is not a serialized VOD.DetectorInformation"});
     }
     return SceneNames(bytes);
   } catch (const vod::recording::RecordingError& error) {
@@ -76,24 +92,10 @@ SceneNames readNames(const std::filesystem::path& folder, DamageList& damage) {
   }
 }
 
-}  // namespace
-
-double RecordingSummary::rate() const {
-  return duration > 0 ? static_cast<double>(frames - 1) / duration : 0;
-}
-
-std::uint64_t RecordingSummary::objectsOfClass(const std::string& name) const {
-  std::uint64_t count = 0;
-  for (const auto& entry : objects) {
-    count += entry.second.className == name ? 1U : 0U;
-  }
-  return count;
-}
-
 RecordingSummary summarizeRecording(const std::filesystem::path& folder) {
   RecordingSummary summary;
   summary.folder = folder.string();
-  const SceneNames names = readNames(folder, summary.damage);
+  const SceneNames names = readSceneNames(folder, summary.damage);
   Summarizer summarizer(summary, names);
   const auto visit = [&summarizer](const ScannedScene& scanned) {
     summarizer.add(scanned);

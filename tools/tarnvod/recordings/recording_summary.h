@@ -42,12 +42,15 @@ struct RecordingSummary {
 
   /** Frames per second; 0 for less than two frames. */
   double rate() const;
-  std::uint64_t objectsOfClass(const std::string& name) const;
+  std::map<std::string, std::uint64_t> objectsByClass() const;
 };
+
+/** The names in a recording's detector information. What is missing or damaged there is added to `damage`. */
+SceneNames readSceneNames(const std::filesystem::path& folder, DamageList& damage);
 
 RecordingSummary summarizeRecording(const std::filesystem::path& folder);
 
-/** The summary for people: facts, a line for each object with its life as a bar, damage. */
+/** The summary for people: one value a line, damage, a line for each object with a bar of when it was seen. */
 std::string summaryText(const RecordingSummary& summary);
 
 Json toJson(const RecordingSummary& summary);

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "base/facts.h"
+#include "base/report.h"
 #include "base/text.h"
 #include "recordings/recording_summary.h"
 
@@ -15,18 +15,19 @@
 namespace tarn::command {
 namespace {
 
-constexpr std::size_t idColumns = 10;
-constexpr std::size_t classColumns = 14;
-constexpr std::size_t numberColumns = 9;
-constexpr std::size_t lifeColumns = 30;
+// Together 80 columns, with two spaces after the first and before the last.
+constexpr std::size_t idColumns = 8;
+constexpr std::size_t classColumns = 12;
+constexpr std::size_t numberColumns = 8;
+constexpr std::size_t barColumns = 24;
 
-/** The recording from left to right, drawn strong where the object was there. */
-std::string lifeBar(double from, double to, double duration) {
-  const double scale = duration > 0 ? static_cast<double>(lifeColumns) / duration : 0;
-  const auto begin = std::min(lifeColumns - 1, static_cast<std::size_t>(from * scale));
-  const auto end = std::clamp(static_cast<std::size_t>(std::ceil(to * scale)), begin + 1, lifeColumns);
+/** The recording from left to right, with a thick line while the object was seen. */
+std::string timeBar(double from, double to, double duration) {
+  const double scale = duration > 0 ? static_cast<double>(barColumns) / duration : 0;
+  const auto begin = std::min(barColumns - 1, static_cast<std::size_t>(from * scale));
+  const auto end = std::clamp(static_cast<std::size_t>(std::ceil(to * scale)), begin + 1, barColumns);
   std::string bar;
-  for (std::size_t column = 0; column < lifeColumns; ++column) {
+  for (std::size_t column = 0; column < barColumns; ++column) {
     bar += column >= begin && column < end ? "━" : "·";
   }
   return bar;
@@ -37,7 +38,7 @@ std::string objectLine(std::uint32_t id, const ObjectLife& life, const Recording
          fittedRight(fixed(life.first, 1), numberColumns) + fittedRight(fixed(life.last, 1), numberColumns) +
          fittedRight(fixed(life.last - life.first, 1), numberColumns) +
          fittedRight(std::to_string(life.frames), numberColumns) + "  " +
-         lifeBar(life.first, life.last, summary.duration);
+         timeBar(life.first, life.last, summary.duration);
 }
 
 std::string objectTable(const RecordingSummary& summary) {
@@ -46,7 +47,7 @@ std::string objectTable(const RecordingSummary& summary) {
                    [](const auto& left, const auto& right) { return left.second.first < right.second.first; });
   std::string table = '\n' + fittedRight("object", idColumns) + "  " + fitted("class", classColumns) +
                       fittedRight("from s", numberColumns) + fittedRight("to s", numberColumns) +
-                      fittedRight("lasts s", numberColumns) + fittedRight("frames", numberColumns) + "  life\n";
+                      fittedRight("for s", numberColumns) + fittedRight("frames", numberColumns) + "  seen\n";
   for (const auto& [id, life] : objects) {
     table += objectLine(id, life, summary) + '\n';
   }
@@ -54,10 +55,10 @@ std::string objectTable(const RecordingSummary& summary) {
 }
 
 std::vector<std::string> classLines(const RecordingSummary& summary) {
+  const auto objects = summary.objectsByClass();
   std::vector<std::string> lines;
   for (const auto& [name, detections] : summary.detectionsByClass) {
-    lines.push_back(columnOf(name) + counted(detections, "detection") + " of " +
-                    counted(summary.objectsOfClass(name), "object"));
+    lines.push_back(nameColumn(name) + counted(detections, "detection") + " of " + counted(objects.at(name), "object"));
   }
   return lines;
 }
@@ -77,14 +78,15 @@ std::vector<std::string> damageLines(const DamageList& damage) {
 
 std::string summaryText(const RecordingSummary& summary) {
   const std::string rate = summary.rate() > 0 ? ", " + fixed(summary.rate(), 1) + " per second" : "";
-  const std::string restarts =
-      summary.restarts > 0 ? ", time stamps start again " + counted(summary.restarts, "time") : "";
-  return fact("recording", printable(summary.folder)) + fact("duration", fixed(summary.duration, 1) + " s" + restarts) +
-         fact("frames", std::to_string(summary.frames) + rate) + fact("size of scenes", byteSize(summary.bytes)) +
-         facts("classes", classLines(summary)) + fact("objects", std::to_string(summary.objects.size())) +
-         fact("events",
-              std::to_string(summary.deleted) + " deleted, " + std::to_string(summary.connected) + " connected") +
-         facts("damage", damageLines(summary.damage)) + (summary.objects.empty() ? "" : objectTable(summary));
+  const std::string restarts = summary.restarts > 0 ? ", time stamps restart " + counted(summary.restarts, "time") : "";
+  return labelled("recording", printable(summary.folder)) +
+         labelled("duration", fixed(summary.duration, 1) + " s" + restarts) +
+         labelled("frames", std::to_string(summary.frames) + rate) +
+         labelled("size of scenes", byteSize(summary.bytes)) + labelledList("classes", classLines(summary)) +
+         labelled("objects", std::to_string(summary.objects.size())) +
+         labelled("events",
+                  std::to_string(summary.deleted) + " deleted, " + std::to_string(summary.connected) + " connected") +
+         labelledList("damage", damageLines(summary.damage)) + (summary.objects.empty() ? "" : objectTable(summary));
 }
 
 Json toJson(const RecordingSummary& summary) {

@@ -11,12 +11,13 @@
 namespace tarn::command {
 namespace {
 
-std::string attributeText(const VOD::Attribute& attribute, Scores scores) {
-  std::string text = printable(attribute.typeName);
-  if (attribute.className) {
-    text += ' ' + printable(*attribute.className);
+std::string attributeText(const VOD::Attribute& attribute, AttributeDetail detail) {
+  const std::string value = attribute.className ? printable(*attribute.className) : "";
+  if (detail == AttributeDetail::Values && !value.empty()) {
+    return value;
   }
-  if (attribute.score && scores == Scores::Shown) {
+  std::string text = printable(attribute.typeName) + (value.empty() ? "" : ' ' + value);
+  if (attribute.score && detail == AttributeDetail::Scores) {
     text += ' ' + std::to_string(*attribute.score);
   }
   return text;
@@ -42,7 +43,7 @@ std::string listed(const std::vector<Record>& records, const char* separator, Co
 }  // namespace
 
 std::string frameLine(const VOD::DetectionData& frame, int camera) {
-  std::string line = "camera " + std::to_string(camera) + "  " + std::to_string(frame.timestamp) + "  " +
+  std::string line = "camera " + std::to_string(camera) + "  " + clockText(frame.timestamp) + "  " +
                      counted(frame.detections.size(), "object");
   if (!frame.detections.empty()) {
     line += ": " + listed(frame.detections, "; ", detectionText);
@@ -61,9 +62,9 @@ std::string boxText(const VOD::Data& detection) {
   return joined(numbers, " ");
 }
 
-std::string attributesText(const VOD::Data& detection, Scores scores) {
+std::string attributesText(const VOD::Data& detection, AttributeDetail detail) {
   return listed(detection.attributes, ", ",
-                [scores](const VOD::Attribute& attribute) { return attributeText(attribute, scores); });
+                [detail](const VOD::Attribute& attribute) { return attributeText(attribute, detail); });
 }
 
 std::string eventText(const VOD::VodEvent& event) {

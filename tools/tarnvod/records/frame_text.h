@@ -16,10 +16,15 @@ std::string frameLine(const VOD::DetectionData& frame, int camera);
 /** The four numbers of the box, three digits after the point. */
 std::string boxText(const VOD::Data& detection);
 
-enum class Scores { Shown, LeftOut };
+/** How much of attributes is shown; each adds to the one before it. */
+enum class AttributeDetail {
+  Values,  ///< "red", or the attribute's name if it has no value
+  Names,   ///< "upper_clothing red"
+  Scores,  ///< "upper_clothing red 80"
+};
 
-/** The attributes with their values and scores: "upper_clothing red 80, hat 20". */
-std::string attributesText(const VOD::Data& detection, Scores scores = Scores::Shown);
+/** The attributes: "upper_clothing red 80, hat 20". */
+std::string attributesText(const VOD::Data& detection, AttributeDetail detail = AttributeDetail::Scores);
 
 /** What happened: "deleted 7", "connected 8 with 3, 5". */
 std::string eventText(const VOD::VodEvent& event);
