@@ -5,7 +5,11 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
+#include <limits>
+
+using testing::ContainsRegex;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
@@ -36,7 +40,7 @@ TEST_F(Render, DrawsTheTracksOfARecording) {
   EXPECT_THAT(picture(), HasSubstr("M172 508L181.6 508"));
 }
 
-TEST_F(Render, NeedsNothingBesideThePicture) {
+TEST_F(Render, NeedsNothingButThePicture) {
   render({recording});
 
   EXPECT_THAT(picture(), Not(HasSubstr("href")));
@@ -94,7 +98,7 @@ TEST_F(Render, PutsAnImageBehindTheBoxes) {
   EXPECT_THAT(picture(), HasSubstr("href=\"data:image/jpeg;base64,/9j/4CBhbmQgc28gb24=\""));
 }
 
-TEST_F(Render, OfAnImageThatIsNoneFails) {
+TEST_F(Render, OfAFileThatIsNotAnImageFails) {
   test::writeTo(folder / "image.jpg", "text");
   const test::Outcome outcome = render({recording, "--background", folder / "image.jpg"});
 
@@ -102,12 +106,12 @@ TEST_F(Render, OfAnImageThatIsNoneFails) {
   EXPECT_THAT(outcome.errors, HasSubstr("neither a PNG nor a JPEG"));
 }
 
-TEST_F(Render, OfAFrameThatIsNotThereTellsTheLast) {
+TEST_F(Render, OfAFrameThatDoesNotExistNamesTheLast) {
   const test::Outcome outcome = render({recording, "--frame", "21"});
 
   EXPECT_EQ(outcome.exitCode, 1);
   EXPECT_TRUE(test::isOneLine(outcome.errors));
-  EXPECT_THAT(outcome.errors, HasSubstr("there is no frame 21 to draw; the last one is 20"));
+  EXPECT_THAT(outcome.errors, HasSubstr("frame 21 does not exist; the last frame is 20"));
 }
 
 TEST_F(Render, OfADamagedRecordingDrawsWhatCanBeReadAndFails) {
@@ -122,6 +126,60 @@ TEST_F(Render, OfADamagedRecordingDrawsWhatCanBeReadAndFails) {
   EXPECT_THAT(picture(), HasSubstr("in 19 frames"));
 }
 
+TEST_F(Render, OfDamagedDetectorInformationDrawsWhatCanBeReadAndFails) {
+  const std::string bytes = test::contentsOf(recording / "detector-information.pb");
+  test::writeTo(recording / "detector-information.pb", bytes.substr(0, bytes.size() - 3));
+
+  const test::Outcome outcome = render({recording});
+
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_TRUE(test::isOneLine(outcome.errors));
+  EXPECT_THAT(outcome.errors, HasSubstr("detector-information.pb: offset 0: this is not a serialized"));
+  EXPECT_THAT(picture(), HasSubstr("2 objects in 20 frames"));
+}
+
+TEST_F(Render, WithADetectorFileThatIsSomethingElseFails) {
+  test::writeTo(folder / "text", "This is not a message.");
+
+  const test::Outcome outcome = render({recording, "--detector", folder / "text"});
+
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_TRUE(test::isOneLine(outcome.errors));
+  EXPECT_THAT(outcome.errors, HasSubstr("this is not detector information"));
+}
+
+TEST_F(Render, RefusesFilesThatMayNeverEnd) {
+  const std::string pipe = folder / "pipe";
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+
+  for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
+           {recording, "--background", "/dev/zero"}, {recording, "--detector", pipe}, {pipe}}) {
+    const test::Outcome outcome = render(arguments);
+
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_TRUE(test::isOneLine(outcome.errors));
+    EXPECT_THAT(outcome.errors, HasSubstr(": this is not a regular file; name "));
+  }
+}
+
+TEST_F(Render, LeavesOutBoxesWhoseNumbersAreNotFinite) {
+  auto scene = test::scene(0);
+  scene.mutable_detections(0)->set_coord_1(std::numeric_limits<float>::infinity());
+  scene.mutable_detections(1)->set_coord_4(std::numeric_limits<float>::quiet_NaN());
+  test::writeTo(folder / "frame.pb", scene.SerializeAsString());
+
+  EXPECT_EQ(render({folder / "frame.pb"}).exitCode, 0);
+
+  EXPECT_THAT(picture(), Not(ContainsRegex("\"-?(nan|inf)")));
+  EXPECT_THAT(picture(), HasSubstr("class 0 7, score 80"));
+}
+
+TEST_F(Render, OfAFrameSaysWhenItWasInMinutesAndSeconds) {
+  render({recording, "--frame", "3"});
+
+  EXPECT_THAT(picture(), HasSubstr("at 0:00.200, 2 objects"));
+}
+
 TEST_F(Render, OfAMissingFolderNamesIt) {
   const test::Outcome outcome = render({folder / "missing"});
 
@@ -130,12 +188,12 @@ TEST_F(Render, OfAMissingFolderNamesIt) {
   EXPECT_THAT(outcome.errors, HasSubstr((folder / "missing").string() + ": No such file or directory"));
 }
 
-TEST_F(Render, OfAFileThatIsNoSceneSaysSo) {
+TEST_F(Render, OfAFileThatIsNotASceneSaysSo) {
   test::writeTo(folder / "garbage", "\xFF\xFF\xFF");
   const test::Outcome outcome = render({folder / "garbage"});
 
   EXPECT_EQ(outcome.exitCode, 1);
-  EXPECT_THAT(outcome.errors, HasSubstr("garbage: this is no serialized VOD.Scene"));
+  EXPECT_THAT(outcome.errors, HasSubstr("garbage: this is not a serialized VOD.Scene"));
 }
 
 TEST_F(Render, ToAFullDiskFails) {

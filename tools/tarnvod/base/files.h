@@ -9,7 +9,11 @@
 
 namespace tarn::command {
 
-/** The bytes of a file. @throw Failure that names the file and says what it should be */
+/**
+ * The bytes of a regular file of at most 64 MB. Pipes and devices, which may never end, are refused.
+ *
+ * @throw Failure  that names the file and says what it should be
+ */
 std::string readFile(const std::string& path, const std::string& whatItShouldBe);
 
 /** Writes a whole file. @throw Failure that names it */

@@ -3,6 +3,8 @@
 
 #include "base/stop_signal.h"
 
+#include "base/errors.h"
+
 #include <csignal>
 #include <initializer_list>
 
@@ -29,6 +31,12 @@ void installStopSignals() {
 
 bool stopRequested() {
   return requested != 0;
+}
+
+void throwIfStopRequested() {
+  if (stopRequested()) {
+    throw Failure("stopped by a signal before the result was complete");
+  }
 }
 
 }  // namespace tarn::command

@@ -15,6 +15,9 @@ void installStopSignals();
 /** Whether the command has been asked to end. */
 bool stopRequested();
 
+/** For work whose result is useless before it is complete. @throw Failure  when the command has been asked to end */
+void throwIfStopRequested();
+
 }  // namespace tarn::command
 
 #endif

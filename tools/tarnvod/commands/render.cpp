@@ -7,6 +7,7 @@
 #include "base/text.h"
 #include "commands/subcommands.h"
 #include "drawing/drawing.h"
+#include "recordings/recording_summary.h"
 
 #include <CLI/CLI.hpp>
 
@@ -30,7 +31,6 @@ struct RenderOptions {
 };
 
 constexpr const char* sceneFile = "a recording's folder or a file with one serialized VOD.Scene";
-constexpr const char* detectorFile = "a detector-information file";
 
 std::string nameOfSource(const std::string& source) {
   const auto path = std::filesystem::path(source).lexically_normal();
@@ -59,17 +59,16 @@ class Renderer {
   const DamageList& damage() const { return damage_; }
 
  private:
-  SceneNames namesFor(const std::string& folder) const {
-    return SceneNames(options_.detector ? readFile(*options_.detector, detectorFile)
-                                        : vod::recording::readDetectorInformation(folder));
+  SceneNames namesFor(const std::string& folder) {
+    return options_.detector ? SceneNames(readDetectorBytes(*options_.detector)) : readSceneNames(folder, damage_);
   }
 
   svg::Drawing drawSceneFile(const std::string& file) const {
     ::VOD::Scene scene;
     if (!scene.ParseFromString(readFile(file, sceneFile))) {
-      throw Failure(file + ": this is no serialized VOD.Scene");
+      throw Failure(file + ": this is not a serialized VOD.Scene");
     }
-    const SceneNames names = options_.detector ? SceneNames(readFile(*options_.detector, detectorFile)) : SceneNames();
+    const SceneNames names = options_.detector ? SceneNames(readDetectorBytes(*options_.detector)) : SceneNames();
     return drawFrame(scene, names, nameOfSource(file), style_);
   }
 
@@ -86,7 +85,7 @@ class Renderer {
     };
     scanRecording(folder, visit, damage_);
     if (!drawing) {
-      throw Failure(folder + ": there is no frame " + std::to_string(*options_.frame) + " to draw; the last one is " +
+      throw Failure(folder + ": frame " + std::to_string(*options_.frame) + " does not exist; the last frame is " +
                     std::to_string(frames));
     }
     return *drawing;
@@ -119,16 +118,18 @@ Action defineRender(CLI::App& command) {
   const auto options = std::make_shared<RenderOptions>();
   command
       .add_option("source", options->sources,
-                  "Recordings' folders, or files with one serialized VOD.Scene; several are drawn one below the other")
+                  "Recordings' folders, or files with one serialized VOD.Scene each, drawn one below the other")
       ->type_name("DIR|FRAME ...")
       ->required();
-  command.add_option("--output", options->output, "The picture's file")->type_name("picture.svg")->required();
-  command.add_option("--frame", options->frame, "This frame of the recordings, counted from 1, instead of the tracks")
-      ->type_name("N")
-      ->check(CLI::PositiveNumber);
-  command.add_option("--detector", options->detector, "Detector-information file that names the classes")
+  command.add_option("--output", options->output, "File to write the picture to")->type_name("picture.svg")->required();
+  takesFrameNumbers(*command.add_option("--frame", options->frame,
+                                        "Draw frame N of the recordings, counted from 1, instead of the tracks"));
+  command
+      .add_option("--detector", options->detector,
+                  "Detector information with the names of classes and attributes; default: the recording's")
       ->type_name("FILE");
-  command.add_option("--background", options->background, "PNG or JPEG image behind the boxes")->type_name("FILE");
+  command.add_option("--background", options->background, "PNG or JPEG image to draw behind the boxes")
+      ->type_name("FILE");
   addAspect(command, options->aspect);
   options->boxes.addTo(command);
   return [options] { return render(*options); };

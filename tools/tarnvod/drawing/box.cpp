@@ -23,6 +23,10 @@ double positionBetween(float first, float second, float value) {
 
 }  // namespace
 
+bool Box::isFinite() const {
+  return std::isfinite(left) && std::isfinite(top) && std::isfinite(right) && std::isfinite(bottom);
+}
+
 Box BoxConvention::toPicture(const std::array<float, 4>& numbers) const {
   const bool isSize = form == Form::Size;
   const auto across = [this](float x) { return positionBetween(range[0], range[2], x); };

@@ -19,6 +19,9 @@ struct Box {
   double top = 0;
   double right = 0;
   double bottom = 0;
+
+  /** Whether all edges are numbers: a detector may send infinities and NaN, which have no place in a picture. */
+  bool isFinite() const;
 };
 
 /** What the four numbers of a box mean. They are the service's; the defaults are those of this project's recordings. */
@@ -34,7 +37,7 @@ struct BoxConvention {
 
   Box toPicture(const std::array<float, 4>& numbers) const;
 
-  /** Width by height of the range, if it is told in pixels; nothing for a range that is as wide as high. */
+  /** Width by height of the range, if it is in pixels; nothing for a range that is as wide as high. */
   std::optional<double> aspect() const;
 };
 

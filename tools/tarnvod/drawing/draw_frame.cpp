@@ -18,7 +18,7 @@ constexpr double chipSize = 12.5;
 constexpr double chipHeight = 18;
 constexpr double lineHeight = 17;
 
-/** Whole for an object that is tracked for sure, dashed for one that may not be, dotted for one that is only seen. */
+/** Solid for an object that is tracked with confidence, dashed for one tracked without, dotted for an untracked one. */
 std::string dashesOf(VOD::DetectionStatus status) {
   switch (status) {
     case VOD::DetectionStatus::TrackedConfident:
@@ -53,6 +53,9 @@ std::string drawChip(const std::string& name, const std::string& colour, const C
 std::string drawBox(const ::VOD::Detection& detection, const SceneNames& names, const Canvas& canvas,
                     const BoxConvention& boxes) {
   const Box box = boxes.toPicture({detection.coord_1(), detection.coord_2(), detection.coord_3(), detection.coord_4()});
+  if (!box.isFinite()) {
+    return {};
+  }
   const std::string colour = svg::colourOf(detection.object_id());
   const double left = canvas.x(box.left);
   const double top = canvas.y(box.top);
@@ -84,7 +87,7 @@ std::vector<std::string> attributeLines(const ::VOD::Detection& detection, const
   return lines;
 }
 
-/** The list beside the picture; tells what boxes have no room for. */
+/** The list to the right of the picture, with what has no room in the boxes. */
 svg::Drawing drawList(const ::VOD::Scene& scene, const SceneNames& names) {
   std::string content;
   double y = 0;
@@ -113,9 +116,9 @@ svg::Drawing drawList(const ::VOD::Scene& scene, const SceneNames& names) {
 svg::Drawing drawFrame(const ::VOD::Scene& scene, const SceneNames& names, const std::string& title,
                        const DrawingStyle& style) {
   const Canvas canvas = makeCanvas(style);
-  const std::string note = "time stamp " + std::to_string(scene.timestamp()) + ", " +
+  const std::string note = "at " + clockText(scene.timestamp()) + ", " +
                            counted(static_cast<std::uint64_t>(scene.detections_size()), "object") +
-                           ". Solid boxes are tracked with confidence, dashed ones without, dotted ones not at all.";
+                           ". Solid boxes: tracked with confidence; dashed: tracked; dotted: not tracked.";
   std::string boxes;
   for (const auto& detection : scene.detections()) {
     boxes += drawBox(detection, names, canvas, style.boxes);

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+#include "base/stop_signal.h"
 #include "base/text.h"
 #include "drawing/drawing.h"
 
@@ -110,7 +111,7 @@ class LabelPlacer {
  public:
   explicit LabelPlacer(const Canvas& canvas) : canvas_(canvas) {}
 
-  /** A label beside one of the points, the first that has room; nothing when there is none. */
+  /** A label next to one of the points, the first that has room; nothing when there is none. */
   std::string place(const std::vector<Point>& points, const std::string& label, const std::string& colour) {
     const double width = svg::textWidth(label, labelSize);
     for (const Point& point : points) {
@@ -150,6 +151,7 @@ std::string drawLabels(const Tracks& tracks, const Canvas& canvas) {
   LabelPlacer placer(canvas);
   std::string content;
   for (const Track& track : tracks.tracks) {
+    throwIfStopRequested();
     const std::vector<Point> candidates{footOf(track.points.back(), canvas), footOf(track.points.front(), canvas),
                                         footOf(track.points[track.points.size() / 2], canvas)};
     content += placer.place(candidates, std::to_string(track.objectId), svg::colourOf(track.objectId));
@@ -181,6 +183,7 @@ svg::Drawing drawTracks(const Tracks& tracks, const std::string& title, const Dr
   std::string lines;
   std::string ends;
   for (const Track& track : tracks.tracks) {
+    throwIfStopRequested();
     lines += drawStretches(track, canvas);
     ends += drawEnds(track, canvas);
   }

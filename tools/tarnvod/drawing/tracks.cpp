@@ -3,18 +3,7 @@
 
 #include "drawing/drawing.h"
 
-#include <algorithm>
-#include <cmath>
-
 namespace tarn::command {
-namespace {
-
-bool canBeDrawn(const Box& box) {
-  return std::isfinite(box.left) && std::isfinite(box.top) && std::isfinite(box.right) && std::isfinite(box.bottom);
-}
-
-}  // namespace
-
 Tracks collectTracks(const std::string& folder, const SceneNames& names, const BoxConvention& boxes,
                      DamageList& damage) {
   Tracks result;
@@ -27,7 +16,7 @@ Tracks collectTracks(const std::string& folder, const SceneNames& names, const B
     for (const auto& detection : scanned.scene.detections()) {
       const Box box =
           boxes.toPicture({detection.coord_1(), detection.coord_2(), detection.coord_3(), detection.coord_4()});
-      if (!canBeDrawn(box)) {
+      if (!box.isFinite()) {
         continue;
       }
       const auto [entry, isNew] = indexOf.try_emplace(detection.object_id(), result.tracks.size());

@@ -4,23 +4,13 @@
 #include "recordings/detector.h"
 
 #include "base/errors.h"
+#include "base/files.h"
 
 #include <tarnvod/detector_information_file_reader.h>
 #include <tarnvod/video_object_detection.pb.h>
 
-#include <fstream>
-
 namespace tarn::command {
 namespace {
-
-/** The library takes what it can get out of any bytes; a person who names the wrong file wants to know. */
-void checkIsDetectorInformation(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  ::VOD::DetectorInformation message;
-  if (!message.ParseFromIstream(&file) || message.object_classes().empty()) {
-    throw Failure(path + ": this is no detector information; name a file like a recording's detector-information.pb");
-  }
-}
 
 template <typename Key>
 std::string nameOrNumber(const std::map<Key, std::string>& names, const Key& key, const char* noun,
@@ -31,11 +21,21 @@ std::string nameOrNumber(const std::map<Key, std::string>& names, const Key& key
 
 }  // namespace
 
+/** The library accepts any bytes and uses what it can; a person who names the wrong file wants to know. */
+std::string readDetectorBytes(const std::string& path) {
+  std::string bytes = readFile(path, "a file such as a recording's detector-information.pb");
+  ::VOD::DetectorInformation message;
+  if (!message.ParseFromString(bytes) || message.object_classes().empty()) {
+    throw Failure(path + ": this is not detector information; name a file such as a recording's " +
+                  "detector-information.pb");
+  }
+  return bytes;
+}
+
 VOD::DetectorInformation readDetectorFile(const std::string& path) {
+  readDetectorBytes(path);
   try {
-    VOD::DetectorInformation detector = VOD::DetectorInformationFileReader(path).parseDetectorInformation();
-    checkIsDetectorInformation(path);
-    return detector;
+    return VOD::DetectorInformationFileReader(path).parseDetectorInformation();
   } catch (const char* problem) {
     throw Failure(path + ": " + problem);
   }

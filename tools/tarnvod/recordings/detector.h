@@ -13,7 +13,10 @@
 
 namespace tarn::command {
 
-/** @throw Failure when the file cannot be read or is no detector information */
+/** One serialized `VOD.DetectorInformation`. @throw Failure when the file cannot be read or is something else */
+std::string readDetectorBytes(const std::string& path);
+
+/** The same, as the library's model. @throw Failure as above */
 VOD::DetectorInformation readDetectorFile(const std::string& path);
 
 /** The names behind the ids of raw scenes, as the detector gives them; an unknown id is named "class 7". */

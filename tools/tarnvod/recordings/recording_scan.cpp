@@ -3,6 +3,8 @@
 
 #include "recordings/recording_scan.h"
 
+#include "base/stop_signal.h"
+
 #include <recording/recording_reader.h>
 
 #include <string>
@@ -36,6 +38,7 @@ void scanRecording(const std::filesystem::path& folder, const std::function<bool
   const std::string file = (folder / vod::recording::scenesFileName).string();
   ScannedScene scanned;
   while (true) {
+    throwIfStopRequested();
     auto next = reader.next();
     if (std::holds_alternative<EndOfRecording>(next)) {
       return;
@@ -49,7 +52,7 @@ void scanRecording(const std::filesystem::path& folder, const std::function<bool
     scanned.offset = recorded.offset;
     scanned.size = recorded.bytes.size();
     if (!scanned.scene.ParseFromString(recorded.bytes)) {
-      damage.add({file, recorded.offset, "frame " + std::to_string(scanned.number) + " is no serialized VOD.Scene"});
+      damage.add({file, recorded.offset, "frame " + std::to_string(scanned.number) + " is not a serialized VOD.Scene"});
     } else if (!visit(scanned)) {
       return;
     }
