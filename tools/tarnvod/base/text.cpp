@@ -3,10 +3,10 @@
 
 #include "base/text.h"
 
+#include <fmt/format.h>
+#include <utf8cpp/utf8.h>
+
 #include <algorithm>
-#include <array>
-#include <charconv>
-#include <cstdio>
 #include <cstdlib>
 #include <cwchar>
 
@@ -22,46 +22,16 @@ struct Character {
   bool valid = false;
 };
 
-std::size_t lengthOfSequence(unsigned char first) {
-  if (first < 0x80) {
-    return 1;
-  }
-  if (first >= 0xC2 && first < 0xE0) {
-    return 2;
-  }
-  if (first >= 0xE0 && first < 0xF0) {
-    return 3;
-  }
-  if (first >= 0xF0 && first < 0xF5) {
-    return 4;
-  }
-  return 0;
-}
-
-bool isOverlongOrSurrogate(char32_t codePoint, std::size_t length) {
-  constexpr std::array<char32_t, 5> smallest{0, 0, 0x80, 0x800, 0x10000};
-  return codePoint < smallest[length] || (codePoint >= 0xD800 && codePoint < 0xE000) || codePoint > 0x10FFFF;
-}
-
-/** The first character of a text that is not empty; one byte, not valid, where the text is not UTF-8. */
+/** The first character of a text that is not empty; one byte, not valid, where
+ * the text is not UTF-8. */
 Character firstCharacter(std::string_view text) {
-  const auto byteAt = [&](std::size_t index) { return static_cast<unsigned char>(text[index]); };
-  const Character invalid{text.substr(0, 1), 0, false};
-  const std::size_t length = lengthOfSequence(byteAt(0));
-  if (length == 0 || length > text.size()) {
-    return invalid;
+  const char* end = text.data();
+  try {
+    const char32_t codePoint = utf8::next(end, text.data() + text.size());
+    return {text.substr(0, static_cast<std::size_t>(end - text.data())), codePoint, true};
+  } catch (const utf8::exception&) {
+    return {text.substr(0, 1), 0, false};
   }
-  char32_t codePoint = length == 1 ? byteAt(0) : byteAt(0) & (0x7FU >> length);
-  for (std::size_t index = 1; index < length; ++index) {
-    if ((byteAt(index) & 0xC0) != 0x80) {
-      return invalid;
-    }
-    codePoint = codePoint << 6 | (byteAt(index) & 0x3FU);
-  }
-  if (isOverlongOrSurrogate(codePoint, length)) {
-    return invalid;
-  }
-  return {text.substr(0, length), codePoint, true};
 }
 
 bool isControl(char32_t codePoint) {
@@ -99,7 +69,8 @@ std::string printable(std::string_view text) {
 
 bool localeIsUtf8() {
   for (const char* const variable : {"LC_ALL", "LC_CTYPE", "LANG"}) {
-    const char* const locale = std::getenv(variable);  // NOLINT(concurrency-mt-unsafe): nobody changes the environment
+    const char* const locale = std::getenv(variable);  // NOLINT(concurrency-mt-unsafe): nobody changes
+                                                       // the environment
     if (locale != nullptr && *locale != '\0') {
       const std::string_view name(locale);
       const std::string_view set = name.substr(std::min(name.find('.'), name.size()));
@@ -186,43 +157,37 @@ std::string folded(std::string_view text, std::size_t columns, std::size_t inden
 }
 
 std::string fixed(double number, int digits) {
-  std::array<char, 400> buffer{};  // the greatest double has 309 digits
-  const int length = std::snprintf(buffer.data(), buffer.size(), "%.*f", digits, number);
-  return {buffer.data(), static_cast<std::size_t>(length)};
+  return fmt::format("{:.{}f}", number, digits);
 }
 
 std::string counted(std::uint64_t count, const std::string& noun) {
-  return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");
+  return fmt::format("{} {}{}", count, noun, count == 1 ? "" : "s");
 }
 
 std::string byteSize(std::uint64_t bytes) {
   const auto size = static_cast<double>(bytes);
   if (bytes < 1'000) {
-    return std::to_string(bytes) + " B";
+    return fmt::format("{} B", bytes);
   }
   if (bytes < 1'000'000) {
-    return fixed(size / 1e3, 1) + " kB";
+    return fmt::format("{:.1f} kB", size / 1e3);
   }
   if (bytes < 1'000'000'000) {
-    return fixed(size / 1e6, 1) + " MB";
+    return fmt::format("{:.1f} MB", size / 1e6);
   }
-  return fixed(size / 1e9, 1) + " GB";
+  return fmt::format("{:.1f} GB", size / 1e9);
 }
 
 std::string clockText(std::uint64_t microseconds) {
   const std::uint64_t milliseconds = microseconds / 1000;
   const std::uint64_t minutes = milliseconds / 60'000;
-  const auto twoDigits = [](std::uint64_t number) { return (number < 10 ? "0" : "") + std::to_string(number); };
-  const std::string seconds =
-      twoDigits(milliseconds / 1000 % 60) + '.' + std::to_string(1000 + milliseconds % 1000).substr(1);
-  return minutes < 60 ? std::to_string(minutes) + ':' + seconds
-                      : std::to_string(minutes / 60) + ':' + twoDigits(minutes % 60) + ':' + seconds;
+  const std::string seconds = fmt::format("{:02}.{:03}", milliseconds / 1000 % 60, milliseconds % 1000);
+  return minutes < 60 ? fmt::format("{}:{}", minutes, seconds)
+                      : fmt::format("{}:{:02}:{}", minutes / 60, minutes % 60, seconds);
 }
 
 std::string shortest(float number) {
-  std::array<char, 32> buffer{};
-  const auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number);
-  return {buffer.data(), end};
+  return fmt::format("{}", number);
 }
 
 }  // namespace tarn::command
