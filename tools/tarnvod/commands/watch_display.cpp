@@ -6,10 +6,8 @@
 #include "base/keyboard.h"
 #include "base/output.h"
 #include "base/terminal.h"
+#include "records/frame_json.h"
 #include "records/frame_text.h"
-#include "records/json.h"
-
-#include <nlohmann/json.hpp>
 
 #include <optional>
 
@@ -23,7 +21,7 @@ class LineDisplay : public WatchDisplay {
 
   void showFrame(const VOD::DetectionData& frame, int camera) override {
     if (json_) {
-      standardOutput().write(oneLine(toJson(frame, camera)));
+      standardOutput().write(frameJson(frame, camera) + '\n');
     } else {
       standardOutput().writeText(frameLine(frame, camera));
     }

@@ -4,59 +4,55 @@
 #include "records/json.h"
 
 #include "base/text.h"
+#include "detection-data/record_members.h"
+#include "detector-information/model_members.h"
 
 #include <nlohmann/json.hpp>
 
 #include <map>
 #include <optional>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
 namespace tarn::command {
 namespace {
 
-template <typename Value>
-Json orNull(const std::optional<Value>& value) {
-  return value ? Json(*value) : Json(nullptr);
-}
-
-template <typename Record, typename Convert>
-Json arrayOf(const std::vector<Record>& records, Convert convert) {
-  Json array = Json::array();
-  for (const Record& record : records) {
-    array.push_back(convert(record));
+/** What records hold, as JSON; static members of a class can call each other in any order. */
+struct Values {
+  template <typename Value>
+  static Json of(const Value& value) {
+    if constexpr (std::is_enum_v<Value>) {
+      return nameOf(value);
+    } else if constexpr (std::is_arithmetic_v<Value> || std::is_same_v<Value, std::string>) {
+      return value;
+    } else {
+      Json object = Json::object();
+      addMembers(object, value);
+      return object;
+    }
   }
-  return array;
-}
 
-Json attributeJson(const VOD::Attribute& attribute) {
-  return {
-      {"typeName", attribute.typeName}, {"className", orNull(attribute.className)}, {"score", orNull(attribute.score)}};
-}
+  template <typename Value>
+  static Json of(const std::optional<Value>& value) {
+    return value ? of(*value) : Json(nullptr);
+  }
 
-Json classificationJson(const VOD::Classification& classification) {
-  return {{"className", orNull(classification.className)}, {"score", orNull(classification.score)}};
-}
+  template <typename Value>
+  static Json of(const std::vector<Value>& values) {
+    Json array = Json::array();
+    for (const Value& value : values) {
+      array.push_back(of(value));
+    }
+    return array;
+  }
 
-Json detectionJson(const VOD::Data& detection) {
-  return {{"coord1", detection.coord1},
-          {"coord2", detection.coord2},
-          {"coord3", detection.coord3},
-          {"coord4", detection.coord4},
-          {"objectId", detection.objectId},
-          {"className", detection.className},
-          {"score", detection.score},
-          {"status", nameOf(detection.status)},
-          {"attributes", arrayOf(detection.attributes, attributeJson)},
-          {"classifications", arrayOf(detection.classifications, classificationJson)}};
-}
-
-Json calibrationJson(const VOD::Calibration& calibration) {
-  return {{"coefficientC", calibration.coefficientC},
-          {"coefficientA", calibration.coefficientA},
-          {"coefficientB", calibration.coefficientB}};
-}
+  template <typename Record>
+  static void addMembers(Json& object, const Record& record) {
+    VOD::visitMembers(record, [&object](const char* name, const auto& value) { object[name] = of(value); });
+  }
+};
 
 Json classIdsJson(const VOD::Classifications& classifications) {
   Json ids = Json::object();
@@ -89,13 +85,9 @@ Json supportedAttributesJson(const VOD::DetectorInformation& information) {
 Json calibrationsJson(const VOD::DetectorInformation& information) {
   Json calibrations = Json::object();
   for (const auto& [className, list] : information.getCalibrationsContainer()) {
-    calibrations[className] = arrayOf(list, calibrationJson);
+    calibrations[className] = Values::of(list);
   }
   return calibrations;
-}
-
-Json mountingJson(const std::optional<VOD::FishEyeMountingPosition>& position) {
-  return position ? Json(nameOf(*position)) : Json(nullptr);
 }
 
 /** JSON text, valid UTF-8, with the control characters escaped that JSON allows in strings: U+007F to U+009F. */
@@ -121,23 +113,20 @@ std::string withoutRawControls(std::string text) {
 }  // namespace
 
 Json toJson(const VOD::VodEvent& event) {
-  return {{"action", nameOf(event.action)},
-          {"objectId", event.objectId},
-          {"objectIds", arrayOf(event.objectIds, [](int id) { return Json(id); })}};
+  return Values::of(event);
 }
 
 Json toJson(const VOD::DetectionData& frame, int camera) {
-  return {{"camera", camera},
-          {"timestamp", frame.timestamp},
-          {"detections", arrayOf(frame.detections, detectionJson)},
-          {"events", arrayOf(frame.events, [](const VOD::VodEvent& event) { return toJson(event); })}};
+  Json object{{"camera", camera}};
+  Values::addMembers(object, frame);
+  return object;
 }
 
 Json toJson(const VOD::DetectorInformation& information) {
   return {{"camera", information.getCameraNbr()},
           {"computeChip", nameOf(information.getComputeChip())},
           {"rotation", information.getRotation()},
-          {"fishEyeMountingPosition", mountingJson(information.lookupFishEyeMountingPosition())},
+          {"fishEyeMountingPosition", Values::of(information.lookupFishEyeMountingPosition())},
           {"reidStatus", nameOf(information.getReidStatus())},
           {"classes", classIdsJson(information.getClassifications())},
           {"attributesPerClass", attributesPerClassJson(information.getObjectVariants())},
