@@ -8,14 +8,19 @@ if(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT TARNVOD_SANITIZE AND CMAKE_CXX_CO
   set(TARNVOD_OPTIMISED_TOGETHER -fno-semantic-interposition -flto=auto -ffat-lto-objects)
 endif()
 
-# tarnvod_footprint(LIBRARY SOURCE...): optimises the library's sources together, for size, but for speed these that run with
-# each frame. What it calls of itself it calls directly, not through the table by which a program could put its own functions
-# in between.
-function(tarnvod_footprint library)
+# tarnvod_footprint(OBJECTS SOURCE...): optimises objects of the library for size, but for speed these that run with each frame.
+function(tarnvod_footprint objects)
   if(TARNVOD_OPTIMISED_TOGETHER)
-    target_compile_options(${library} PRIVATE -Os ${TARNVOD_OPTIMISED_TOGETHER})
+    target_compile_options(${objects} PRIVATE -Os ${TARNVOD_OPTIMISED_TOGETHER})
     set_source_files_properties(${ARGN} PROPERTIES COMPILE_OPTIONS -O2)
-    target_link_options(${library} PRIVATE -flto=auto -flto-partition=none -fno-ipa-sra -fuse-linker-plugin
+  endif()
+endfunction()
+
+# tarnvod_link_footprint(LIBRARY): optimises the objects together. What the library calls of itself it calls directly, not through
+# the table by which a program could put its own functions in between.
+function(tarnvod_link_footprint library)
+  if(TARNVOD_OPTIMISED_TOGETHER)
+    target_link_options(${library} PRIVATE -Os -flto=auto -flto-partition=none -fno-ipa-sra -fuse-linker-plugin
       LINKER:--gc-sections LINKER:-Bsymbolic-functions)
   endif()
 endfunction()
