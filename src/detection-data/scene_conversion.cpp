@@ -5,6 +5,8 @@
 
 #include <tarnvod/video_object_detection.pb.h>
 
+#include <algorithm>
+#include <array>
 #include <optional>
 #include <string>
 #include <utility>
@@ -19,23 +21,41 @@ const std::string* findName(const std::shared_ptr<const Table>& table, const Id&
   return table ? table->find(id) : nullptr;
 }
 
-/** Makes room for all that may come, once, and only when the first record is kept. */
-template <typename Records>
-void reserveOnce(Records& records, int most) {
-  if (records.empty()) {
-    records.reserve(static_cast<std::size_t>(most));
+/**
+ * Looks each message's name up and then calls `convert(message, name)` for each message, null for one without a name. In
+ * between it makes room in `records` for those with a name, and no more: an application may queue what it gets.
+ */
+template <typename Record, typename Messages, typename Find, typename Convert>
+void convertNamed(const Messages& messages, std::vector<Record>& records, const Find& find, const Convert& convert) {
+  constexpr int mostRemembered = 16;  // names that are not remembered are looked up again
+  std::array<const std::string*, mostRemembered> remembered;
+  std::size_t named = 0;
+  for (int i = 0; i < messages.size(); ++i) {
+    const std::string* const name = find(messages[i]);
+    named += name != nullptr ? 1 : 0;
+    if (i < mostRemembered) {
+      remembered[static_cast<std::size_t>(i)] = name;
+    }
+  }
+  records.reserve(named);
+  for (int i = 0; i < messages.size(); ++i) {
+    convert(messages[i], i < mostRemembered ? remembered[static_cast<std::size_t>(i)] : find(messages[i]));
   }
 }
 
+bool isKnown(::VOD::EventAction action) {
+  return action == ::VOD::EVENT_DELETE || action == ::VOD::EVENT_CONNECT;
+}
+
 std::vector<VodEvent> convertEvents(const ::VOD::Scene& scene) {
+  const auto isKept = [](const ::VOD::Event& event) { return isKnown(event.action()); };
   std::vector<VodEvent> events;
+  events.reserve(static_cast<std::size_t>(std::count_if(scene.events().begin(), scene.events().end(), isKept)));
   for (const ::VOD::Event& event : scene.events()) {
-    if (event.action() != ::VOD::EVENT_DELETE && event.action() != ::VOD::EVENT_CONNECT) {
-      continue;
+    if (isKept(event)) {
+      events.emplace_back(static_cast<EventAction>(event.action()), event.object_id(),
+                          std::vector<int>(event.object_ids().begin(), event.object_ids().end()));
     }
-    reserveOnce(events, scene.events_size());
-    events.emplace_back(static_cast<EventAction>(event.action()), event.object_id(),
-                        std::vector<int>(event.object_ids().begin(), event.object_ids().end()));
   }
   return events;
 }
@@ -53,34 +73,40 @@ std::optional<std::uint32_t> scoreOf(const ::VOD::Attribute& attribute) {
 
 void convertAttributes(const ::VOD::Detection& detection, const SceneNames& names,
                        MissingAttributeType missingAttributeType, std::vector<Attribute>& attributes) {
-  for (const ::VOD::Attribute& attribute : detection.attributes()) {
-    const std::string* const typeName = findName(names.attributeTypes, attribute.type());
-    if (typeName == nullptr) {
-      missingAttributeType(attribute.type());
-      continue;
-    }
-    reserveOnce(attributes, detection.attributes_size());
-    Attribute& record = attributes.emplace_back(*typeName, std::nullopt, scoreOf(attribute));
-    if (const std::string* const valueName = findValueName(attribute, names)) {
-      record.className = *valueName;
-    }
-  }
+  const auto findType = [&](const ::VOD::Attribute& attribute) {
+    return findName(names.attributeTypes, attribute.type());
+  };
+  convertNamed(detection.attributes(), attributes, findType,
+               [&](const ::VOD::Attribute& attribute, const std::string* typeName) {
+                 if (typeName == nullptr) {
+                   missingAttributeType(attribute.type());
+                   return;
+                 }
+                 Attribute& record = attributes.emplace_back(*typeName, std::nullopt, scoreOf(attribute));
+                 if (const std::string* const valueName = findValueName(attribute, names)) {
+                   record.className = *valueName;
+                 }
+               });
+}
+
+/** The class's name; null when the classification is not delivered. */
+const std::string* findClassName(const ::VOD::Classification& classification, const SceneNames& names) {
+  const bool isComplete = classification.has_class_case() != ::VOD::Classification::HAS_CLASS_NOT_SET &&
+                          classification.has_score_case() != ::VOD::Classification::HAS_SCORE_NOT_SET;
+  return isComplete ? findName(names.classes, static_cast<std::int32_t>(classification.class_())) : nullptr;
 }
 
 void convertClassifications(const ::VOD::Detection& detection, const SceneNames& names,
                             std::vector<Classification>& classifications) {
-  for (const ::VOD::Classification& classification : detection.classifications()) {
-    if (classification.has_class_case() == ::VOD::Classification::HAS_CLASS_NOT_SET ||
-        classification.has_score_case() == ::VOD::Classification::HAS_SCORE_NOT_SET) {
-      continue;
-    }
-    const std::string* const className = findName(names.classes, static_cast<std::int32_t>(classification.class_()));
-    if (className == nullptr) {
-      continue;
-    }
-    reserveOnce(classifications, detection.classifications_size());
-    classifications.emplace_back(std::nullopt, classification.score()).className = *className;
-  }
+  const auto findClass = [&](const ::VOD::Classification& classification) {
+    return findClassName(classification, names);
+  };
+  convertNamed(detection.classifications(), classifications, findClass,
+               [&](const ::VOD::Classification& classification, const std::string* className) {
+                 if (className != nullptr) {
+                   classifications.emplace_back(std::nullopt, classification.score()).className = *className;
+                 }
+               });
 }
 
 DetectionStatus convertStatus(::VOD::Detection_DetectionStatus status) {
@@ -97,19 +123,21 @@ DetectionStatus convertStatus(::VOD::Detection_DetectionStatus status) {
 std::vector<Data> convertDetections(const ::VOD::Scene& scene, const SceneNames& names,
                                     MissingAttributeType missingAttributeType) {
   std::vector<Data> detections;
-  for (const ::VOD::Detection& detection : scene.detections()) {
-    const std::string* const className = findName(names.classes, static_cast<std::int32_t>(detection.class_id()));
-    if (className == nullptr) {
-      continue;
-    }
-    reserveOnce(detections, scene.detections_size());
-    Data& record =
-        detections.emplace_back(detection.coord_1(), detection.coord_2(), detection.coord_3(), detection.coord_4(),
-                                detection.object_id(), *className, detection.score(), convertStatus(detection.status()),
-                                std::vector<Attribute>(), std::vector<Classification>());
-    convertAttributes(detection, names, missingAttributeType, record.attributes);
-    convertClassifications(detection, names, record.classifications);
-  }
+  const auto findClass = [&](const ::VOD::Detection& detection) {
+    return findName(names.classes, static_cast<std::int32_t>(detection.class_id()));
+  };
+  convertNamed(scene.detections(), detections, findClass,
+               [&](const ::VOD::Detection& detection, const std::string* className) {
+                 if (className == nullptr) {
+                   return;
+                 }
+                 Data& record = detections.emplace_back(detection.coord_1(), detection.coord_2(), detection.coord_3(),
+                                                        detection.coord_4(), detection.object_id(), *className,
+                                                        detection.score(), convertStatus(detection.status()),
+                                                        std::vector<Attribute>(), std::vector<Classification>());
+                 convertAttributes(detection, names, missingAttributeType, record.attributes);
+                 convertClassifications(detection, names, record.classifications);
+               });
   return detections;
 }
 

@@ -1,0 +1,131 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#include "detection-data/scene_conversion.h"
+
+#include <gtest/gtest.h>
+#include <tarnvod/video_object_detection.pb.h>
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace tarn::VOD {
+namespace {
+
+constexpr std::uint32_t known = 1;
+constexpr std::uint32_t unknown = 2;
+
+std::vector<std::uint32_t> missingTypes;
+
+/** Scenes of which the library knows one class and one attribute type. */
+class AScene : public testing::Test {
+ protected:
+  AScene() { missingTypes.clear(); }
+
+  std::unique_ptr<DetectionData> converted() const {
+    SceneNames names;
+    names.classes = std::make_shared<const ClassNames>(std::map<std::int32_t, std::string>{{known, "human"}});
+    names.attributeTypes =
+        std::make_shared<const AttributeTypeNames>(std::map<std::uint32_t, std::string>{{known, "colour"}});
+    return convertScene(scene_, names, [](std::uint32_t type) { missingTypes.push_back(type); });
+  }
+
+  ::VOD::Detection& addDetection(std::uint32_t classId) {
+    ::VOD::Detection& detection = *scene_.add_detections();
+    detection.set_class_id(classId);
+    return detection;
+  }
+
+  static void addClassification(::VOD::Detection& detection, std::uint32_t classId) {
+    ::VOD::Classification& classification = *detection.add_classifications();
+    classification.set_class_(classId);
+    classification.set_score(1);
+  }
+
+  ::VOD::Scene scene_;
+};
+
+TEST_F(AScene, OfWhichOneDetectionIsDeliveredLeavesNoRoomForTheOthers) {
+  addDetection(unknown);
+  addDetection(known);
+  for (int i = 2; i < 1000; ++i) {
+    addDetection(unknown);
+  }
+  const auto record = converted();
+  EXPECT_EQ(record->detections.size(), 1U);
+  EXPECT_EQ(record->detections.capacity(), 1U);
+}
+
+TEST_F(AScene, OfWhichNoDetectionIsDeliveredLeavesNoRoom) {
+  addDetection(unknown);
+  EXPECT_EQ(converted()->detections.capacity(), 0U);
+}
+
+TEST_F(AScene, LeavesNoRoomForWhatIsDroppedOfADetection) {
+  ::VOD::Detection& detection = addDetection(known);
+  for (const std::uint32_t id : {known, unknown, unknown, known, unknown}) {
+    detection.add_attributes()->set_type(id);
+    addClassification(detection, id);
+  }
+  const auto record = converted();
+  EXPECT_EQ(record->detections[0].attributes.size(), 2U);
+  EXPECT_EQ(record->detections[0].attributes.capacity(), 2U);
+  EXPECT_EQ(record->detections[0].classifications.size(), 2U);
+  EXPECT_EQ(record->detections[0].classifications.capacity(), 2U);
+}
+
+TEST_F(AScene, LeavesNoRoomForEventsOfAnUnknownAction) {
+  for (const int action : {2, 1, -1, 0, 2}) {
+    scene_.add_events()->set_action(static_cast<::VOD::EventAction>(action));
+  }
+  const auto record = converted();
+  EXPECT_EQ(record->events.size(), 2U);
+  EXPECT_EQ(record->events.capacity(), 2U);
+}
+
+TEST_F(AScene, WithManyDetectionsAttributesAndClassificationsKeepsTheirOrder) {
+  constexpr std::uint32_t many = 50;
+  for (std::uint32_t i = 0; i < many; ++i) {
+    ::VOD::Detection& detection = addDetection(i % 3 == 0 ? unknown : known);
+    detection.set_object_id(i);
+    ::VOD::Attribute& attribute = *scene_.mutable_detections(1 < scene_.detections_size() ? 1 : 0)->add_attributes();
+    attribute.set_type(i % 2 == 0 ? unknown : known);
+    attribute.set_score(i);
+  }
+  const auto record = converted();
+  std::vector<std::uint32_t> objects;
+  for (const Data& data : record->detections) {
+    objects.push_back(data.objectId);
+  }
+  std::vector<std::uint32_t> expectedObjects;
+  std::vector<std::uint32_t> expectedScores;
+  for (std::uint32_t i = 0; i < many; ++i) {
+    if (i % 3 != 0) {
+      expectedObjects.push_back(i);
+    }
+    if (i % 2 != 0) {
+      expectedScores.push_back(i);
+    }
+  }
+  std::vector<std::uint32_t> scores;
+  for (const Attribute& attribute : record->detections[0].attributes) {
+    scores.push_back(attribute.score.value());
+  }
+  EXPECT_EQ(objects, expectedObjects);
+  EXPECT_EQ(scores, expectedScores);
+}
+
+TEST_F(AScene, ReportsEachAttributeOfAnUnknownTypeOnce) {
+  ::VOD::Detection& detection = addDetection(known);
+  constexpr std::size_t many = 40;
+  for (std::size_t i = 0; i < many; ++i) {
+    detection.add_attributes()->set_type(unknown);
+  }
+  EXPECT_TRUE(converted()->detections[0].attributes.empty());
+  EXPECT_EQ(missingTypes, std::vector<std::uint32_t>(many, unknown));
+}
+
+}  // namespace
+}  // namespace tarn::VOD
