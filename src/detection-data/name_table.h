@@ -15,10 +15,12 @@
 namespace tarn::VOD {
 
 /**
- * Names by id, in ascending order of the ids: made once, then only read. As a frame makes hundreds of look-ups, these
- * go by hash: open addressing, load factor at most 1/2. Ids that were chosen to collide are looked up by binary search
- * instead, so that neither making the table nor a look-up degrades. `Id` converts to `std::uint64_t`, no two to the
+ * Names by id, in ascending order of the ids: made once, then only read. `Id` converts to `std::uint64_t`, no two to the
  * same.
+ *
+ * As a frame makes hundreds of look-ups, these go by hash: open addressing, load factor at most 1/2. No look-up visits
+ * more than `mostProbes` slots, whatever ids the service chooses: a table in which an id would be further from its place
+ * is searched by bisection.
  */
 template <typename Id>
 class NameTable {
@@ -29,16 +31,13 @@ class NameTable {
     while (names.size() * 2 > std::uint64_t{1} << (64U - shift_)) {
       --shift_;
     }
-    slots_.resize(std::size_t{1} << (64U - shift_));
+    slots_.resize((std::size_t{1} << (64U - shift_)) + mostProbes);
     ids_.reserve(names.size());
     names_.reserve(names.size());
     for (auto& [id, name] : names) {
       ids_.push_back(id);
       names_.push_back(std::move(name));
-      idsCollide_ = idsCollide_ || !insert(id, names_.back());
-    }
-    if (idsCollide_) {
-      std::fill(slots_.begin(), slots_.end(), Slot());  // so that each look-up misses at once
+      isHashed_ = isHashed_ && insert(id, names_.back());
     }
   }
 
@@ -48,12 +47,13 @@ class NameTable {
   /** The name of an id, or null; valid while the table lives. */
   const std::string* find(const Id& id) const {
     const auto key = static_cast<std::uint64_t>(id);
-    std::size_t slot = firstSlot(key);
-    while (slots_[slot].key != key && slots_[slot].name != nullptr) {
-      slot = (slot + 1) % slots_.size();
+    const Slot* slot = &slots_[firstSlot(key)];
+    for (const Slot* const end = slot + mostProbes; slot != end && slot->name != nullptr; ++slot) {
+      if (slot->key == key) {
+        return slot->name;
+      }
     }
-    const std::string* const name = slots_[slot].name;
-    return name == nullptr && idsCollide_ ? findInOrder(id) : name;
+    return isHashed_ ? nullptr : bisect(id);
   }
 
   std::size_t size() const { return ids_.size(); }
@@ -66,26 +66,24 @@ class NameTable {
     const std::string* name = nullptr;
   };
 
-  /** More steps than ids meet that were not chosen to collide. */
-  static constexpr int mostSteps = 64;
+  static constexpr std::size_t mostProbes = 16;
 
-  /** False when the id's place is too far from its first slot. */
+  /** False when there is no free slot near the id's place. */
   bool insert(const Id& id, const std::string& name) {
     const auto key = static_cast<std::uint64_t>(id);
-    std::size_t slot = firstSlot(key);
-    for (int steps = 0; slots_[slot].name != nullptr; ++steps) {
-      if (steps == mostSteps) {
-        return false;
-      }
-      slot = (slot + 1) % slots_.size();
+    const auto first = slots_.begin() + static_cast<std::ptrdiff_t>(firstSlot(key));
+    const auto last = first + mostProbes;
+    const auto free = std::find_if(first, last, [](const Slot& slot) { return slot.name == nullptr; });
+    if (free == last) {
+      return false;
     }
-    slots_[slot] = {key, &name};
+    *free = {key, &name};
     return true;
   }
 
-  const std::string* findInOrder(const Id& id) const {
+  const std::string* bisect(const Id& id) const {
     const auto found = std::lower_bound(ids_.begin(), ids_.end(), id);
-    return found == ids_.end() || id < *found ? nullptr : &names_[static_cast<std::size_t>(found - ids_.begin())];
+    return found != ids_.end() && !(id < *found) ? &names_[static_cast<std::size_t>(found - ids_.begin())] : nullptr;
   }
 
   /** Multiplying by the golden ratio spreads ids that follow each other. */
@@ -95,9 +93,9 @@ class NameTable {
 
   std::vector<Id> ids_;
   std::vector<std::string> names_;
-  std::vector<Slot> slots_;
+  std::vector<Slot> slots_;  ///< those after the last place take what finds no room before them
   unsigned shift_ = 63;
-  bool idsCollide_ = false;
+  bool isHashed_ = true;
 };
 
 }  // namespace tarn::VOD

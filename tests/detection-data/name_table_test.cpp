@@ -7,6 +7,7 @@
 
 #include <map>
 #include <string>
+#include <utility>
 
 namespace tarn::VOD {
 namespace {
@@ -51,6 +52,32 @@ TEST_P(ANameTable, FindsEveryNameAndNoneForOtherIds) {
 INSTANTIATE_TEST_SUITE_P(OfAnyIdsAlsoThoseChosenToCollide, ANameTable,
                          testing::Values(1U, 0x10001U, std::uint64_t{1} << 32U, inverseOfMultiplier(),
                                          inverseOfMultiplier() * 3));
+
+// Were each look-up to visit the ids in a row, this would exceed the time limit of CTest.
+TEST(ATableWhoseIdsTakeManySlotsInARow, FindsNoOtherIdOfTheFirstSlot) {
+  constexpr std::uint64_t count = std::uint64_t{1} << 18U;
+  constexpr unsigned shift = 64 - 19;  // of a table with twice as many slots
+  std::map<std::uint64_t, std::string> names;
+  for (std::uint64_t slot = 0; slot < count; ++slot) {
+    names[(slot << shift) * inverseOfMultiplier()] = std::to_string(slot);
+  }
+  const NameTable<std::uint64_t> table(std::move(names));
+  for (std::uint64_t number = 1; number <= count; ++number) {
+    ASSERT_EQ(table.find(number * inverseOfMultiplier()), nullptr);
+  }
+}
+
+TEST(ATableOfAFewCollidingIds, FindsEachOfThem) {
+  for (std::uint64_t count = 1; count <= 40; ++count) {
+    const NameTable<std::uint64_t> table(namesOf(count, inverseOfMultiplier()));
+    for (std::uint64_t number = 1; number <= count; ++number) {
+      const std::string* const name = table.find(number * inverseOfMultiplier());
+      ASSERT_NE(name, nullptr) << number;
+      EXPECT_EQ(*name, std::to_string(number));
+    }
+    EXPECT_EQ(table.find((count + 1) * inverseOfMultiplier()), nullptr);
+  }
+}
 
 }  // namespace
 }  // namespace tarn::VOD
