@@ -22,18 +22,6 @@ std::vector<std::string> valueNamesOf(const ::VOD::AttributeType& type) {
   return names;
 }
 
-/** The types in order of their names; those that share a name, in the service's order. */
-std::vector<const ::VOD::AttributeType*> typesByName(const ::VOD::DetectorInformation& message) {
-  std::vector<const ::VOD::AttributeType*> types;
-  types.reserve(static_cast<std::size_t>(message.attribute_types_size()));
-  for (const auto& type : message.attribute_types()) {
-    types.push_back(&type);
-  }
-  std::stable_sort(types.begin(), types.end(),
-                   [](const auto* left, const auto* right) { return left->name() < right->name(); });
-  return types;
-}
-
 /** Marks an item as seen by a class; false if it already was. */
 bool markFirst(std::size_t& mark, std::size_t classNumber) {
   return std::exchange(mark, classNumber) != classNumber;
@@ -41,26 +29,32 @@ bool markFirst(std::size_t& mark, std::size_t classNumber) {
 
 }  // namespace
 
+bool AttributeTypeIndex::byName(const Entry& left, const Entry& right) {
+  return left.type->name() < right.type->name();
+}
+
+/** Of types that share both, the last in the message comes first. */
+bool AttributeTypeIndex::byIdAndName(const Entry& left, const Entry& right) {
+  return std::tie(left.id, left.nameNumber, right.place) < std::tie(right.id, right.nameNumber, left.place);
+}
+
 AttributeTypeIndex::AttributeTypeIndex(const ::VOD::DetectorInformation& message) {
-  std::size_t nameNumber = 0;
-  const std::string* previousName = nullptr;
-  for (const ::VOD::AttributeType* type : typesByName(message)) {
-    if (previousName != nullptr && *previousName != type->name()) {
-      ++nameNumber;
-    }
-    previousName = &type->name();
-    entries_.push_back({type->id(), nameNumber, type});
+  entries_.reserve(static_cast<std::size_t>(message.attribute_types_size()));
+  for (int place = 0; place < message.attribute_types_size(); ++place) {
+    const ::VOD::AttributeType& type = message.attribute_types(place);
+    entries_.push_back({type.id(), place, 0, &type});
   }
-  // Backwards, so that of types that share id and name the last comes first, and is the one that `unique` keeps.
-  std::reverse(entries_.begin(), entries_.end());
-  const auto key = [](const Entry& entry) { return std::pair(entry.id, entry.nameNumber); };
-  std::stable_sort(entries_.begin(), entries_.end(),
-                   [&](const Entry& left, const Entry& right) { return key(left) < key(right); });
-  entries_.erase(std::unique(entries_.begin(), entries_.end(),
-                             [&](const Entry& left, const Entry& right) { return key(left) == key(right); }),
-                 entries_.end());
+  std::sort(entries_.begin(), entries_.end(), &byName);
+  for (std::size_t i = 1; i < entries_.size(); ++i) {
+    entries_[i].nameNumber = entries_[i - 1].nameNumber + (byName(entries_[i - 1], entries_[i]) ? 1 : 0);
+  }
+  classOfName_.resize(entries_.size());
+  std::sort(entries_.begin(), entries_.end(), &byIdAndName);
+  const auto shareIdAndName = [](const Entry& left, const Entry& right) {
+    return left.id == right.id && left.nameNumber == right.nameNumber;
+  };
+  entries_.erase(std::unique(entries_.begin(), entries_.end(), shareIdAndName), entries_.end());
   classOfId_.resize(entries_.size());
-  classOfName_.resize(nameNumber + 1);
 }
 
 ObjectSchema AttributeTypeIndex::schemaOf(const ::VOD::ObjectClass& objectClass) {

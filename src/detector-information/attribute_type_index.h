@@ -33,12 +33,16 @@ class AttributeTypeIndex {
   ObjectSchema schemaOf(const ::VOD::ObjectClass& objectClass);
 
  private:
-  /** One type; `nameNumber` is the same for types of the same name. */
+  /** One type, with its place in the message; `nameNumber` is the same for types of the same name. */
   struct Entry {
     std::uint32_t id;
+    int place;
     std::size_t nameNumber;
     const ::VOD::AttributeType* type;
   };
+
+  static bool byName(const Entry& left, const Entry& right);
+  static bool byIdAndName(const Entry& left, const Entry& right);
 
   std::vector<Entry> entries_;  ///< by id, then name; of types that share both, only the last
   // The number of the last class, counted by `classesSeen_`, that referred to an id (at the id's first entry) or that
