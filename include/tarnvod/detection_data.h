@@ -9,6 +9,11 @@
  * any time. Ids of classes and attributes have been replaced by the names that the detector gives them. Records compare
  * member by member and print on one line. As with any value, one object may be read from several threads at once while
  * none writes to it.
+ *
+ * A record takes the memory of what it holds, no more. Its size depends on the frame and on the detector's names, whose
+ * length the library does not limit: it holds at most one name for every two bytes of the frame, so that long names can
+ * make a small frame large. An application that does not trust the service looks at the names before it sets a camera up
+ * (`Handler::getDetectorInformation`).
  */
 
 #ifndef TARNVOD_DETECTION_DATA_H

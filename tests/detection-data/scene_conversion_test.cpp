@@ -127,5 +127,34 @@ TEST_F(AScene, ReportsEachAttributeOfAnUnknownTypeOnce) {
   EXPECT_EQ(missingTypes, std::vector<std::uint32_t>(many, unknown));
 }
 
+/** Ids of 0 are not written, so these are the smallest messages that become records with a name. */
+TEST(AFrameOfTheSmallestMessages, HoldsANameForEveryTwoBytes) {
+  SceneNames names;
+  names.classes = std::make_shared<const ClassNames>(std::map<std::int32_t, std::string>{{0, "human"}});
+  names.attributeTypes =
+      std::make_shared<const AttributeTypeNames>(std::map<std::uint32_t, std::string>{{0, "colour"}});
+  constexpr std::size_t many = 100;
+  ::VOD::Scene scene;
+  for (std::size_t i = 0; i < many; ++i) {
+    scene.add_detections();
+  }
+  for (std::size_t i = 0; i < many; ++i) {
+    scene.mutable_detections(0)->add_attributes();
+  }
+  constexpr std::size_t lengthOfTheFirst = 2;  // as it is longer than 127 bytes
+  const auto record = convertScene(scene, names, [](std::uint32_t /*type*/) {});
+  EXPECT_EQ(record->detections.size() + record->detections[0].attributes.size(), 2 * many);
+  EXPECT_EQ(scene.ByteSizeLong(), 2 * (2 * many) + lengthOfTheFirst - 1);
+}
+
+#ifdef __x86_64__
+TEST(ARecord, TakesAtMostFiftySixBytesForEachByteOfItsFrame) {
+  EXPECT_LE(sizeof(Data), 2 * 56);
+  EXPECT_LE(sizeof(Attribute), 2 * 56);
+  EXPECT_LE(sizeof(VodEvent), 2 * 56);
+  EXPECT_LE(sizeof(Classification), 6 * 56);
+}
+#endif
+
 }  // namespace
 }  // namespace tarn::VOD
