@@ -3,6 +3,7 @@
 
 // Every function of the class, in the order of its header.
 
+#include "detector-information/detector_conversion.h"
 #include "handler/attribute_names.h"
 #include "handler/camera_detector.h"
 #include "handler/handler_state.h"
@@ -142,7 +143,7 @@ DetectorInformation Handler::getDetectorInformation(int camera) {
 
 std::set<std::string> Handler::getSupportedClasses() {
   const HandlerLock lock(handlerMutex);
-  return getDetectorInformation(firstCamera).getClassifications().getClassNames();
+  return classificationsOf(readDetectorInformationForCamera(firstCamera)).getClassNames();
 }
 
 std::map<std::string, std::set<std::string>> Handler::getSupportedAttributes() {

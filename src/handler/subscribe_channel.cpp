@@ -4,6 +4,7 @@
 #include "handler/subscribe_channel.h"
 
 #include "detector-information/class_ids_to_names.h"
+#include "detector-information/detector_conversion.h"
 #include "handler/attribute_names.h"
 #include "handler/camera_detector.h"
 #include "handler/platform_callbacks.h"
@@ -134,7 +135,7 @@ bool subscribeChannel(const HandlerLock& lock, SubscriptionRequest& request, Dis
   ChannelSubscription& subscription = record.mapped();
   bool classesAreSupported = false;
   try {
-    const Classifications supported = Handler::getDetectorInformation(request.camera).getClassifications();
+    const Classifications supported = classificationsOf(readDetectorInformationForCamera(request.camera));
     classesAreSupported = supported.areAllClassesSupported(request.classes);
     require(classesAreSupported, "Not all requested classes are supported");
     subscription.classNames = std::make_shared<const ClassNames>(mapClassIdsToNames(supported, request.classes));

@@ -91,5 +91,24 @@ INSTANTIATE_TEST_SUITE_P(OfAnySize, AFrame,
                          testing::Values(Frame{0, 0, 80}, Frame{3, 0, 80}, Frame{12, 0, 80}, Frame{12, 0, 8},
                                          Frame{12, 0, 1}, Frame{12, 48, 80}, Frame{100, 0, 80}, Frame{100, 0, 1}));
 
+/** The model holds the values of an attribute type for each class that refers to it. */
+TEST_F(HandlerTest, SetsACameraUpWithoutTheModelOfAllItsAttributes) {
+  constexpr int many = 500;
+  ::VOD::DetectorInformation detector;
+  ::VOD::AttributeType& type = *detector.add_attribute_types();
+  for (int i = 0; i < many; ++i) {
+    type.add_attribute_classes();
+    ::VOD::ObjectClass& objectClass = *detector.add_object_classes();
+    objectClass.set_name(std::to_string(i));
+    objectClass.add_attribute_type_ids(type.id());
+  }
+  vod::host::channel(0).detectorInformation(detector.SerializeAsString());
+  const std::size_t ofTheModel = allocationsOf([] { static_cast<void>(Handler::getDetectorInformation(1)); });
+  const std::size_t ofTheClasses = allocationsOf([] { static_cast<void>(Handler::getSupportedClasses()); });
+  const std::size_t ofTheSetup = allocationsOf([] { ASSERT_TRUE(Handler::setup(1, nullptr, {"1"})); });
+  EXPECT_LT(ofTheClasses + many, ofTheModel);
+  EXPECT_LT(ofTheSetup, 20 * many);
+}
+
 }  // namespace
 }  // namespace tarn::test
