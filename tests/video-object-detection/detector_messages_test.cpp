@@ -79,6 +79,21 @@ TEST(DetectorProperties, KeepAChipWithoutAName) {
   EXPECT_EQ(properties.SerializeAsString(), wire("30 0C"));
 }
 
+TEST(DetectorProperties, KeepAStatusOfReidentificationWithoutAName) {
+  VOD::DetectorProperties properties;
+  ASSERT_TRUE(parse(wire("28 07"), properties));
+  EXPECT_EQ(properties.has_reid_status_case(), VOD::DetectorProperties::kReidStatus);
+  EXPECT_EQ(static_cast<int>(properties.reid_status()), 7);
+  EXPECT_EQ(properties.SerializeAsString(), wire("28 07"));
+}
+
+TEST(DetectorProperties, KeepAMountingPositionWithoutAName) {
+  VOD::DetectorProperties properties;
+  ASSERT_TRUE(parse(wire("10 FF FF FF FF FF FF FF FF FF 01"), properties));
+  EXPECT_EQ(static_cast<int>(properties.fisheye_mounting_position()), -1);
+  EXPECT_EQ(properties.SerializeAsString(), wire("10 FF FF FF FF FF FF FF FF FF 01"));
+}
+
 TEST(AnObjectClass, TakesItsAttributeTypesUnpackedAndWritesThemPacked) {
   VOD::ObjectClass objectClass;
   ASSERT_TRUE(parse(wire("20 01 20 AC 02 20 01"), objectClass));
