@@ -3,6 +3,8 @@
 
 #include "recording/recording.h"
 
+#include "recording/segments.h"
+
 #include <array>
 #include <cerrno>
 #include <system_error>
@@ -35,7 +37,7 @@ std::ifstream openFile(const std::filesystem::path& file) {
 }
 
 std::string readDetectorInformation(const std::filesystem::path& folder) {
-  const std::string file = folder / detectorInformationFileName;
+  const std::string file = partsOf(folder).back() / detectorInformationFileName;
   std::ifstream stream = openFile(file);
   // One byte beyond the limit distinguishes a file of the greatest length from a longer one.
   std::string bytes;

@@ -54,7 +54,7 @@ class RecordingError : public std::runtime_error {
 std::ifstream openFile(const std::filesystem::path& file);
 
 /**
- * Reads a recording's detector information.
+ * The bytes of a recording's detector information; of several segments, those of the last.
  *
  * @throw RecordingError  when the file cannot be opened (see `openFile`) or read, or is longer than
  *                        `maximumMessageSize`

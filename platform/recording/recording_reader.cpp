@@ -3,35 +3,74 @@
 
 #include "recording/recording_reader.h"
 
+#include "recording/segments.h"
+
 #include <fstream>
+#include <sstream>
 #include <utility>
 
 namespace vod::recording {
 
 using google::protobuf::io::CodedInputStream;
 
-RecordingReader::RecordingReader(const std::filesystem::path& folder)
-    : RecordingReader(std::make_unique<std::ifstream>(openFile(folder / scenesFileName)), folder / scenesFileName) {}
+std::unique_ptr<std::istream> openScenes(const std::filesystem::path& folder) {
+  return std::make_unique<std::ifstream>(openFile(folder / scenesFileName));
+}
 
-RecordingReader::RecordingReader(std::unique_ptr<std::istream> source, std::string name, std::size_t maximumSize)
-    : source_(std::move(source)), name_(std::move(name)), maximumSize_(maximumSize), stream_(source_.get()) {}
+RecordingReader::RecordingReader(const std::filesystem::path& folder) : parts_(partsOf(folder)) {
+  read(openScenes(parts_.front()), parts_.front() / scenesFileName);
+}
+
+RecordingReader::RecordingReader(std::unique_ptr<std::istream> source, std::string name, std::size_t maximumSize,
+                                 std::int64_t start)
+    : maximumSize_(maximumSize), start_(start) {
+  read(std::move(source), std::move(name));
+}
+
+void RecordingReader::read(std::unique_ptr<std::istream> source, std::string name) {
+  source_ = std::move(source);
+  name_ = std::move(name);
+  stream_ = std::make_unique<google::protobuf::io::IstreamInputStream>(source_.get());
+}
 
 NextScene RecordingReader::next() {
   if (last_) {
     return *last_;
   }
   NextScene scene = readNext();
-  if (!std::holds_alternative<RecordedScene>(scene)) {
+  while (std::holds_alternative<EndOfRecording>(scene) && openNextPart()) {
+    scene = readNext();
+  }
+  const bool isFinal =
+      std::holds_alternative<EndOfRecording>(scene) || (std::holds_alternative<Damage>(scene) && !openNextPart());
+  if (isFinal) {
     last_ = scene;
   }
   return scene;
 }
 
+bool RecordingReader::openNextPart() {
+  if (part_ + 1 >= parts_.size()) {
+    return false;
+  }
+  const std::filesystem::path file = parts_[++part_] / scenesFileName;
+  try {
+    read(openScenes(parts_[part_]), file);
+  } catch (const RecordingError&) {
+    unopened_ = Damage{file, 0, "cannot be opened"};
+    read(std::make_unique<std::istringstream>(), file);
+  }
+  return true;
+}
+
 NextScene RecordingReader::readNext() {
-  offset_ = stream_.ByteCount();
+  if (unopened_) {
+    return *std::exchange(unopened_, std::nullopt);
+  }
+  offset_ = start_ + stream_->ByteCount();
   // A coded stream counts no further than 2 GB: each message is read with its own, which returns the bytes it did not
   // use.
-  CodedInputStream input(&stream_);
+  CodedInputStream input(stream_.get());
   const void* data = nullptr;
   int size = 0;
   if (!input.GetDirectBufferPointer(&data, &size)) {
@@ -43,6 +82,7 @@ NextScene RecordingReader::readNext() {
   }
   RecordedScene scene;
   scene.offset = offset_;
+  scene.part = part_;
   // Grows with the bytes that are present, whatever the prefix says.
   if (!input.ReadString(&scene.bytes, static_cast<int>(length))) {
     return damageHere("a message of " + std::to_string(length) + " bytes is cut off after " +

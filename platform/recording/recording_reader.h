@@ -17,6 +17,7 @@
 #include <optional>
 #include <string>
 #include <variant>
+#include <vector>
 
 namespace vod::recording {
 
@@ -25,6 +26,8 @@ struct RecordedScene {
   std::string bytes;
   /** Where its length prefix begins, in bytes from the start of the file. */
   std::int64_t offset = 0;
+  /** Which of the recording's parts holds it, counted from 0; see `partsOf`. */
+  std::size_t part = 0;
 };
 
 struct EndOfRecording {};
@@ -32,8 +35,16 @@ struct EndOfRecording {};
 using NextScene = std::variant<RecordedScene, EndOfRecording, Damage>;
 
 /**
- * Reads scenes one after the other and holds no more than one. It does not read beyond the end or a damage; further
- * calls return the same result. Not thread-safe.
+ * The file with the scenes of a plain recording, from its start.
+ *
+ * @throw RecordingError  when it cannot be opened
+ */
+std::unique_ptr<std::istream> openScenes(const std::filesystem::path& folder);
+
+/**
+ * Reads scenes one after the other, from segment to segment, and holds no more than one. After a damage it continues with
+ * the next segment; it does not read beyond it within one. At the end, or a damage in the last segment, further calls
+ * return the same result. Not thread-safe.
  */
 class RecordingReader {
  public:
@@ -46,22 +57,34 @@ class RecordingReader {
    * @param source        the stream, owned by the reader
    * @param name          its name in `Damage::file`
    * @param maximumSize   in bytes; a longer message is damage
+   * @param start         where in the file the stream begins; added to each offset
    */
-  RecordingReader(std::unique_ptr<std::istream> source, std::string name, std::size_t maximumSize = maximumMessageSize);
+  RecordingReader(std::unique_ptr<std::istream> source, std::string name, std::size_t maximumSize = maximumMessageSize,
+                  std::int64_t start = 0);
 
   NextScene next();
+  /** Whether the last answer was the final one. */
+  bool atEnd() const { return last_.has_value(); }
 
  private:
+  bool openNextPart();
   NextScene readNext();
   std::optional<Damage> readLength(google::protobuf::io::CodedInputStream& input, std::uint32_t& length) const;
   Damage damageHere(std::string what) const;
   NextScene endOrReadError() const;
 
+  void read(std::unique_ptr<std::istream> source, std::string name);
+
+  std::vector<std::filesystem::path> parts_;
+  std::size_t part_ = 0;
   std::unique_ptr<std::istream> source_;
   std::string name_;
-  std::size_t maximumSize_;
-  google::protobuf::io::IstreamInputStream stream_;
+  std::size_t maximumSize_ = maximumMessageSize;
+  std::int64_t start_ = 0;
+  std::unique_ptr<google::protobuf::io::IstreamInputStream> stream_;
   std::int64_t offset_ = 0;
+  /** Found at the opening of the next part. */
+  std::optional<Damage> unopened_;
   std::optional<NextScene> last_;
 };
 

@@ -73,33 +73,80 @@ std::string delimited(std::string_view message) {
 
 }  // namespace
 
-RecordingWriter::RecordingWriter(const std::filesystem::path& folder, std::string_view detectorInformation)
-    : scenesFile_(folder / scenesFileName) {
+void RecordingWriter::File::create(const std::filesystem::path& name) {
+  path = name;
+  descriptor = createFile(name);
+}
+
+int RecordingWriter::File::append(std::string_view bytes) {
+  const int error = writeAll(descriptor, bytes);
+  size += error == 0 ? static_cast<std::int64_t>(bytes.size()) : 0;
+  return error;
+}
+
+int RecordingWriter::File::cutBack() const {
+  return descriptor < 0 || ::ftruncate(descriptor, size) == 0 ? 0 : errno;
+}
+
+void RecordingWriter::File::close() {
+  if (descriptor >= 0) {
+    ::close(descriptor);
+  }
+}
+
+RecordingWriter::RecordingWriter(const std::filesystem::path& folder, std::string_view detectorInformation,
+                                 const std::optional<BootId>& boot)
+    : informationSize_(detectorInformation.size()) {
   std::error_code error;
   std::filesystem::create_directories(folder, error);
   if (error) {
     throw RecordingError(folder.string() + ": " + error.message());
   }
   writeDetectorInformation(folder / detectorInformationFileName, detectorInformation);
-  scenes_ = createFile(scenesFile_);
+  try {
+    if (boot) {
+      index_.create(folder / indexFileName);
+      if (const int failed = index_.append(indexHeader(*boot))) {
+        fail(index_.path, failed);
+      }
+    }
+    scenes_.create(folder / scenesFileName);
+  } catch (...) {
+    index_.close();
+    throw;
+  }
 }
 
 RecordingWriter::~RecordingWriter() {
-  ::close(scenes_);
+  scenes_.close();
+  index_.close();
 }
 
-void RecordingWriter::append(std::string_view scene) {
-  checkSize(scenesFile_, scene);
-  const std::string bytes = delimited(scene);
-  if (const int error = writeAll(scenes_, bytes)) {
-    // A full disk accepts only a part of the message, and no scene after that part could be read.
-    if (::ftruncate(scenes_, size_) != 0) {
-      throw RecordingError(scenesFile_.string() + ": " + std::generic_category().message(error) +
-                           ", and its last message is cut off");
-    }
-    fail(scenesFile_, error);
+void RecordingWriter::append(std::string_view scene, const Arrival& arrival) {
+  checkSize(scenes_.path, scene);
+  const File before = scenes_;
+  if (const int error = scenes_.append(delimited(scene))) {
+    undoAndFail(scenes_, error);
   }
-  size_ += static_cast<std::int64_t>(bytes.size());
+  if (index_.descriptor < 0) {
+    return;
+  }
+  const IndexEntry entry = indexEntryFor(static_cast<std::uint64_t>(before.size), arrival, scene);
+  if (const int error = index_.append(encoded(entry))) {
+    scenes_.size = before.size;
+    undoAndFail(index_, error);
+  }
+}
+
+void RecordingWriter::undoAndFail(const File& failed, int error) {
+  // A full disk accepts only a part of the message, and no scene after that part could be read.
+  const int scenesError = scenes_.cutBack();
+  const int indexError = index_.cutBack();
+  if (scenesError != 0 || indexError != 0) {
+    throw RecordingError(failed.path.string() + ": " + std::generic_category().message(error) +
+                         ", and its last message is cut off");
+  }
+  fail(failed.path, error);
 }
 
 }  // namespace vod::recording

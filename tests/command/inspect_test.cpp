@@ -64,6 +64,7 @@ TEST_F(Inspect, OfARecordingThatIsCutOffNamesFileAndOffsetAndSummarizesTheRest) 
 }
 
 TEST_F(Inspect, OfARecordingWithGarbageNamesTheFrame) {
+  std::filesystem::remove(recording / "scenes.idx");
   test::writeTo(recording / "scenes.pb", "\x02\x08\x01\x03\xFF\xFF\xFF\x02\x08\x02");
 
   const test::Outcome outcome = test::run({"inspect", recording});
@@ -71,6 +72,20 @@ TEST_F(Inspect, OfARecordingWithGarbageNamesTheFrame) {
   EXPECT_EQ(outcome.exitCode, 1);
   EXPECT_THAT(outcome.errors, HasSubstr("scenes.pb: offset 3: frame 2 is not a serialized VOD.Scene"));
   EXPECT_THAT(outcome.output, HasSubstr("frames               2"));
+}
+
+TEST_F(Inspect, ReadsOnBehindDamageWithTheIndex) {
+  std::string bytes = test::contentsOf(recording / "scenes.pb");
+  const std::size_t begin = test::sceneBytes(0).size() + 1;
+  bytes.replace(begin, 12, std::string(12, '\xff'));
+  test::writeTo(recording / "scenes.pb", bytes);
+
+  const test::Outcome outcome = test::run({"inspect", recording});
+
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_THAT(outcome.errors, HasSubstr("scenes.pb: offset " + std::to_string(begin)));
+  EXPECT_THAT(outcome.errors, HasSubstr("1 frame lost, goes on at offset"));
+  EXPECT_THAT(outcome.output, HasSubstr("frames               19"));
 }
 
 TEST_F(Inspect, OfARecordingWithoutDetectorInformationSaysSo) {

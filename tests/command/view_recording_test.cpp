@@ -79,6 +79,7 @@ TEST_F(ViewOfARecording, RefusesFramesThatAreNoNumbers) {
 TEST_F(ViewOfARecording, PassesOverGarbageAndTellsOfIt) {
   const std::string whole = test::contentsOf(recording / "scenes.pb");
   test::writeTo(recording / "scenes.pb", "\x03\xFF\xFF\xFF" + whole);
+  std::filesystem::remove(recording / "scenes.idx");
   const test::Viewer viewer({"--recording", recording}, {});
 
   const json overview = json::parse(viewer.get("/recording.json").body);

@@ -120,5 +120,37 @@ TEST_F(ARecordingBeingWritten, EndsWithTheMessageBeforeTheOneForWhichThereWasNoR
   EXPECT_THAT(scenesOf(folder_), testing::ElementsAre("one", "two"));
 }
 
+TEST_F(ARecordingBeingWritten, EndsWithTheMessageBeforeTheOneWhoseEntryHasNoRoom) {
+  RecordingWriter writer(folder_, "");
+  writer.append("one");
+  {
+    const FileSizeLimit limit(2 * indexEntrySize + 10);
+    EXPECT_THAT([&] { writer.append("two"); },
+                testing::ThrowsMessage<RecordingError>((folder_ / indexFileName).string() + ": File too large"));
+  }
+  EXPECT_THAT(scenesOf(folder_), testing::ElementsAre("one"));
+  writer.append("three");
+  EXPECT_THAT(scenesOf(folder_), testing::ElementsAre("one", "three"));
+  SceneIndex index(folder_);
+  EXPECT_EQ(index.size(), 2U);
+  EXPECT_TRUE(matches(*index.at(1), "three"));
+}
+
+TEST_F(ARecordingBeingWritten, HasNoIndexUnlessOneIsWanted) {
+  RecordingWriter(folder_, "", std::nullopt).append("one");
+  EXPECT_THAT(scenesOf(folder_), testing::ElementsAre("one"));
+  EXPECT_FALSE(std::filesystem::exists(folder_ / indexFileName));
+}
+
+TEST_F(ARecordingBeingWritten, KnowsItsSize) {
+  RecordingWriter writer(folder_, "detector");
+  writer.append("one");
+  std::uintmax_t size = 0;
+  for (const auto& file : std::filesystem::directory_iterator(folder_)) {
+    size += file.file_size();
+  }
+  EXPECT_EQ(writer.size(), size);
+}
+
 }  // namespace
 }  // namespace vod::recording

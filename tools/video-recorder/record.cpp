@@ -47,7 +47,8 @@ int record(const Options& options, const std::atomic<bool>& isStopping) {
   if (!frame) {
     throw VideoError(options.input + ": holds no picture that can be read");
   }
-  vod::recording::RecordingWriter writer(options.output, describeDetector(options.camera).SerializeAsString());
+  vod::recording::RecordingWriter writer(options.output, describeDetector(options.camera).SerializeAsString(),
+                                         std::nullopt);
 
   const PeopleDetector detector(options.smallestPerson);
   Tracker tracker;
@@ -60,7 +61,7 @@ int record(const Options& options, const std::atomic<bool>& isStopping) {
     }
     const TrackedFrame tracked = tracker.update(detector.detect(frame->picture));
     updateWardrobe(wardrobe, tracked, frame->picture);
-    writer.append(describeFrame(frame->timestamp, tracked, wardrobe).SerializeAsString());
+    writer.append(describeFrame(frame->timestamp, tracked, wardrobe).SerializeAsString(), std::nullopt);
     progress.show(++framesDone, tracked.people.size());
     const bool isEnough = options.frames > 0 && framesDone >= options.frames;
     frame = isEnough ? std::nullopt : video.next();

@@ -61,7 +61,7 @@ void RawSubscription::subscribe() {
   // Generic parameters: the integer types of these callbacks are the platform's.
   const auto onScene = [](const auto* buffer, auto length, void* userData) {
     if (buffer != nullptr && length >= 0) {
-      static_cast<Tap*>(userData)->scenes->push(std::string(buffer, buffer + length));
+      static_cast<Tap*>(userData)->scenes->push({std::string(buffer, buffer + length), vod::recording::arrivalNow()});
     }
   };
   const auto onTeardown = [](void* userData) { static_cast<Tap*>(userData)->dropped = true; };

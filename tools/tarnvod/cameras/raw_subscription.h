@@ -6,6 +6,7 @@
 
 #include "cameras/bounded_queue.h"
 
+#include <recording/scene_index.h>
 #include <video_object_detection_subscriber.h>
 
 #include <atomic>
@@ -14,7 +15,13 @@
 
 namespace tarn::command {
 
-using SceneQueue = BoundedQueue<std::string>;
+/** A scene as the service sent it, and when it came. */
+struct ArrivedScene {
+  std::string bytes;
+  vod::recording::Arrival arrival;
+};
+
+using SceneQueue = BoundedQueue<ArrivedScene>;
 
 /**
  * A subscription at the platform's own interface: scenes as the service sends them, byte for byte, empty ones included.

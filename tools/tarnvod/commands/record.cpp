@@ -34,7 +34,8 @@ struct RecordOptions {
 };
 
 void checkHoldsNoRecording(const std::filesystem::path& folder) {
-  for (const char* name : {vod::recording::detectorInformationFileName, vod::recording::scenesFileName}) {
+  for (const char* name :
+       {vod::recording::detectorInformationFileName, vod::recording::scenesFileName, vod::recording::indexFileName}) {
     std::error_code ignored;  // what cannot be looked at cannot be written either, and that is told then
     if (std::filesystem::exists(folder / name, ignored)) {
       throw Failure(folder.string() + ": holds a recording already; name another folder");
@@ -56,9 +57,9 @@ class Recorder {
   void run() {
     while (!isDone()) {
       if (const auto scene = scenes_->popWithin(sceneWait)) {
-        writer_->append(*scene);
+        writer_->append(scene->bytes, scene->arrival);
         ++progress_.frames;
-        progress_.bytes += scene->size();
+        progress_.bytes += scene->bytes.size();
       } else {
         // Only now: what came before the drop has been written.
         keepSubscribed();

@@ -10,6 +10,7 @@
 
 #include <nlohmann/json.hpp>
 #include <recording/recording_reader.h>
+#include <recording/segments.h>
 
 #include <algorithm>
 #include <fstream>
@@ -46,12 +47,13 @@ void RecordedFrames::scan() {
     clock.advanceTo(scanned.scene.timestamp());
     for (const VOD::VodEvent& event : eventsOf(scanned.scene)) {
       events.push_back(toJson(event));
-      events.back()["frame"] = offsets_.size();
+      events.back()["frame"] = places_.size();
     }
     seconds.push_back(static_cast<float>(clock.seconds()));
-    offsets_.push_back(scanned.offset);
+    places_.push_back({scanned.part, scanned.offset});
     return true;
   };
+  parts_ = vod::recording::partsOf(folder_);
   DamageList damage;  // the overview tells of it
   scanRecording(folder_, visit, damage);
   overview_["frameSeconds"] = std::move(seconds);
@@ -60,24 +62,23 @@ void RecordedFrames::scan() {
 
 Json RecordedFrames::frames(std::uint64_t first, std::uint64_t count) const {
   Json frames = Json::array();
-  const std::uint64_t begin = std::min<std::uint64_t>(offsets_.size(), first);
-  const std::uint64_t end =
-      std::min<std::uint64_t>(offsets_.size(), begin + std::min<std::uint64_t>(count, mostAtOnce));
+  const std::uint64_t begin = std::min<std::uint64_t>(places_.size(), first);
+  const std::uint64_t end = std::min<std::uint64_t>(places_.size(), begin + std::min<std::uint64_t>(count, mostAtOnce));
   for (std::uint64_t index = begin; index < end; ++index) {
-    frames.push_back(toJson(recordOf(sceneAt(offsets_[static_cast<std::size_t>(index)]), names_), camera));
+    frames.push_back(toJson(recordOf(sceneAt(places_[static_cast<std::size_t>(index)]), names_), camera));
   }
   return frames;
 }
 
-::VOD::Scene RecordedFrames::sceneAt(std::int64_t offset) const {
-  const std::string file = (folder_ / vod::recording::scenesFileName).string();
+::VOD::Scene RecordedFrames::sceneAt(const Place& place) const {
+  const std::string file = (parts_.at(place.part) / vod::recording::scenesFileName).string();
   auto stream = std::make_unique<std::ifstream>(file, std::ios::binary);
-  stream->seekg(offset);
+  stream->seekg(place.offset);
   const auto next = vod::recording::RecordingReader(std::move(stream), file).next();
   const auto* recorded = std::get_if<vod::recording::RecordedScene>(&next);
   ::VOD::Scene scene;
   if (recorded == nullptr || !scene.ParseFromString(recorded->bytes)) {
-    throw Failure(file + ": offset " + std::to_string(offset) + ": the scene that was here is gone");
+    throw Failure(file + ": offset " + std::to_string(place.offset) + ": the scene that was here is gone");
   }
   return scene;
 }

@@ -37,14 +37,21 @@ class RecordedFrames {
   Json frames(std::uint64_t first, std::uint64_t count) const;
 
  private:
+  /** Where a frame is: in which segment, and where in its file. */
+  struct Place {
+    std::size_t part;
+    std::int64_t offset;
+  };
+
   void scan();
   /** @throw Failure  when the recording has changed meanwhile */
-  ::VOD::Scene sceneAt(std::int64_t offset) const;
+  ::VOD::Scene sceneAt(const Place& place) const;
 
   const std::filesystem::path folder_;
   SceneNames names_;
   Json overview_;
-  std::vector<std::int64_t> offsets_;
+  std::vector<std::filesystem::path> parts_;
+  std::vector<Place> places_;
 };
 
 }  // namespace tarn::command

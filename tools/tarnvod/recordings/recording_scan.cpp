@@ -5,7 +5,8 @@
 
 #include "base/stop_signal.h"
 
-#include <recording/recording_reader.h>
+#include <recording/checked_reader.h>
+#include <recording/segments.h>
 
 #include <string>
 #include <utility>
@@ -13,9 +14,9 @@
 
 namespace tarn::command {
 
+using vod::recording::CheckedReader;
+using vod::recording::CheckedScene;
 using vod::recording::Damage;
-using vod::recording::EndOfRecording;
-using vod::recording::RecordedScene;
 
 void RecordingClock::advanceTo(std::uint64_t timestamp) {
   const std::uint64_t latest = latest_.value_or(timestamp);
@@ -32,31 +33,39 @@ void DamageList::add(Damage damage) {
   }
 }
 
-void scanRecording(const std::filesystem::path& folder, const std::function<bool(const ScannedScene&)>& visit,
-                   DamageList& damage) {
-  vod::recording::RecordingReader reader(folder);
-  const std::string file = (folder / vod::recording::scenesFileName).string();
-  ScannedScene scanned;
-  while (true) {
+void scanBytes(const std::filesystem::path& folder, const std::function<bool(const CheckedScene&)>& visit,
+               DamageList& damage) {
+  CheckedReader reader(folder);
+  bool goesOn = true;
+  while (goesOn) {
     throwIfStopRequested();
     auto next = reader.next();
-    if (std::holds_alternative<EndOfRecording>(next)) {
-      return;
-    }
-    if (const auto* found = std::get_if<Damage>(&next)) {
-      damage.add(*found);
-      return;
-    }
-    const auto& recorded = std::get<RecordedScene>(next);
-    ++scanned.number;
-    scanned.offset = recorded.offset;
-    scanned.size = recorded.bytes.size();
-    if (!scanned.scene.ParseFromString(recorded.bytes)) {
-      damage.add({file, recorded.offset, "frame " + std::to_string(scanned.number) + " is not a serialized VOD.Scene"});
-    } else if (!visit(scanned)) {
-      return;
+    if (auto* const found = std::get_if<Damage>(&next)) {
+      damage.add(std::move(*found));
+    } else {
+      goesOn = std::holds_alternative<CheckedScene>(next) && visit(std::get<CheckedScene>(next));
     }
   }
+}
+
+void scanRecording(const std::filesystem::path& folder, const std::function<bool(const ScannedScene&)>& visit,
+                   DamageList& damage) {
+  const std::vector<std::filesystem::path> parts = vod::recording::partsOf(folder);
+  ScannedScene scanned;
+  const auto parse = [&](const CheckedScene& recorded) {
+    ++scanned.number;
+    scanned.part = recorded.part;
+    scanned.offset = recorded.offset;
+    scanned.bytes = recorded.bytes;
+    scanned.arrival = recorded.arrival;
+    if (scanned.scene.ParseFromString(recorded.bytes)) {
+      return visit(scanned);
+    }
+    damage.add({(parts.at(recorded.part) / vod::recording::scenesFileName).string(), recorded.offset,
+                "frame " + std::to_string(scanned.number) + " is not a serialized VOD.Scene"});
+    return true;
+  };
+  scanBytes(folder, parse, damage);
 }
 
 }  // namespace tarn::command

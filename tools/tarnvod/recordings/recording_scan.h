@@ -4,7 +4,9 @@
 #ifndef TARNVOD_COMMAND_RECORDING_SCAN_H
 #define TARNVOD_COMMAND_RECORDING_SCAN_H
 
+#include <recording/checked_reader.h>
 #include <recording/recording.h>
+#include <recording/scene_index.h>
 #include <tarnvod/video_object_detection.pb.h>
 
 #include <cstddef>
@@ -12,6 +14,7 @@
 #include <filesystem>
 #include <functional>
 #include <optional>
+#include <string_view>
 #include <vector>
 
 namespace tarn::command {
@@ -19,8 +22,10 @@ namespace tarn::command {
 /** One scene of a recording. */
 struct ScannedScene {
   std::uint64_t number = 0;  ///< counted from 1
-  std::int64_t offset = 0;   ///< where it begins in the file
-  std::size_t size = 0;      ///< in bytes
+  std::size_t part = 0;      ///< which of the recording's segments holds it, counted from 0
+  std::int64_t offset = 0;   ///< where it begins in that segment's file
+  std::string_view bytes;    ///< as the service sent it; valid during the visit
+  std::optional<vod::recording::Arrival> arrival;
   ::VOD::Scene scene;
 };
 
@@ -29,6 +34,7 @@ class RecordingClock {
  public:
   void advanceTo(std::uint64_t timestamp);
   double seconds() const { return static_cast<double>(elapsed_) / 1e6; }
+  std::uint64_t microseconds() const { return elapsed_; }
   /** How often time stamps went back; time then goes on from where it was. */
   std::uint64_t restarts() const { return restarts_; }
 
@@ -51,7 +57,7 @@ class DamageList {
 };
 
 /**
- * Reads a recording from its start, never holding more than one scene.
+ * Reads a recording from its start, segment by segment, never holding more than one scene.
  *
  * @param visit   gets each scene that can be read; false ends the reading
  * @param damage  gets what cannot be read
@@ -60,6 +66,12 @@ class DamageList {
  */
 void scanRecording(const std::filesystem::path& folder, const std::function<bool(const ScannedScene&)>& visit,
                    DamageList& damage);
+
+/**
+ * As above, without parsing: what is not a `VOD.Scene` is visited too.
+ */
+void scanBytes(const std::filesystem::path& folder,
+               const std::function<bool(const vod::recording::CheckedScene&)>& visit, DamageList& damage);
 
 }  // namespace tarn::command
 

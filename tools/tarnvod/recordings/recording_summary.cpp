@@ -19,7 +19,7 @@ class Summarizer {
     summary_.duration = clock_.seconds();
     summary_.restarts = clock_.restarts();
     ++summary_.frames;
-    summary_.bytes += scanned.size;
+    summary_.bytes += scanned.bytes.size();
     for (const auto& detection : scene.detections()) {
       addDetection(scanned, detection);
     }
