@@ -28,6 +28,7 @@ RecordingReader::RecordingReader(std::unique_ptr<std::istream> source, std::stri
 }
 
 void RecordingReader::read(std::unique_ptr<std::istream> source, std::string name) {
+  stream_.reset();
   source_ = std::move(source);
   name_ = std::move(name);
   stream_ = std::make_unique<google::protobuf::io::IstreamInputStream>(source_.get());

@@ -35,6 +35,10 @@ constexpr Subcommand subcommands[] = {
     {"watch", "Show what cameras see, live", defineWatch},
     {"record", "Record what a camera's service sends, byte for byte", defineRecord},
     {"inspect", "Summarize a recording and check it for damage", defineInspect},
+    {"export", "Write a recording in a format that other tools read", defineExport},
+    {"cut", "Take a part of a recording, byte for byte", defineCut},
+    {"merge", "Join recordings of one camera, one after the other", defineMerge},
+    {"repair", "Keep what can be read of a damaged recording, and list the damage", defineRepair},
     {"render", "Draw the tracks of recordings, or one frame with its boxes, as SVG", defineRender},
 #ifdef TARNVOD_WITH_VIEWER
     {"view", "Show what cameras see, or a recording, in a browser", defineView},

@@ -17,17 +17,25 @@ _tarnvod() {
     [watch]="--camera --class --all-classes --roi --frames --seconds --json --help"
     [record]="--camera --output --seconds --frames --help"
     [inspect]="--json --help"
+    [export]="--format --output --size --box --range --help"
+    [cut]="--from --to --output --help"
+    [merge]="--output --help"
+    [repair]="--output --help"
     [render]="--output --frame --box --range --aspect --background --detector --help"
     [view]="--camera --class --all-classes --roi --recording --port --address --box --range --aspect --help"
   )
   COMPREPLY=()
   if [[ $COMP_CWORD -eq 1 ]]; then
-    mapfile -t COMPREPLY < <(compgen -W "info watch record inspect render view --help --version" -- "$current")
+    mapfile -t COMPREPLY < <(compgen -W "info watch record inspect export cut merge repair render view --help --version" -- "$current")
     return
   fi
   case $previous in
     --box)
       mapfile -t COMPREPLY < <(compgen -W "corners size" -- "$current")
+      return
+      ;;
+    --format)
+      mapfile -t COMPREPLY < <(compgen -W "csv mot sqlite mcap" -- "$current")
       return
       ;;
     --camera)
@@ -39,7 +47,7 @@ _tarnvod() {
       mapfile -t COMPREPLY < <(compgen -f -- "$current")
       return
       ;;
-    --class | --roi | --frames | --seconds | --frame | --range | --aspect | --port | --address)
+    --class | --roi | --from | --to | --size | --frames | --seconds | --frame | --range | --aspect | --port | --address)
       return
       ;;
   esac
@@ -47,7 +55,7 @@ _tarnvod() {
     mapfile -t COMPREPLY < <(compgen -W "${options[${COMP_WORDS[1]}]:-}" -- "$current")
   elif [[ ${COMP_WORDS[1]} == watch ]]; then
     mapfile -t COMPREPLY < <(compgen -W "$(_tarnvod_cameras)" -- "$current")
-  elif [[ ${COMP_WORDS[1]} == inspect || ${COMP_WORDS[1]} == render ]]; then
+  elif [[ " inspect export cut merge repair render " == *" ${COMP_WORDS[1]} "* ]]; then
     compopt -o filenames
     mapfile -t COMPREPLY < <(compgen -f -- "$current")
   fi

@@ -6,6 +6,7 @@
 #include "base/report.h"
 #include "commands/subcommands.h"
 #include "recordings/recording_summary.h"
+#include "recordings/scan_progress.h"
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
@@ -28,12 +29,7 @@ int inspect(const InspectOptions& options) {
   } else {
     printReport(summaryText(summary));
   }
-  if (summary.damage.count() > 0) {
-    const std::uint64_t others = summary.damage.count() - 1;
-    throw Failure(vod::recording::toString(summary.damage.first().front()) +
-                  (others > 0 ? " (and " + std::to_string(others) + " more)" : "") +
-                  "; the summary covers what could be read");
-  }
+  failOnDamage(summary.damage, "the summary covers what could be read");
   return success;
 }
 

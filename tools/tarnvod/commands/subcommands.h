@@ -23,6 +23,10 @@ Action defineInfo(CLI::App& command);
 Action defineWatch(CLI::App& command);
 Action defineRecord(CLI::App& command);
 Action defineInspect(CLI::App& command);
+Action defineExport(CLI::App& command);
+Action defineCut(CLI::App& command);
+Action defineMerge(CLI::App& command);
+Action defineRepair(CLI::App& command);
 Action defineRender(CLI::App& command);
 /** Only where the viewer was built. */
 Action defineView(CLI::App& command);

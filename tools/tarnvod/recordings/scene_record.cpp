@@ -52,6 +52,12 @@ VOD::Data detectionOf(const ::VOD::Detection& detection, const SceneNames& names
 
 }  // namespace
 
+std::uint64_t timestampOf(const std::string& scene) {
+  ::VOD::Scene message;
+  static_cast<void>(message.ParsePartialFromString(scene));
+  return message.timestamp();
+}
+
 VOD::DetectionStatus statusOf(const ::VOD::Detection& detection) {
   switch (detection.status()) {
     case ::VOD::Detection::TRACKED_UNCONFIDENT:

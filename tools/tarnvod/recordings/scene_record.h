@@ -24,6 +24,9 @@ std::vector<VOD::VodEvent> eventsOf(const ::VOD::Scene& scene);
  */
 VOD::DetectionData recordOf(const ::VOD::Scene& scene, const SceneNames& names);
 
+/** The time stamp of a serialized scene; of damaged bytes, what could be read, or 0. */
+std::uint64_t timestampOf(const std::string& scene);
+
 }  // namespace tarn::command
 
 #endif

@@ -1,0 +1,68 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#include "base/errors.h"
+#include "base/output.h"
+#include "commands/subcommands.h"
+#include "recordings/recording_output.h"
+#include "recordings/scan_progress.h"
+
+#include <CLI/CLI.hpp>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace tarn::command {
+namespace {
+
+struct MergeOptions {
+  std::vector<std::string> folders;
+  std::string output;
+};
+
+/** The detector information of all recordings, which has to be the same: the scenes name classes by its numbers. */
+std::string commonDetectorInformation(const std::vector<std::string>& folders) {
+  std::string common = vod::recording::readDetectorInformation(folders.front());
+  for (const std::string& folder : folders) {
+    if (vod::recording::readDetectorInformation(folder) != common) {
+      throw Failure(folder + ": its detector information differs from that of " + folders.front() +
+                    ", so that its scenes cannot stand in one recording");
+    }
+  }
+  return common;
+}
+
+int merge(const MergeOptions& options) {
+  RecordingOutput output(options.output, commonDetectorInformation(options.folders),
+                         commonBoot({options.folders.begin(), options.folders.end()}));
+  DamageList damage;
+  for (const std::string& folder : options.folders) {
+    ScanProgress progress(folder);
+    const auto visit = [&](const vod::recording::CheckedScene& scene) {
+      output.append(scene);
+      progress.show(scene.bytes.size());
+      return true;
+    };
+    scanBytes(folder, visit, damage);
+  }
+  output.commit();
+  standardOutput().writeText("merged " + output.summary() + '\n');
+  failOnDamage(damage, options.output + " holds what could be read");
+  return success;
+}
+
+}  // namespace
+
+Action defineMerge(CLI::App& command) {
+  const auto options = std::make_shared<MergeOptions>();
+  command.add_option("recordings", options->folders, "The recordings' folders, in order")
+      ->type_name("DIR ...")
+      ->required();
+  command.add_option("--output", options->output, "The folder that becomes the new recording")
+      ->type_name("DIR")
+      ->required();
+  return [options] { return merge(*options); };
+}
+
+}  // namespace tarn::command
