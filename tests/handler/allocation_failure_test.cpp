@@ -18,12 +18,13 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 /**
- * Tries a call again and again, each time with the next allocation failing, until it gets through; after each failure
- * looks whether all is well.
+ * Tries a call again and again, each time with the next allocation failing, until none fails; after each failure looks
+ * whether all is well. The call may get through without the allocation: `std::stable_sort` does.
  */
 void atEachAllocation(const std::function<void()>& call, const std::function<void()>& expectAllWell) {
   std::size_t number = 0;
   bool failed = true;
+  bool everThrew = false;
   while (failed) {
     ++number;
     bool threw = false;
@@ -36,10 +37,11 @@ void atEachAllocation(const std::function<void()>& call, const std::function<voi
       }
       failed = failure.happened();
     }
-    EXPECT_EQ(threw, failed) << "allocation " << number;
+    EXPECT_TRUE(failed || !threw) << "allocation " << number;
+    everThrew = everThrew || threw;
     expectAllWell();
   }
-  EXPECT_GT(number, 1U) << "nothing was allocated at all";
+  EXPECT_TRUE(everThrew) << "nothing was allocated at all";
 }
 
 class AFullMemory : public HandlerTest {
@@ -156,7 +158,7 @@ TEST_F(MemoryRunningOut, InARetryKeepsTheCameraPendingWithItsCallableAndClassesF
     ASSERT_TRUE(failure);
     failed = failure->happened();
     failure.reset();
-    EXPECT_EQ(vod::host::liveSubscribers(), failed ? 0 : 1) << "allocation " << number;
+    EXPECT_TRUE(failed || vod::host::liveSubscribers() == 1) << "allocation " << number;
 
     sleep_.release();
     sleep_.waitUntilAsleep();
