@@ -36,4 +36,8 @@ void print(std::ostream& out, const std::string& text) {
   out << '"';
 }
 
+void printMemberName(std::ostream& out, const char* separator, const char* name) {
+  out << separator << name << ": ";
+}
+
 }  // namespace tarn::VOD::printing

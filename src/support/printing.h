@@ -73,13 +73,16 @@ void print(std::ostream& out, const std::map<std::string, Value>& map) {
   out << '}';
 }
 
+/** Prints what stands before a member's value: what separates it from the member before it, and its name. */
+void printMemberName(std::ostream& out, const char* separator, const char* name);
+
 /** Prints a record that has a list of its members: `Name{member: value, other: value}`. */
 template <typename Record>
 std::ostream& printRecord(std::ostream& out, const Record& record) {
   const char* separator = "";
   out << MemberList<Record>::name << '{';
   visitMembers(record, [&](const char* name, const auto& value) {
-    out << separator << name << ": ";
+    printMemberName(out, separator, name);
     print(out, value);
     separator = ", ";
   });
