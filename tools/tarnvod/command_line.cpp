@@ -39,6 +39,7 @@ constexpr Subcommand subcommands[] = {
     {"cut", "Take a part of a recording, byte for byte", defineCut},
     {"merge", "Join recordings of one camera, one after the other", defineMerge},
     {"repair", "Keep what can be read of a damaged recording, and list the damage", defineRepair},
+    {"compare", "Report how a recording differs from a reference, class by class", defineCompare},
     {"render", "Draw the tracks of recordings, or one frame with its boxes, as SVG", defineRender},
 #ifdef TARNVOD_WITH_VIEWER
     {"view", "Show what cameras see, or a recording, in a browser", defineView},

@@ -20,13 +20,14 @@ _tarnvod() {
     [export]="--format --output --size --box --range --help"
     [cut]="--from --to --output --help"
     [merge]="--output --help"
+    [compare]="--json --iou --tolerance --mota --idf1 --box --range --help"
     [repair]="--output --help"
     [render]="--output --frame --box --range --aspect --background --detector --help"
     [view]="--camera --class --all-classes --roi --recording --port --address --box --range --aspect --help"
   )
   COMPREPLY=()
   if [[ $COMP_CWORD -eq 1 ]]; then
-    mapfile -t COMPREPLY < <(compgen -W "info watch record inspect export cut merge repair render view --help --version" -- "$current")
+    mapfile -t COMPREPLY < <(compgen -W "info watch record inspect export cut merge repair compare render view --help --version" -- "$current")
     return
   fi
   case $previous in
@@ -47,7 +48,7 @@ _tarnvod() {
       mapfile -t COMPREPLY < <(compgen -f -- "$current")
       return
       ;;
-    --class | --roi | --from | --to | --size | --frames | --seconds | --frame | --range | --aspect | --port | --address)
+    --class | --roi | --from | --to | --iou | --tolerance | --mota | --idf1 | --size | --frames | --seconds | --frame | --range | --aspect | --port | --address)
       return
       ;;
   esac
@@ -55,7 +56,7 @@ _tarnvod() {
     mapfile -t COMPREPLY < <(compgen -W "${options[${COMP_WORDS[1]}]:-}" -- "$current")
   elif [[ ${COMP_WORDS[1]} == watch ]]; then
     mapfile -t COMPREPLY < <(compgen -W "$(_tarnvod_cameras)" -- "$current")
-  elif [[ " inspect export cut merge repair render " == *" ${COMP_WORDS[1]} "* ]]; then
+  elif [[ " inspect export cut merge repair compare render " == *" ${COMP_WORDS[1]} "* ]]; then
     compopt -o filenames
     mapfile -t COMPREPLY < <(compgen -f -- "$current")
   fi

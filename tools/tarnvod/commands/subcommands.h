@@ -27,6 +27,7 @@ Action defineExport(CLI::App& command);
 Action defineCut(CLI::App& command);
 Action defineMerge(CLI::App& command);
 Action defineRepair(CLI::App& command);
+Action defineCompare(CLI::App& command);
 Action defineRender(CLI::App& command);
 /** Only where the viewer was built. */
 Action defineView(CLI::App& command);
