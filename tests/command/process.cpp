@@ -106,7 +106,7 @@ void drain(int& end, std::string& text) {
   const ssize_t count = ::read(end, buffer.data(), buffer.size());
   if (count > 0) {
     text.append(buffer.data(), static_cast<std::size_t>(count));
-  } else if (count == 0 || errno != EINTR) {  // a terminal tells its end as an error
+  } else if (count == 0 || errno != EINTR) {  // a terminal reports its end as an error
     close(end);
     end = -1;
   }

@@ -13,7 +13,7 @@
 /** How tests run the command: as a process of its own, as its users do. */
 namespace test {
 
-/** "NAME=value" for the process, beside what the tests were started with. */
+/** "NAME=value" for the process, in addition to the environment of the tests. */
 using Environment = std::vector<std::string>;
 
 /** What a process that has ended left. */
@@ -39,10 +39,10 @@ class Process {
   Process(const Process&) = delete;
   Process& operator=(const Process&) = delete;
 
-  /** Reads until the output, or what is told on standard error, holds the text. Fails the test after a long time. */
+  /** Reads until standard output, or standard error, contains the text. Fails the test after a long time. */
   void waitForOutput(const std::string& text);
   void waitForErrors(const std::string& text);
-  /** Reads until the output holds the text again, behind what has been read so far. */
+  /** Reads until the output contains the text again, after what has been read so far. */
   void waitForMoreOutput(const std::string& text);
 
   /** Waits until the process has the file open. Fails the test after a long time. */
@@ -61,7 +61,7 @@ class Process {
 
  private:
   void waitFor(const std::string& text, const std::string& where, std::size_t from);
-  /** Reads what is there; false when both pipes have ended. */
+  /** Reads what is available; false when both pipes have ended. */
   bool readSome();
 
   pid_t id_ = -1;
@@ -79,7 +79,7 @@ Outcome run(const std::vector<std::string>& arguments, const Environment& enviro
 Outcome runWithOutputTo(const std::string& file, const std::vector<std::string>& arguments,
                         const Environment& environment = {});
 
-/** Path of the command, and of the command beside a service that its input takes down and up. */
+/** Path of the command, and of the command together with a service that its standard input takes down and up. */
 std::string command();
 std::string commandWithServiceSwitch();
 

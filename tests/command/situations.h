@@ -63,7 +63,7 @@ class TwoCameras : public testing::Test {
 /** A service that has no recording to play: every call that needs it fails. */
 Environment serviceDown();
 
-/** The only line of what was told on standard error. */
+/** Whether standard error got exactly one line. */
 testing::AssertionResult isOneLine(const std::string& errors);
 
 }  // namespace test

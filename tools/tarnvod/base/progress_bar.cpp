@@ -24,7 +24,7 @@ std::string bar(double fraction) {
 }
 
 void writeToTerminal(const std::string& text) {
-  // A terminal that has gone away is no reason to lose the recording.
+  // The recording goes on when the terminal has been closed.
   [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, text.data(), text.size());
 }
 

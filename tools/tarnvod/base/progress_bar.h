@@ -12,17 +12,17 @@
 
 namespace tarn::command {
 
-/** How far a recording is. */
+/** How far a recording has come. */
 struct Progress {
   std::uint64_t frames = 0;
   std::uint64_t bytes = 0;
   Clock::duration elapsed{0};
 };
 
-/** The part that is done, from 0 to 1; negative when there is no end in sight. */
+/** The part that is done, from 0 to 1; negative when there is no limit. */
 double fractionDone(const Progress& progress, const Limits& limits);
 
-/** A bar, if the end is known, and the numbers, in so many columns. */
+/** A bar, if the end is known, and the numbers, in at most `columns`. */
 std::string progressLine(const Progress& progress, const Limits& limits, std::size_t columns);
 
 /** Shows progress on standard error, in place, and only if that is a terminal. */
@@ -34,7 +34,7 @@ class ProgressBar {
   ProgressBar& operator=(const ProgressBar&) = delete;
 
   void show(const Progress& progress, Clock::time_point now);
-  /** Makes room for another line. */
+  /** Removes the bar, to make room for another line. */
   void hide();
 
  private:

@@ -17,7 +17,7 @@ struct TerminalSize {
   std::size_t rows = 24;
 };
 
-/** The size of the terminal behind the descriptor; 80 by 24 when it does not tell. */
+/** The size of the terminal behind the descriptor; 80 by 24 if the terminal does not report it. */
 TerminalSize terminalSize(int descriptor);
 
 enum class Style { Plain, Bold, Dim, Good, Warning, Bad };
@@ -30,7 +30,7 @@ struct Span {
 
 using Line = std::vector<Span>;
 
-/** The line as text, cut to so many columns, with or without colours. */
+/** The line as text, cut to `columns`, with or without colours. */
 std::string rendered(const Line& line, std::size_t columns, bool coloured);
 
 /** Whether the output is a terminal on which the cursor can be moved. */
@@ -40,7 +40,7 @@ bool canRedraw(const Output& output);
 bool wantsColour(const Output& output);
 
 /**
- * The terminal's second screen, redrawn in place. Gives the first screen and the cursor back when it is destroyed.
+ * The terminal's alternate screen, redrawn in place. Restores the first screen and the cursor when it is destroyed.
  */
 class Screen {
  public:

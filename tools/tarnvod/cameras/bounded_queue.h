@@ -18,8 +18,8 @@ namespace tarn::command {
 /**
  * Hands values from the service's threads to the main thread.
  *
- * Bounded, so that a reader who falls behind costs frames and not memory. The service's thread is held up for
- * `patience` at most, once: after a wait in vain, values are dropped and counted at once until there is room again.
+ * Bounded, so that a slow reader costs frames and not memory. The service's thread waits for
+ * `patience` at most, once: after a wait that timed out, values are dropped at once, and counted, until there is room.
  */
 template <typename Value>
 class BoundedQueue {

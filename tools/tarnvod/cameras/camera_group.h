@@ -18,7 +18,7 @@
 
 namespace tarn::command {
 
-/** The library's thread of retries, for as long as this lives. */
+/** Runs the library's retry thread until it is destroyed. */
 class RetryThread {
  public:
   RetryThread() { VOD::Handler::initialize(static_cast<int>(retryPeriod.count())); }
@@ -47,7 +47,7 @@ class CameraGroup {
   /** Takes note of the time; tries again what failed. */
   void tick(Clock::time_point now);
 
-  /** Tells what has changed since the last call: one line, which names its camera. */
+  /** Reports what has changed since the last call: one line, which names its camera. */
   void tellNews(const std::function<void(const std::string&)>& tell);
 
   const WatchedCameras& cameras() const { return cameras_; }

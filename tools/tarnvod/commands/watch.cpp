@@ -24,7 +24,7 @@ struct WatchOptions {
   bool json = false;
 };
 
-/** Receives the cameras' frames and shows them until told to end. */
+/** Receives the cameras' frames and shows them until it is asked to end. */
 class Watch {
  public:
   explicit Watch(const WatchOptions& options) : limits_(options.limits), json_(options.json), group_(options.cameras) {}
@@ -41,7 +41,7 @@ class Watch {
     elapsed_ = Clock::now() - start_;
   }
 
-  /** Tells what was seen. @throw Failure when a camera gave nothing at all */
+  /** Prints what was seen. @throw Failure  when a camera sent no frame */
   void summarize() {
     for (const WatchedCamera& camera : group_.cameras()) {
       display_->tellAtEnd(watchSummary(camera, elapsed_));

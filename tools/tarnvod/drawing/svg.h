@@ -40,7 +40,7 @@ struct Drawing {
   std::string content;
 };
 
-/** The drawings one below the other, as a whole picture that needs nothing beside it. */
+/** The drawings one below the other, as a self-contained picture. */
 std::string picture(const std::vector<Drawing>& drawings, std::string_view title);
 
 /** An image file as the address of an image inside the picture. @throw Failure unless it is a PNG or JPEG that can be

@@ -44,7 +44,7 @@ class RecordingClock {
   std::uint64_t restarts_ = 0;
 };
 
-/** What is wrong with a recording; of many damages the first are kept and the rest are counted. */
+/** The damage in a recording: the first 20 entries, and how many there are. */
 class DamageList {
  public:
   void add(vod::recording::Damage damage);
