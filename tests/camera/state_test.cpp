@@ -270,7 +270,7 @@ TEST_F(AnUnknownClass, IsRefusedByName) {
   const CameraStatus status = camera.status();
   EXPECT_EQ(status.state, CameraState::Refused);
   EXPECT_THAT(status.refusedClasses, ElementsAre("dragon", "unicorn"));
-  EXPECT_EQ(status.reason, "the detector does not know 'dragon', 'unicorn', only 'bus', 'car', 'human'");
+  EXPECT_EQ(status.reason, "the detector does not know 'dragon', 'unicorn'; it knows 'bus', 'car', 'human'");
 }
 
 TEST_F(AnUnknownClass, BringsNoFramesAtAll) {

@@ -94,7 +94,7 @@ class CameraSetup {
       return {CameraState::Waiting, describeRefusal()};
     }
     end();  // what an earlier attempt left active has the names of a detector that is no longer there
-    std::string reason = "the detector does not know " + joined(refused) + ", only " + joined(known);
+    std::string reason = "the detector does not know " + joined(refused) + "; it knows " + joined(known);
     return {CameraState::Refused, std::move(reason), std::move(refused)};
   }
 
