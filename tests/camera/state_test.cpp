@@ -153,18 +153,8 @@ TEST_F(ASilentService, IsAskedForItsDetectorAndLeftSubscribed) {
   const TestCamera camera(1, people(), camera_);
   deliver();
   vod::host::clearJournal();
-  pass(4s);
-  EXPECT_THAT(vod::host::journal(), AllOf(SizeIs(5), Each(HasSubstr("get_information"))));
-}
-
-TEST_F(ASilentService, IsSubscribedAfreshAtTheEighthRenewal) {
-  const TestCamera camera(1, people(), camera_);
-  deliver();
-  vod::host::clearJournal();
-  pass(6s);
-  EXPECT_THAT(vod::host::journal(), testing::Contains(HasSubstr("unsubscribe")).Times(1));
-  deliver();
-  EXPECT_EQ(camera.status().state, CameraState::Receiving);
+  pass(60s);
+  EXPECT_THAT(vod::host::journal(), AllOf(SizeIs(80), Each(HasSubstr("get_information"))));
 }
 
 TEST_F(ASilentService, DeliversItsEmptyFramesWhenTheyComeAgain) {
@@ -364,8 +354,8 @@ TEST_F(ASlowApplication, CausesNoSetUp) {
   vod::host::clearJournal();
   for (int frame = 0; frame < 100; ++frame) {
     deliver(frame % 2 == 0 ? std::vector<std::uint32_t>{1} : std::vector<std::uint32_t>{});
+    TestTime::settle();
   }
-  TestTime::settle();
   EXPECT_EQ(camera.status().framesDelivered, 100U);
   EXPECT_THAT(vod::host::journal(), IsEmpty());
   EXPECT_THAT(camera_.takeStates(), ElementsAre(CameraState::Receiving));

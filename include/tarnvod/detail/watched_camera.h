@@ -9,7 +9,6 @@
 #include <tarnvod/detail/camera_setup.h>
 
 #include <algorithm>
-#include <cstdint>
 #include <functional>
 #include <memory>
 #include <new>
@@ -70,7 +69,7 @@ struct WatchedCamera {
     if (status.state == CameraState::Silent) {
       return flow.nextRenewal(now);
     }
-    return attempts_ == 0 ? now : flow.nextTry();
+    return wasAttempted_ ? flow.nextTry() : now;
   }
 
   /** Whether frames have just stayed away for too long. */
@@ -82,12 +81,10 @@ struct WatchedCamera {
     return isNew;
   }
 
-  /** What the next attempt does with an earlier set-up. A camera that stays silent is subscribed afresh at times. */
+  /** What the next attempt does with an earlier set-up: the first one cannot know its region. */
   Existing nextAttempt() {
-    silentAttempts_ = status.state == CameraState::Silent ? silentAttempts_ + 1 : 0;
-    const bool isFirst = attempts_++ == 0;
-    return isFirst || (silentAttempts_ > 0 && silentAttempts_ % renewalsBetweenSubscriptions == 0) ? Existing::End
-                                                                                                   : Existing::Keep;
+    const bool isFirst = !std::exchange(wasAttempted_, true);
+    return isFirst ? Existing::End : Existing::Keep;
   }
 
   /** An attempt has ended. */
@@ -127,9 +124,6 @@ struct WatchedCamera {
   Time nextReport = Time::min();
 
  private:
-  /** Rarely enough that a service which needs seconds for the first frame gets to send it. */
-  static constexpr std::uint32_t renewalsBetweenSubscriptions = 8;
-
   void changeState(CameraState state, std::string reason, std::set<std::string> refusedClasses = {}) noexcept {
     if (status.state == state && status.reason == reason && status.refusedClasses == refusedClasses) {
       return;
@@ -159,8 +153,7 @@ struct WatchedCamera {
 
   bool isInterrupted_ = false;
   bool isThrowing_ = false;
-  std::uint32_t attempts_ = 0;
-  std::uint32_t silentAttempts_ = 0;
+  bool wasAttempted_ = false;
 };
 
 }  // namespace tarn::VOD::detail

@@ -1,0 +1,70 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+// Which empty frames may have been made without the classes that were asked for.
+
+#include <gtest/gtest.h>
+#include <tarnvod/detail/camera_flow.h>
+
+#include <chrono>
+
+namespace {
+
+using tarn::VOD::detail::CameraFlow;
+using namespace std::chrono_literals;
+
+class AnEmptyFrame : public testing::Test {
+ protected:
+  CameraFlow::Setup setUp(bool success) {
+    const CameraFlow::Setup setup = flow_.beginSetup(now_);
+    flow_.endSetup(success, now_);
+    return setup;
+  }
+
+  bool isAccepted(CameraFlow::Setup setup) { return flow_.accept(setup, false, now_); }
+
+  CameraFlow::Time now_{1h};
+  CameraFlow flow_{now_};
+};
+
+TEST_F(AnEmptyFrame, OfASetUpThatSucceededIsComplete) {
+  EXPECT_TRUE(isAccepted(setUp(true)));
+}
+
+TEST_F(AnEmptyFrame, OfASetUpThatFailedIsDoubtful) {
+  EXPECT_FALSE(isAccepted(setUp(false)));
+  EXPECT_TRUE(flow_.isDoubtful());
+}
+
+TEST_F(AnEmptyFrame, OfASetUpThatMayStillFailIsDoubtful) {
+  setUp(true);
+  const CameraFlow::Setup undecided = flow_.beginSetup(now_);
+  EXPECT_FALSE(isAccepted(undecided));
+  flow_.endSetup(true, now_);
+  EXPECT_TRUE(isAccepted(undecided));
+}
+
+TEST_F(AnEmptyFrame, OfTheSetUpBeforeIsCompleteWhileThatIsRenewed) {
+  const CameraFlow::Setup before = setUp(true);
+  flow_.beginSetup(now_);
+  EXPECT_TRUE(isAccepted(before));
+}
+
+TEST_F(AnEmptyFrame, IsDoubtfulAfterAPause) {
+  const CameraFlow::Setup setup = setUp(true);
+  now_ += CameraFlow::lease - 1ms;
+  EXPECT_TRUE(isAccepted(setup));
+  now_ += 1ms;
+  EXPECT_FALSE(isAccepted(setup));
+}
+
+TEST_F(AnEmptyFrame, AfterOneWithDetectionsOfTheSameSetUpIsComplete) {
+  const CameraFlow::Setup setup = setUp(true);
+  const CameraFlow::Setup failed = setUp(false);
+  EXPECT_FALSE(isAccepted(setup));
+  EXPECT_TRUE(flow_.accept(setup, true, now_));
+  EXPECT_TRUE(isAccepted(setup));
+  EXPECT_FALSE(isAccepted(failed));
+}
+
+}  // namespace
