@@ -114,7 +114,7 @@ describe('two cameras that are seen live', () => {
     assert.ok(!await veil.isVisible());
     viewer.switchService('down');
     await cameraOf(page, 1).locator('.pill', { hasText: 'down' }).waitFor();
-    assert.match(await veil.textContent(), /No frames.*the service does not answer; the library tries again every 1 s/);
+    assert.match(await veil.textContent(), /No frames.*the service does not answer; trying again every 1 s/);
     await cameraOf(page, 2).locator('.pill', { hasText: 'down' }).waitFor();
     await takePicture(page, 'down-1280-light');
     viewer.switchService('up');

@@ -4,8 +4,8 @@
 #ifndef TARNVOD_COMMAND_PROGRESS_BAR_H
 #define TARNVOD_COMMAND_PROGRESS_BAR_H
 
+#include "base/clock.h"
 #include "base/options.h"
-#include "cameras/camera_link.h"
 
 #include <cstdint>
 #include <string>

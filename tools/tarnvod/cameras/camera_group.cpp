@@ -3,38 +3,33 @@
 
 #include "cameras/camera_group.h"
 
+#include "base/errors.h"
 #include "cameras/service.h"
 
 #include <algorithm>
 
 namespace tarn::command {
 
-CameraGroup::CameraGroup(const CameraOptions& options) {
-  for (const int camera : chosenCameras(options.cameras)) {
-    cameras_.emplace_back(camera, options.request(), queue_);
-  }
-}
+CameraGroup::CameraGroup(const CameraOptions& options)
+    : numbers_(chosenCameras(options.cameras)), request_(options.request()) {}
 
 void CameraGroup::connect() {
-  for (WatchedCamera& camera : cameras_) {
-    camera.link.connect();
+  for (const int camera : numbers_) {
+    const VOD::CameraStatus status = cameras_.emplace_back(camera, request_, queue_).camera.status();
+    if (status.state == VOD::CameraState::Refused) {
+      throw Failure("camera " + std::to_string(camera) + ": " + status.reason);
+    }
   }
 }
 
 WatchedCamera& CameraGroup::cameraOf(const Arrival& arrival) {
   return *std::find_if(cameras_.begin(), cameras_.end(),
-                       [&](const WatchedCamera& each) { return each.link.camera() == arrival.camera; });
-}
-
-void CameraGroup::tick(Clock::time_point now) {
-  for (WatchedCamera& camera : cameras_) {
-    camera.link.tick(now);
-  }
+                       [&](const WatchedCamera& each) { return each.number == arrival.camera; });
 }
 
 void CameraGroup::tellNews(const std::function<void(const std::string&)>& tell) {
   for (WatchedCamera& camera : cameras_) {
-    if (const auto news = camera.news.next(camera.link, Clock::now())) {
+    if (const auto news = camera.news.next(camera.camera.status(), Clock::now())) {
       tell(*news);
     }
   }

@@ -7,27 +7,16 @@
 #include "cameras/camera_options.h"
 #include "cameras/watched_camera.h"
 
-#include <tarnvod/handler.h>
-
 #include <chrono>
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <optional>
+#include <set>
 #include <string>
 
 namespace tarn::command {
 
-/** Runs the library's retry thread until it is destroyed. */
-class RetryThread {
- public:
-  RetryThread() { VOD::Handler::initialize(static_cast<int>(retryPeriod.count())); }
-  ~RetryThread() { VOD::Handler::deinitialize(); }
-  RetryThread(const RetryThread&) = delete;
-  RetryThread& operator=(const RetryThread&) = delete;
-};
-
-/** The cameras that a subcommand watches, and the frames that come from them. They are torn down with it. */
+/** The cameras that a subcommand watches, and the frames that come from them. They end with it. */
 class CameraGroup {
  public:
   /** How long to wait for a frame before the time is looked at. */
@@ -40,12 +29,9 @@ class CameraGroup {
   void connect();
 
   /** Waits for a frame, a tick at most. */
-  std::optional<Arrival> next() { return queue_->popWithin(tickPeriod); }
+  std::optional<Arrival> next() { return queue_.popWithin(tickPeriod); }
 
   WatchedCamera& cameraOf(const Arrival& arrival);
-
-  /** Takes note of the time; tries again what failed. */
-  void tick(Clock::time_point now);
 
   /** Reports what has changed since the last call: one line, which names its camera. */
   void tellNews(const std::function<void(const std::string&)>& tell);
@@ -53,15 +39,16 @@ class CameraGroup {
   const WatchedCameras& cameras() const { return cameras_; }
 
   /** How many frames were dropped because nobody fetched them in time. */
-  std::uint64_t dropped() const { return queue_->dropped(); }
+  std::uint64_t dropped() const { return queue_.dropped(); }
 
  private:
   /** Enough for a short stall of the reader. */
   static constexpr std::size_t queueCapacity = 256;
 
-  const RetryThread retryThread_;
-  const std::shared_ptr<ArrivalQueue> queue_ = std::make_shared<ArrivalQueue>(queueCapacity);
-  WatchedCameras cameras_;
+  const std::set<int> numbers_;
+  const VOD::CameraRequest request_;
+  ArrivalQueue queue_{queueCapacity};
+  WatchedCameras cameras_;  // after the queue, which their frames go to
 };
 
 }  // namespace tarn::command

@@ -9,8 +9,8 @@
 
 namespace tarn::command {
 
-Request CameraOptions::request() const {
-  Request request;
+VOD::CameraRequest CameraOptions::request() const {
+  VOD::CameraRequest request;
   request.classes.insert(classes.begin(), classes.end());
   if (region) {
     const auto& [a, b, c, d] = *region;

@@ -4,7 +4,7 @@
 #ifndef TARNVOD_COMMAND_CAMERA_OPTIONS_H
 #define TARNVOD_COMMAND_CAMERA_OPTIONS_H
 
-#include "cameras/camera_link.h"
+#include <tarnvod/camera.h>
 
 #include <array>
 #include <optional>
@@ -25,7 +25,7 @@ struct CameraOptions {
   bool allClasses = false;
   std::optional<std::array<float, 4>> region;
 
-  Request request() const;
+  VOD::CameraRequest request() const;
 };
 
 /**

@@ -4,7 +4,7 @@
 #ifndef TARNVOD_COMMAND_CAMERA_STATISTICS_H
 #define TARNVOD_COMMAND_CAMERA_STATISTICS_H
 
-#include "cameras/camera_link.h"
+#include "base/clock.h"
 
 #include <tarnvod/detection_data.h>
 

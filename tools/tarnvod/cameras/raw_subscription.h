@@ -10,6 +10,7 @@
 #include <video_object_detection_subscriber.h>
 
 #include <atomic>
+#include <chrono>
 #include <memory>
 #include <string>
 
@@ -22,6 +23,9 @@ struct ArrivedScene {
 };
 
 using SceneQueue = BoundedQueue<ArrivedScene>;
+
+/** How long to wait before a dropped subscription is tried again. */
+inline constexpr std::chrono::seconds retryPeriod{1};
 
 /**
  * A subscription at the platform's own interface: scenes as the service sends them, byte for byte, empty ones included.

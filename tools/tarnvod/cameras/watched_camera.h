@@ -4,24 +4,37 @@
 #ifndef TARNVOD_COMMAND_WATCHED_CAMERA_H
 #define TARNVOD_COMMAND_WATCHED_CAMERA_H
 
-#include "cameras/camera_link.h"
+#include "cameras/bounded_queue.h"
+#include "cameras/camera_news.h"
 #include "cameras/camera_statistics.h"
-#include "cameras/link_news.h"
+
+#include <tarnvod/camera.h>
 
 #include <deque>
 #include <memory>
-#include <utility>
 
 namespace tarn::command {
 
-/** One camera that is watched. */
-struct WatchedCamera {
-  WatchedCamera(int camera, const Request& request, std::shared_ptr<ArrivalQueue> queue)
-      : link(camera, request, std::move(queue)) {}
+/** A frame on its way from the service's thread to the main thread. */
+struct Arrival {
+  int camera = 0;
+  Clock::time_point at;
+  std::unique_ptr<VOD::DetectionData> frame;
+};
 
-  CameraLink link;
+using ArrivalQueue = BoundedQueue<Arrival>;
+
+/** One camera that is watched, from its construction on. */
+struct WatchedCamera {
+  WatchedCamera(int camera, const VOD::CameraRequest& request, ArrivalQueue& queue)
+      : number(camera), camera(camera, request, [camera, &queue](std::unique_ptr<VOD::DetectionData> frame) {
+          queue.push({camera, Clock::now(), std::move(frame)});
+        }) {}
+
+  const int number;
   CameraStatistics statistics;
-  LinkNews news;
+  CameraNews news;
+  const VOD::Camera camera;  // last, so that it ends first
 };
 
 using WatchedCameras = std::deque<WatchedCamera>;

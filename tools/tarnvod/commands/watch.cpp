@@ -52,8 +52,9 @@ class Watch {
     display_.reset();
     for (const WatchedCamera& camera : group_.cameras()) {
       if (camera.statistics.frames() == 0 && !wasAskedToEnd_) {
-        throw Failure("camera " + std::to_string(camera.link.camera()) + ": no frame came" +
-                      (camera.link.problem(Clock::now()).empty() ? "" : "; " + camera.link.problem(Clock::now())));
+        const std::string problem = problemOf(camera.camera.status(), Clock::now());
+        throw Failure("camera " + std::to_string(camera.number) + ": no frame came" +
+                      (problem.empty() ? "" : "; " + problem));
       }
     }
   }
@@ -76,7 +77,7 @@ class Watch {
 
   void show(const Arrival& arrival) {
     WatchedCamera& camera = group_.cameraOf(arrival);
-    if (hasEnough(camera) || !camera.link.accept(arrival)) {
+    if (hasEnough(camera)) {
       return;
     }
     tellNews();
@@ -86,7 +87,6 @@ class Watch {
 
   void tick() {
     const Clock::time_point now = Clock::now();
-    group_.tick(now);
     tellNews();
     display_->refresh(group_.cameras(), now);
   }

@@ -31,10 +31,9 @@ std::string numbersText(const CameraStatistics& statistics, Clock::time_point no
 }
 
 Line stateLine(const WatchedCamera& camera, Clock::time_point now) {
-  const CameraLink& link = camera.link;
-  const Span title{"camera " + std::to_string(link.camera()), Style::Bold};
-  if (link.state() != CameraLink::State::Receiving) {
-    return {title, {"   " + link.problem(now), Style::Bad}};
+  const Span title{"camera " + std::to_string(camera.number), Style::Bold};
+  if (const std::string problem = problemOf(camera.camera.status(), now); !problem.empty()) {
+    return {title, {"   " + problem, Style::Bad}};
   }
   if (camera.statistics.latest() == nullptr) {
     return {title, {"   set up, waiting for the first frame", Style::Warning}};
@@ -152,7 +151,7 @@ std::vector<Line> watchTable(const WatchedCameras& cameras, const TerminalSize& 
     if (camera.statistics.latest() != nullptr) {
       const std::size_t firstRow = lines.size();
       addObjects(lines, camera.statistics, rowsPerCamera, size.columns);
-      if (camera.link.state() != CameraLink::State::Receiving) {
+      if (camera.camera.status().state != VOD::CameraState::Receiving) {
         dim(lines, firstRow);
       }
     }
@@ -170,10 +169,10 @@ std::string watchSummary(const WatchedCamera& camera, Clock::duration elapsed) {
     objects += count;
     classes.push_back(printable(name) + ' ' + std::to_string(count));
   }
-  return "camera " + std::to_string(camera.link.camera()) + ": " + counted(statistics.frames(), "frame") + " in " +
+  return "camera " + std::to_string(camera.number) + ": " + counted(statistics.frames(), "frame") + " in " +
          fixed(seconds, 1) + " s, " + counted(objects, "object") +
          (classes.empty() ? "" : " (" + joined(classes, ", ") + ")") + ", " + counted(statistics.events(), "event") +
-         ", " + counted(static_cast<std::uint64_t>(camera.link.interruptions()), "interruption");
+         ", " + counted(camera.camera.status().interruptions, "interruption");
 }
 
 }  // namespace tarn::command

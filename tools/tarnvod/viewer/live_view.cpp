@@ -21,27 +21,27 @@ float secondsBetween(Clock::time_point from, Clock::time_point to) {
   return std::chrono::duration<float>(to - from).count();
 }
 
-const char* nameOf(CameraLink::State state) {
+const char* nameOf(VOD::CameraState state) {
   switch (state) {
-    case CameraLink::State::Waiting:
+    case VOD::CameraState::Waiting:
       return "waiting";
-    case CameraLink::State::Receiving:
+    case VOD::CameraState::Receiving:
       return "receiving";
-    case CameraLink::State::Silent:
+    case VOD::CameraState::Silent:
+      return "silent";
+    case VOD::CameraState::Refused:
       break;
   }
-  return "silent";
+  return "refused";
 }
 
 Json stateOf(const WatchedCamera& camera, Clock::time_point now) {
+  const VOD::CameraStatus status = camera.camera.status();
   const CameraStatistics& statistics = camera.statistics;
   const Json age = statistics.latest() == nullptr ? Json(nullptr) : Json(secondsBetween(statistics.latestAt(), now));
-  return {{"camera", camera.link.camera()},
-          {"state", nameOf(camera.link.state())},
-          {"problem", camera.link.problem(now)},
-          {"interruptions", camera.link.interruptions()},
-          {"frames", statistics.frames()},
-          {"framesPerSecond", static_cast<float>(statistics.rate(now))},
+  return {{"camera", camera.number},           {"state", nameOf(status.state)},
+          {"problem", problemOf(status, now)}, {"interruptions", status.interruptions},
+          {"frames", statistics.frames()},     {"framesPerSecond", static_cast<float>(statistics.rate(now))},
           {"secondsSinceFrame", age}};
 }
 
@@ -53,7 +53,6 @@ void LiveView::run() {
       show(*arrival);
     }
     const Clock::time_point now = Clock::now();
-    group_.tick(now);
     tellNews(now);
     if (now - publishedAt_ >= statePeriod) {
       publishState(now);
@@ -63,10 +62,8 @@ void LiveView::run() {
 
 void LiveView::show(const Arrival& arrival) {
   WatchedCamera& camera = group_.cameraOf(arrival);
-  if (camera.link.accept(arrival)) {
-    camera.statistics.add(*arrival.frame, arrival.at);
-    hub_.publishFrame(makeEvent("frame", toJson(*arrival.frame, arrival.camera)));
-  }
+  camera.statistics.add(*arrival.frame, arrival.at);
+  hub_.publishFrame(makeEvent("frame", toJson(*arrival.frame, arrival.camera)));
 }
 
 void LiveView::tellNews(Clock::time_point now) {

@@ -86,7 +86,7 @@ class LiveCamera {
     if (!this.#connected) {
       return ['lost', 'not connected'];
     }
-    const texts = { receiving: 'receiving', silent: 'down', waiting: 'not set up' };
+    const texts = { receiving: 'receiving', silent: 'down', waiting: 'down', refused: 'refused' };
     const state = this.#state?.state;
     return state ? [state, texts[state]] : ['connecting', 'connecting'];
   }

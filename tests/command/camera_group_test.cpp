@@ -1,0 +1,60 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+// The cameras of a subcommand whose output is slow.
+
+#include "cameras/camera_group.h"
+
+#include "situations.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <vod_host.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+
+using tarn::command::CameraGroup;
+using testing::IsEmpty;
+
+constexpr int framesOfTwoSeconds = 20;
+
+class ASlowReader : public testing::Test {
+ protected:
+  ASlowReader() {
+    vod::host::reset();
+    vod::host::channel(0).detectorInformation(test::detector().SerializeAsString());
+    options_.cameras = {1};
+  }
+
+  /** Lets the service send frames for longer than any pause that looks like a silence, while nobody reads. */
+  static void sendForTwoSeconds(const std::filesystem::path& recording, const CameraGroup& group) {
+    vod::host::channel(0).recording(recording, {1.0, false});
+    vod::host::channel(0).waitForEndOfRecording();
+    ASSERT_EQ(group.cameras().front().camera.status().framesDelivered, framesOfTwoSeconds);
+  }
+
+  tarn::command::CameraOptions options_;
+};
+
+TEST_F(ASlowReader, IsNotTakenForASilentCamera) {
+  const test::TemporaryFolder folder;
+  test::makeRecording(folder / "recording");
+  CameraGroup group(options_);
+  group.connect();
+  vod::host::clearJournal();
+
+  sendForTwoSeconds(folder / "recording", group);
+  std::vector<std::string> news;
+  for (int frame = 0; frame < framesOfTwoSeconds; ++frame) {
+    ASSERT_TRUE(group.next());
+    group.tellNews([&news](const std::string& text) { news.push_back(text); });
+  }
+
+  EXPECT_THAT(news, IsEmpty());
+  EXPECT_THAT(vod::host::journal(), IsEmpty());
+}
+
+}  // namespace
