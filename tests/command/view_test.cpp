@@ -10,6 +10,7 @@
 
 #include <deque>
 #include <map>
+#include <regex>
 #include <set>
 #include <sstream>
 
@@ -17,7 +18,6 @@ using nlohmann::json;
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::MatchesRegex;
 using testing::Not;
 using testing::SizeIs;
 using testing::StartsWith;
@@ -44,30 +44,45 @@ TEST_F(View, PrintsWhereItsPageIsAndNothingElse) {
   EXPECT_EQ(viewer.process.output(), "http://127.0.0.1:" + std::to_string(viewer.port()) + "/\n");
 }
 
-TEST_F(View, ServesOnePageThatFetchesNothingFromElsewhere) {
-  const test::Answer page = test::Viewer({"--camera", "1"}, playing()).get("/");
+TEST_F(View, ServesAPageOfItsOwnFilesOnly) {
+  const test::Viewer viewer({"--camera", "1"}, playing());
+  const test::Answer page = viewer.get("/");
 
   EXPECT_EQ(page.status, 200);
   EXPECT_EQ(page.header("Content-Type"), "text/html; charset=utf-8");
   EXPECT_THAT(page.body, StartsWith("<!doctype html>"));
-  EXPECT_THAT(page.body, Not(HasSubstr("@NONCE@")));
-  EXPECT_THAT(page.body, Not(HasSubstr("@SCRIPT@")));
-  EXPECT_THAT(page.body, Not(HasSubstr(" src=")));
+  EXPECT_THAT(page.body, HasSubstr("<script type=\"module\" src=\"main.js\"></script>"));
   EXPECT_THAT(page.body, Not(HasSubstr("https:")));
+  EXPECT_EQ(viewer.get("/page.css").header("Content-Type"), "text/css; charset=utf-8");
 }
 
-TEST_F(View, AllowsThePageItsOwnScriptAndStyleOnly) {
+TEST_F(View, ServesEachModuleThatAnotherImports) {
   const test::Viewer viewer({"--camera", "1"}, playing());
-  const test::Answer page = viewer.get("/");
 
-  const std::string policy = page.header("Content-Security-Policy");
-  EXPECT_THAT(policy, MatchesRegex("default-src 'none'; script-src 'nonce-[0-9a-f]*'; style-src 'nonce-[0-9a-f]*'; "
-                                   "connect-src 'self'; img-src data:; base-uri 'none'; form-action 'none'; "
-                                   "frame-ancestors 'none'; require-trusted-types-for 'script'; trusted-types 'none'"));
-  const std::string nonce = policy.substr(policy.find("nonce-") + 6, 32);
-  EXPECT_THAT(page.body, HasSubstr("<script nonce=\"" + nonce + "\""));
-  EXPECT_THAT(page.body, HasSubstr("<style nonce=\"" + nonce + "\""));
-  EXPECT_THAT(viewer.get("/").body, Not(HasSubstr(nonce))) << "each answer has a nonce of its own";
+  std::set<std::string> seen;
+  std::deque<std::string> paths{"main.js"};
+  const std::regex import("from '\\./([a-z-]+\\.js)'");
+  for (; !paths.empty(); paths.pop_front()) {
+    const test::Answer script = viewer.get('/' + paths.front());
+    EXPECT_EQ(script.status, 200) << paths.front();
+    EXPECT_EQ(script.header("Content-Type"), "text/javascript; charset=utf-8");
+    for (std::sregex_iterator match(script.body.begin(), script.body.end(), import); match != std::sregex_iterator();
+         ++match) {
+      if (seen.insert((*match)[1]).second) {
+        paths.push_back((*match)[1]);
+      }
+    }
+  }
+  EXPECT_THAT(seen, SizeIs(testing::Ge(9U)));
+}
+
+TEST_F(View, AllowsThePageItsOwnFilesOnly) {
+  const test::Answer page = test::Viewer({"--camera", "1"}, playing()).get("/");
+
+  EXPECT_EQ(page.header("Content-Security-Policy"),
+            "default-src 'none'; script-src 'self'; style-src 'self'; connect-src 'self'; img-src data:; "
+            "base-uri 'none'; form-action 'none'; frame-ancestors 'none'; require-trusted-types-for 'script'; "
+            "trusted-types 'none'");
 }
 
 TEST_F(View, LetsNoAnswerBeKeptGuessedOrEmbeddedElsewhere) {

@@ -5,7 +5,7 @@
 
 #include "base/errors.h"
 #include "viewer/http_host.h"
-#include "viewer/view_page.h"
+#include "viewer/page_files.h"
 
 #include <httplib.h>
 #include <sys/socket.h>
@@ -14,9 +14,6 @@
 #include <chrono>
 #include <cstring>
 #include <exception>
-#include <iomanip>
-#include <random>
-#include <sstream>
 #include <thread>
 #include <utility>
 
@@ -41,32 +38,10 @@ void setSocketOptions(socket_t socket) {
   setsockopt(socket, SOL_SOCKET, SO_SNDBUF, &sendBufferSize, sizeof sendBufferSize);
 }
 
-/** A number that nobody can foresee, in hexadecimal. */
-std::string makeNonce() {
-  std::random_device random;
-  std::ostringstream nonce;
-  nonce << std::hex << std::setfill('0');
-  for (int word = 0; word < 4; ++word) {
-    nonce << std::setw(8) << random();
-  }
-  return nonce.str();
-}
-
-std::string replaced(std::string_view text, std::string_view what, const std::string& by) {
-  std::string result;
-  for (std::size_t at = text.find(what); at != std::string_view::npos; at = text.find(what)) {
-    result.append(text.substr(0, at)).append(by);
-    text.remove_prefix(at + what.size());
-  }
-  return result.append(text);
-}
-
-/** Only the page's own style and script, no other place, no markup from text. */
-std::string contentPolicy(const std::string& nonce) {
-  return "default-src 'none'; script-src 'nonce-" + nonce + "'; style-src 'nonce-" + nonce +
-         "'; connect-src 'self'; img-src data:; base-uri 'none'; form-action 'none'; frame-ancestors 'none'; "
-         "require-trusted-types-for 'script'; trusted-types 'none'";
-}
+/** Only the page's own files, no markup from text. */
+constexpr const char* contentPolicy =
+    "default-src 'none'; script-src 'self'; style-src 'self'; connect-src 'self'; img-src data:; base-uri 'none'; "
+    "form-action 'none'; frame-ancestors 'none'; require-trusted-types-for 'script'; trusted-types 'none'";
 
 /** Answers as it is: the library would compress it, which takes longer than the way to a browser on the same desk. */
 void answerUncompressed(httplib::Response& response, std::string text, const char* type) {
@@ -77,10 +52,9 @@ void answerUncompressed(httplib::Response& response, std::string text, const cha
                                 });
 }
 
-void answerPage(httplib::Response& response) {
-  const std::string nonce = makeNonce();
-  response.set_header("Content-Security-Policy", contentPolicy(nonce));
-  answerUncompressed(response, replaced(viewPage, noncePlaceholder, nonce), "text/html; charset=utf-8");
+void answerFile(const PageFile& file, httplib::Response& response) {
+  response.set_header("Content-Security-Policy", contentPolicy);
+  answerUncompressed(response, std::string(file.text), file.type.data());
 }
 
 void refuse(httplib::Response& response, int status, const std::string& reason) {
@@ -129,7 +103,10 @@ class ViewServer::Implementation {
     configure();
     bind(port);
     refuseStrangers();
-    server_.Get("/", [](const httplib::Request&, httplib::Response& response) { answerPage(response); });
+    for (const PageFile& file : pageFiles()) {
+      server_.Get(std::string(file.path),
+                  [&file](const httplib::Request&, httplib::Response& response) { answerFile(file, response); });
+    }
   }
 
   ~Implementation() {

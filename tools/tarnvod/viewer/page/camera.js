@@ -1,11 +1,16 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+import { attributeText, counted, eventText, listEntries, make, nameOf, seconds, statusText } from './format.js';
+import { colourOf, darkScheme } from './geometry.js';
+import { drawPicture } from './picture.js';
+import { drawTimeline } from './timeline.js';
+
 const columns = [['Object', ''], ['Score', 'number'], ['Status', ''], ['Age', 'number']];
 const eventsListed = 5;
 
 /** A camera's part of the page: its picture, its timeline, and a table that says the same without a picture. */
-class CameraView {
+export class CameraView {
   #setup;
   #filters;
   #pill = make('p', { className: 'pill' });

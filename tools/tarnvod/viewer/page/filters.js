@@ -1,8 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+import { byId, make } from './format.js';
+
 /** A checkbox for each class; all are shown until one is unchecked. */
-class ClassFilters {
+export class ClassFilters {
   #group = byId('filters');
   #known = new Set();
   #hidden = new Set();

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 /** Where a detection's box is, as shares of the picture's width and height; null when a number is none. */
-function boxOf({ coord1, coord2, coord3, coord4 }, { form, range: [left, top, right, bottom] }) {
+export function boxOf({ coord1, coord2, coord3, coord4 }, { form, range: [left, top, right, bottom] }) {
   if ([coord1, coord2, coord3, coord4].includes(null)) {
     return null;
   }
@@ -14,21 +14,21 @@ function boxOf({ coord1, coord2, coord3, coord4 }, { form, range: [left, top, ri
 }
 
 /** Where the object stands: the middle of the box's lower edge. */
-const footOf = (box) => ({ x: (box.left + box.right) / 2, y: box.bottom });
+export const footOf = (box) => ({ x: (box.left + box.right) / 2, y: box.bottom });
 
-const darkScheme = matchMedia('(prefers-color-scheme: dark)');
+export const darkScheme = matchMedia('(prefers-color-scheme: dark)');
 
 const saturation = 0.72;
 const hueOf = (objectId) => (objectId * 137.508) % 360;
 const lightnessOf = (objectId) => (darkScheme.matches ? [0.66, 0.73, 0.59] : [0.4, 0.47, 0.32])[objectId % 3];
 
 /** An object's colour is the same everywhere and differs from that of its neighbours in number. */
-function colourOf(objectId) {
+export function colourOf(objectId) {
   return `hsl(${hueOf(objectId).toFixed(1)} ${100 * saturation}% ${100 * lightnessOf(objectId)}%)`;
 }
 
 /** Black or white, whichever can be read better on an object's colour. */
-function inkOn(objectId) {
+export function inkOn(objectId) {
   const lightness = lightnessOf(objectId);
   const part = (offset) => {
     const place = (offset + hueOf(objectId) / 30) % 12;
@@ -39,14 +39,14 @@ function inkOn(objectId) {
 }
 
 /** What is neither an object's colour nor the page's style. */
-function inks() {
+export function inks() {
   return darkScheme.matches
     ? { ground: '#0d1117', grid: '#1d2530', text: '#9aa4b0', mark: '#e6e9ee' }
     : { ground: '#fbfcfd', grid: '#e6eaee', text: '#59636e', mark: '#1b1f24' };
 }
 
 /** Fits the canvas to its place and the screen's pixels; gives what draws on it in units of the page. */
-function prepareCanvas(canvas) {
+export function prepareCanvas(canvas) {
   const { clientWidth: width, clientHeight: height } = canvas;
   const scale = devicePixelRatio;
   const [columns, rows] = [Math.round(width * scale), Math.round(height * scale)];
@@ -63,7 +63,7 @@ function prepareCanvas(canvas) {
 }
 
 /** The text, cut where it is longer than there is room. */
-function fittingText(context, text, room) {
+export function fittingText(context, text, room) {
   if (context.measureText(text).width <= room) {
     return text;
   }

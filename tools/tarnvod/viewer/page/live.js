@@ -1,6 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+import { CameraView } from './camera.js';
+import { ClassFilters } from './filters.js';
+import { byId, counted, listEntries, seconds } from './format.js';
+import { History } from './lives.js';
+
 const clock = () => performance.now() / 1000;
 
 /** A time of the page's clock as people read it. */
@@ -121,7 +126,7 @@ class LiveCamera {
 }
 
 /** The page while it shows cameras. */
-class LivePage {
+export class LivePage {
   static #refreshPeriod = 250;
   static #retryPeriod = 2000;
 

@@ -1,14 +1,16 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+import { boxOf, footOf } from './geometry.js';
+
 /** An object that was away for longer is seen anew. In seconds. */
-const longestGap = 1;
+export const longestGap = 1;
 
 /** How long an object that was seen live keeps its row, while the service may still tell that it is deleted. In seconds. */
 const deletionPatience = 6;
 
 /** Rows of a timeline: what is there at the same time stands in different ones. */
-class Lanes {
+export class Lanes {
   #lanes = [];
 
   /** Gives the life the first row that is free when it begins. A life keeps its row to its `end`. */
@@ -20,7 +22,7 @@ class Lanes {
 }
 
 /** What one camera has shown of late, by the page's clock in seconds. */
-class History {
+export class History {
   /** How much of the past a timeline shows. */
   static window = 60;
   /** How much of the past a tail shows. */
@@ -86,7 +88,7 @@ class History {
 }
 
 /** The way of each object through these frames: its class, and its points in order. */
-function tailsOf(frames, boxes) {
+export function tailsOf(frames, boxes) {
   const tails = new Map();
   for (const { frame, at } of frames) {
     for (const detection of frame.detections) {

@@ -1,6 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+import { byId } from './format.js';
+import { LivePage } from './live.js';
+import { fetchJson, RecordingPage } from './recording.js';
+
 async function openPage() {
   const setup = await fetchJson('setup.json');
   return setup.mode === 'live'

@@ -1,6 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+import { nameOf, valuesText } from './format.js';
+import { boxOf, colourOf, fittingText, inkOn, prepareCanvas } from './geometry.js';
+import { History, longestGap, tailsOf } from './lives.js';
+
 const chipFont = '600 12px system-ui, "DejaVu Sans", sans-serif';
 const valuesFont = '11px system-ui, "DejaVu Sans", sans-serif';
 
@@ -86,7 +90,7 @@ function drawBox(context, detection, area) {
  * Draws a moment of a camera: `frame`, null before the first, and the `frames` before it, at the time `now`. Gives where
  * each detection's box was drawn, in units of the page.
  */
-function drawPicture(canvas, { frame, frames, now }, boxes, isShown) {
+export function drawPicture(canvas, { frame, frames, now }, boxes, isShown) {
   const { context, width, height, ink } = prepareCanvas(canvas);
   drawGrid(context, width, height, ink);
   for (const tail of tailsOf(frames, boxes).filter(({ className }) => isShown(className))) {

@@ -1,7 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-async function fetchJson(path) {
+import { CameraView } from './camera.js';
+import { ClassFilters } from './filters.js';
+import { byId, counted, seconds } from './format.js';
+import { History, Lanes } from './lives.js';
+
+export async function fetchJson(path) {
   const response = await fetch(path);
   if (!response.ok) {
     throw new Error(await response.text());
@@ -45,7 +50,7 @@ class FrameStore {
 }
 
 /** The page while it shows a recording. */
-class RecordingPage {
+export class RecordingPage {
   #overview;
   #times;
   #lives;

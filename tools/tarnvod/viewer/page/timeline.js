@@ -1,6 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+import { nameOf } from './format.js';
+import { colourOf, fittingText, inkOn, prepareCanvas } from './geometry.js';
+
 const axisHeight = 20;
 const timelineFont = '11px system-ui, "DejaVu Sans", sans-serif';
 
@@ -80,7 +83,7 @@ function drawEvent(context, event, lives, x, laneHeight, ink) {
  * Draws objects' lives and events between two times. The axis counts from `zero`; `cursor`, when it is there, is the
  * time that the picture shows.
  */
-function drawTimeline(canvas, { lives, events }, span, isShown) {
+export function drawTimeline(canvas, { lives, events }, span, isShown) {
   const shown = lives.filter(({ className, last }) => isShown(className) && last >= span.from);
   const lanes = Math.max(3, ...shown.map(({ lane }) => lane + 1));
   const laneHeight = laneHeightFor(lanes);

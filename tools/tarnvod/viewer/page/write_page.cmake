@@ -1,28 +1,34 @@
 # SPDX-FileCopyrightText: 2026 The tarnvod authors
 # SPDX-License-Identifier: MIT
 
-# cmake -D scripts=FILE,FILE... -D output=FILE -P write_page.cmake: puts page.css and the scripts into page.html, and all of it
-# into C++. Reads no brackets and semicolons as a list's: texts are only ever quoted.
+# cmake -D files=FILE,FILE... -D output=FILE -P write_page.cmake: embeds the files of the current folder in a C++ source file.
+# page.html becomes "/". The texts are always quoted, so that CMake does not interpret their brackets and semicolons.
 cmake_minimum_required(VERSION 3.25)
 
-file(READ viewer/page/page.html page)
-file(READ viewer/page/page.css style)
-set(script "")
-string(REPLACE "," ";" scripts "${scripts}")
-foreach(file IN LISTS scripts)
-  file(READ "${file}" part)
-  string(APPEND script "${part}")
+set(type_of_.html "text/html; charset=utf-8")
+set(type_of_.css "text/css; charset=utf-8")
+set(type_of_.js "text/javascript; charset=utf-8")
+
+set(entries "")
+string(REPLACE "," ";" files "${files}")
+foreach(file IN LISTS files)
+  file(READ "${file}" text)
+  cmake_path(GET file EXTENSION LAST_ONLY extension)
+  string(REGEX REPLACE "^page\\.html$" "" path "${file}")
+  string(APPEND entries "    {\"/${path}\", \"${type_of_${extension}}\", R\"page-file(${text})page-file\"},\n")
 endforeach()
-string(REPLACE "@STYLE@" "${style}" page "${page}")
-string(REPLACE "@SCRIPT@" "${script}" page "${page}")
 
-file(WRITE "${output}" "// Made of the files in tools/tarnvod/viewer/page/.
+file(WRITE "${output}" "// Generated from the files in tools/tarnvod/viewer/page/.
 
-#include \"viewer/view_page.h\"
+#include \"viewer/page_files.h\"
 
 namespace tarn::command {
 
-const std::string_view viewPage = R\"viewer-page(${page})viewer-page\";
+const std::vector<PageFile>& pageFiles() {
+  static const std::vector<PageFile> files{
+${entries}  };
+  return files;
+}
 
 }  // namespace tarn::command
 ")
