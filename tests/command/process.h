@@ -58,6 +58,7 @@ class Process {
   Outcome wait();
 
   const std::string& output() const { return output_; }
+  pid_t id() const { return id_; }
 
  private:
   void waitFor(const std::string& text, const std::string& where, std::size_t from);

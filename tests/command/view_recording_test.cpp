@@ -76,6 +76,48 @@ TEST_F(ViewOfARecording, RefusesFramesThatAreNoNumbers) {
   }
 }
 
+/** A scene of many humans. */
+::VOD::Scene crowd(int humans) {
+  ::VOD::Scene scene = test::scene(0);
+  for (int human = 1; human < humans; ++human) {
+    *scene.add_detections() = scene.detections(0);
+  }
+  return scene;
+}
+
+TEST_F(ViewOfARecording, GivesFewerFramesAtOnceWhereTheyAreLarge) {
+  test::writeScenes(recording, crowd(1000), 10);
+  const test::Viewer viewer({"--recording", recording}, {});
+
+  const json frames = json::parse(viewer.get("/frames.json?first=0&count=10").body);
+
+  EXPECT_THAT(frames, SizeIs(testing::AllOf(testing::Ge(1U), testing::Lt(10U))));
+  EXPECT_THAT(frames[0]["detections"], SizeIs(testing::Ge(1000U)));
+  EXPECT_EQ(json::parse(viewer.get("/frames.json?first=9&count=10").body).size(), 1U);
+}
+
+TEST_F(ViewOfARecording, LeavesOutWhatIsInAFrameThatIsTooLarge) {
+  const ::VOD::Scene scene = crowd(20000);
+  test::writeScenes(recording, scene, 1);
+  const test::Viewer viewer({"--recording", recording}, {});
+
+  const json frames = json::parse(viewer.get("/frames.json?first=0&count=1").body);
+
+  EXPECT_EQ(frames[0]["omittedBytes"], scene.ByteSizeLong());
+  EXPECT_THAT(frames[0]["detections"], SizeIs(0));
+}
+
+TEST_F(ViewOfARecording, OfEndlessEmptyFramesShowsTheFirstAndKeepsItsMemory) {
+  test::writeScenes(recording, {}, 600'000);
+  const test::Viewer viewer({"--recording", recording}, {});
+
+  const json overview = json::parse(viewer.get("/recording.json").body);
+
+  EXPECT_EQ(overview["frames"], 600'000);
+  EXPECT_THAT(overview["frameSeconds"], SizeIs(500'000));
+  EXPECT_LT(viewer.peakMemoryKilobytes(), test::viewerMemoryKilobytes);
+}
+
 TEST_F(ViewOfARecording, PassesOverGarbageAndTellsOfIt) {
   const std::string whole = test::contentsOf(recording / "scenes.pb");
   test::writeTo(recording / "scenes.pb", "\x03\xFF\xFF\xFF" + whole);

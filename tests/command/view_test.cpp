@@ -104,7 +104,7 @@ TEST_F(View, RefusesRequestsThatNameAnotherHost) {
   for (const char* path : {"/", "/events", "/setup.json"}) {
     const test::Answer answer = viewer.get(path, {{"Host", "camera.example:" + std::to_string(viewer.port())}});
     EXPECT_EQ(answer.status, 403);
-    EXPECT_THAT(answer.body, HasSubstr("answers no requests for other places"));
+    EXPECT_THAT(answer.body, HasSubstr("answers no requests for other hosts"));
   }
   EXPECT_EQ(viewer.get("/", {{"Host", "localhost:" + std::to_string(viewer.port())}}).status, 200);
 }
@@ -206,7 +206,7 @@ TEST_F(View, TellsAnOutageAndItsEnd) {
 
 TEST_F(View, GoesOnForOthersWhenABrowserDoesNotRead) {
   const test::Viewer viewer({"--camera", "1"}, playing("100"));
-  const test::SilentBrowser silent(viewer.port());
+  const test::Connection silent = viewer.silentBrowser();
 
   std::uint64_t dropped = 0;
   std::size_t frames = 0;
@@ -222,9 +222,9 @@ TEST_F(View, GoesOnForOthersWhenABrowserDoesNotRead) {
 TEST_F(View, TakesEightBrowsersAndNewOnesWhenTheyAreGone) {
   const test::Viewer viewer({"--camera", "1"}, playing());
   {
-    std::deque<test::SilentBrowser> browsers;
+    std::deque<test::Connection> browsers;
     for (int count = 0; count < 8; ++count) {
-      EXPECT_EQ(browsers.emplace_back(viewer.port()).statusLine(), "HTTP/1.1 200 OK");
+      EXPECT_EQ(browsers.emplace_back(viewer.silentBrowser()).receiveLine(), "HTTP/1.1 200 OK");
     }
     const test::Answer refusal = viewer.get("/events");
     EXPECT_EQ(refusal.status, 503);
@@ -233,7 +233,7 @@ TEST_F(View, TakesEightBrowsersAndNewOnesWhenTheyAreGone) {
   }
 
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-  while (test::SilentBrowser(viewer.port()).statusLine() != "HTTP/1.1 200 OK") {
+  while (viewer.silentBrowser().receiveLine() != "HTTP/1.1 200 OK") {
     ASSERT_LT(std::chrono::steady_clock::now(), deadline) << "those that vanished keep their places";
   }
 }
@@ -242,7 +242,7 @@ class ViewToldToEnd : public test::TwoCameras, public testing::WithParamInterfac
 
 TEST_P(ViewToldToEnd, EndsInOrderWhateverBrowsersDo) {
   test::Viewer viewer({"--camera", "1"}, playing("100"));
-  const test::SilentBrowser silent(viewer.port());
+  const test::Connection silent = viewer.silentBrowser();
   viewer.receive([](const test::Event& event) { return event.name == "frame"; });
 
   viewer.process.signal(GetParam());

@@ -3,12 +3,12 @@
 
 #include "viewer.h"
 
-#include <arpa/inet.h>
-#include <httplib.h>
-#include <sys/socket.h>
-#include <unistd.h>
+#include <google/protobuf/io/coded_stream.h>
+#include <google/protobuf/io/zero_copy_stream_impl.h>
 
 #include <chrono>
+#include <fstream>
+#include <sstream>
 #include <stdexcept>
 
 namespace test {
@@ -45,12 +45,17 @@ std::vector<std::string> atAFreePort(std::vector<std::string> arguments) {
   return arguments;
 }
 
-}  // namespace
-
-std::string Answer::header(const std::string& name) const {
-  const auto found = headers.find(name);
-  return found == headers.end() ? "" : found->second;
+/** Removes the headers of an answer from its front; false while they are not complete. */
+bool removeHeaders(std::string& bytes) {
+  const std::size_t end = bytes.find("\r\n\r\n");
+  if (end == std::string::npos) {
+    return false;
+  }
+  bytes.erase(0, end + 4);
+  return true;
 }
+
+}  // namespace
 
 Viewer::Viewer(std::vector<std::string> arguments, const Environment& environment)
     : process(commandWithServiceSwitch(), atAFreePort(std::move(arguments)), environment) {
@@ -59,57 +64,55 @@ Viewer::Viewer(std::vector<std::string> arguments, const Environment& environmen
 }
 
 Answer Viewer::get(const std::string& path, const std::multimap<std::string, std::string>& headers) const {
-  httplib::Client client("127.0.0.1", port_);
-  client.set_read_timeout(patience);
-  const auto result = client.Get(path.c_str(), httplib::Headers(headers.begin(), headers.end()));
-  if (!result) {
-    throw std::runtime_error("no answer: " + httplib::to_string(result.error()));
-  }
-  return {result->status, {result->headers.begin(), result->headers.end()}, result->body};
+  return answerTo(port_, requestFor(path, port_, headers));
 }
 
 void Viewer::receive(const std::function<bool(const Event&)>& isLast) const {
   const auto deadline = std::chrono::steady_clock::now() + patience;
+  Connection connection(port_);
+  connection.send(requestFor("/events", port_));
   EventReader reader;
-  bool isDone = false;
-  httplib::Client client("127.0.0.1", port_);
-  client.set_read_timeout(patience);
-  client.Get("/events", [&](const char* data, std::size_t size) {
-    reader.add({data, size});
-    for (Event event; !isDone && reader.next(event);) {
-      isDone = isLast(event);
+  std::string bytes;
+  for (bool isStream = false; connection.receive(bytes) && std::chrono::steady_clock::now() < deadline;) {
+    isStream = isStream || removeHeaders(bytes);
+    if (!isStream) {
+      continue;
     }
-    return !isDone && std::chrono::steady_clock::now() < deadline;
-  });
-  if (!isDone) {
-    throw std::runtime_error("waited in vain for an event");
+    reader.add(takeChunks(bytes));
+    for (Event event; reader.next(event);) {
+      if (isLast(event)) {
+        return;
+      }
+    }
   }
+  throw std::runtime_error("timed out waiting for an event");
 }
 
-SilentBrowser::SilentBrowser(int port) : socket_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-  const int smallBuffer = 4096;
-  setsockopt(socket_, SOL_SOCKET, SO_RCVBUF, &smallBuffer, sizeof smallBuffer);
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_port = htons(static_cast<std::uint16_t>(port));
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  const std::string request = "GET /events HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(port) + "\r\n\r\n";
-  if (connect(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
-      write(socket_, request.data(), request.size()) != static_cast<ssize_t>(request.size())) {
-    throw std::runtime_error("no connection");
+long Viewer::peakMemoryKilobytes() const {
+  std::ifstream status("/proc/" + std::to_string(process.id()) + "/status");
+  for (std::string line; std::getline(status, line);) {
+    if (line.rfind("VmHWM:", 0) == 0) {
+      return std::stol(line.substr(line.find_first_of("0123456789")));
+    }
   }
+  throw std::runtime_error("the viewer has ended");
 }
 
-SilentBrowser::~SilentBrowser() {
-  close(socket_);
+Connection Viewer::silentBrowser() const {
+  Connection connection(port_, 4096);
+  connection.send(requestFor("/events", port_));
+  return connection;
 }
 
-std::string SilentBrowser::statusLine() const {
-  std::string line;
-  for (char next = 0; read(socket_, &next, 1) == 1 && next != '\r';) {
-    line += next;
+void writeScenes(const std::filesystem::path& recording, const ::VOD::Scene& scene, int count) {
+  std::ofstream file(recording / "scenes.pb", std::ios::binary);
+  google::protobuf::io::OstreamOutputStream stream(&file);
+  google::protobuf::io::CodedOutputStream output(&stream);
+  const std::string bytes = scene.SerializeAsString();
+  for (int each = 0; each < count; ++each) {
+    output.WriteVarint32(static_cast<std::uint32_t>(bytes.size()));
+    output.WriteString(bytes);
   }
-  return line;
 }
 
 }  // namespace test

@@ -4,10 +4,13 @@
 #ifndef TARNVOD_TESTS_COMMAND_VIEWER_H
 #define TARNVOD_TESTS_COMMAND_VIEWER_H
 
+#include "http_client.h"
 #include "process.h"
 
 #include <nlohmann/json.hpp>
+#include <tarnvod/video_object_detection.pb.h>
 
+#include <filesystem>
 #include <functional>
 #include <map>
 #include <string>
@@ -15,14 +18,12 @@
 
 namespace test {
 
-/** An answer over HTTP. */
-struct Answer {
-  int status = 0;
-  std::multimap<std::string, std::string> headers;
-  std::string body;
-
-  std::string header(const std::string& name) const;
-};
+/** What the viewer may have in memory at most, whatever it is sent. */
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+inline constexpr long viewerMemoryKilobytes = 1024L * 1024L;  // sanitizers keep records of all memory
+#else
+inline constexpr long viewerMemoryKilobytes = 64L * 1024L;
+#endif
 
 /** A server-sent event. */
 struct Event {
@@ -32,7 +33,7 @@ struct Event {
   nlohmann::json json() const { return nlohmann::json::parse(data); }
 };
 
-/** `tarnvod view` at a free port, beside a service that can be taken down; and a browser's part. */
+/** `tarnvod view` at a free port, with a service that can be taken down; and a browser's part. */
 class Viewer {
  public:
   Viewer(std::vector<std::string> arguments, const Environment& environment);
@@ -43,26 +44,20 @@ class Viewer {
   /** Receives events until one is the last that was waited for. Fails the test after a long time. */
   void receive(const std::function<bool(const Event&)>& isLast) const;
 
+  /** A connection on which events were requested and nothing is read; it has small buffers. */
+  Connection silentBrowser() const;
+
+  /** The most that the viewer has had in memory. Fails the test when it has ended. */
+  long peakMemoryKilobytes() const;
+
   Process process;
 
  private:
   int port_ = 0;
 };
 
-/** A connection on which events were asked for and nothing is read. */
-class SilentBrowser {
- public:
-  explicit SilentBrowser(int port);
-  ~SilentBrowser();
-  SilentBrowser(const SilentBrowser&) = delete;
-  SilentBrowser& operator=(const SilentBrowser&) = delete;
-
-  /** Reads the first line of the answer. */
-  std::string statusLine() const;
-
- private:
-  int socket_ = -1;
-};
+/** Replaces a recording's scenes by one scene again and again. */
+void writeScenes(const std::filesystem::path& recording, const ::VOD::Scene& scene, int count);
 
 }  // namespace test
 

@@ -24,6 +24,7 @@
 #include <set>
 #include <string>
 #include <thread>
+#include <utility>
 
 namespace tarn::command {
 namespace {
@@ -45,19 +46,23 @@ Json boxesJson(const BoxConvention& boxes) {
   return {{"form", boxes.form == BoxConvention::Form::Size ? "size" : "corners"}, {"range", boxes.range}};
 }
 
+SharedText shared(std::string text) {
+  return std::make_shared<const std::string>(std::move(text));
+}
+
 /** What the page has to know before it draws anything. */
-std::string setupText(const ViewOptions& options, const std::set<int>& cameras) {
+SharedText setupText(const ViewOptions& options, const std::set<int>& cameras) {
   constexpr double usualAspect = 4.0 / 3.0;
   const BoxConvention boxes = options.boxes.convention();
   const double aspect = options.aspect.value_or(boxes.aspect().value_or(usualAspect));
-  return oneLine({{"mode", options.recording ? "recording" : "live"},
-                  {"cameras", cameras},
-                  {"boxes", boxesJson(boxes)},
-                  {"aspect", static_cast<float>(aspect)},
-                  {"version", TARNVOD_VERSION}});
+  return shared(oneLine({{"mode", options.recording ? "recording" : "live"},
+                         {"cameras", cameras},
+                         {"boxes", boxesJson(boxes)},
+                         {"aspect", static_cast<float>(aspect)},
+                         {"version", TARNVOD_VERSION}}));
 }
 
-std::uint64_t numberIn(const ViewServer::Parameters& parameters, const std::string& name) {
+std::uint64_t numberIn(const ViewSite::Parameters& parameters, const std::string& name) {
   const auto found = parameters.find(name);
   std::uint64_t number = 0;
   if (found != parameters.end()) {
@@ -73,14 +78,14 @@ std::uint64_t numberIn(const ViewServer::Parameters& parameters, const std::stri
 /** Tells where to look; scripts read this line. */
 void begin(ViewServer& server) {
   server.start();
-  standardOutput().write(server.url() + '\n');
+  standardOutput().write(server.site().url() + '\n');
 }
 
 int viewCameras(const ViewOptions& options) {
-  const std::string setup = setupText(options, {options.cameras.cameras.begin(), options.cameras.cameras.end()});
   EventHub hub;
   ViewServer server(options.address, options.port);
-  server.answer("/setup.json", [&setup](const auto&) { return setup; });
+  server.site().add("/setup.json",
+                    setupText(options, {options.cameras.cameras.begin(), options.cameras.cameras.end()}));
   server.stream(hub);
   LiveView view(options.cameras, hub);
   view.connect();
@@ -90,14 +95,12 @@ int viewCameras(const ViewOptions& options) {
 }
 
 int viewRecording(const ViewOptions& options) {
-  const std::string setup = setupText(options, {1});
   const RecordedFrames recording(*options.recording);
-  const std::string overview = oneLine(recording.overview());
   ViewServer server(options.address, options.port);
-  server.answer("/setup.json", [&setup](const auto&) { return setup; });
-  server.answer("/recording.json", [&overview](const auto&) { return overview; });
-  server.answer("/frames.json", [&recording](const auto& parameters) {
-    return oneLine(recording.frames(numberIn(parameters, "first"), numberIn(parameters, "count")));
+  server.site().add("/setup.json", setupText(options, {1}));
+  server.site().add("/recording.json", shared(oneLine(recording.overview())));
+  server.site().add("/frames.json", [&recording](const ViewSite::Parameters& parameters) {
+    return shared(oneLine(recording.frames(numberIn(parameters, "first"), numberIn(parameters, "count"))));
   });
   begin(server);
   while (!stopRequested()) {

@@ -4,6 +4,7 @@
 #include "recordings/recorded_frames.h"
 
 #include "base/errors.h"
+#include "base/stop_signal.h"
 #include "recordings/recording_scan.h"
 #include "recordings/recording_summary.h"
 #include "recordings/scene_record.h"
@@ -32,6 +33,19 @@ SceneNames namesOf(const std::filesystem::path& folder) {
   }
 }
 
+/** The frame as `watch --json` prints it; without its contents where they are too many to be viewed. */
+Json frameOf(const ::VOD::Scene& scene, const SceneNames& names) {
+  const std::size_t bytes = scene.ByteSizeLong();
+  if (bytes <= RecordedFrames::largestFrame) {
+    return toJson(recordOf(scene, names), camera);
+  }
+  ::VOD::Scene empty;
+  empty.set_timestamp(scene.timestamp());
+  Json frame = toJson(recordOf(empty, names), camera);
+  frame["omittedBytes"] = bytes;
+  return frame;
+}
+
 }  // namespace
 
 RecordedFrames::RecordedFrames(const std::filesystem::path& folder)
@@ -41,7 +55,8 @@ RecordedFrames::RecordedFrames(const std::filesystem::path& folder)
 
 void RecordedFrames::scan() {
   RecordingClock clock;
-  Json seconds = Json::array();
+  Json seconds = Json::array_t();
+  seconds.get_ref<Json::array_t&>().reserve(std::min<std::size_t>(mostFrames, overview_["frames"].get<std::size_t>()));
   Json events = Json::array();
   const auto visit = [&](const ScannedScene& scanned) {
     clock.advanceTo(scanned.scene.timestamp());
@@ -51,7 +66,7 @@ void RecordedFrames::scan() {
     }
     seconds.push_back(static_cast<float>(clock.seconds()));
     places_.push_back({scanned.part, scanned.offset});
-    return true;
+    return places_.size() < mostFrames && !stopRequested();
   };
   parts_ = vod::recording::partsOf(folder_);
   DamageList damage;  // the overview tells of it
@@ -62,10 +77,14 @@ void RecordedFrames::scan() {
 
 Json RecordedFrames::frames(std::uint64_t first, std::uint64_t count) const {
   Json frames = Json::array();
+  std::size_t bytes = 0;
   const std::uint64_t begin = std::min<std::uint64_t>(places_.size(), first);
-  const std::uint64_t end = std::min<std::uint64_t>(places_.size(), begin + std::min<std::uint64_t>(count, mostAtOnce));
-  for (std::uint64_t index = begin; index < end; ++index) {
-    frames.push_back(toJson(recordOf(sceneAt(places_[static_cast<std::size_t>(index)]), names_), camera));
+  const std::uint64_t end =
+      std::min<std::uint64_t>(places_.size(), begin + std::min<std::uint64_t>(count, mostAtOnce));
+  for (std::uint64_t index = begin; index < end && bytes < mostBytesAtOnce; ++index) {
+    const ::VOD::Scene scene = sceneAt(places_[static_cast<std::size_t>(index)]);
+    bytes += scene.ByteSizeLong();
+    frames.push_back(frameOf(scene, names_));
   }
   return frames;
 }

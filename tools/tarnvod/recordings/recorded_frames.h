@@ -21,19 +21,28 @@ namespace tarn::command {
 /** A recording's frames in any order. Holds where they are, not what is in them; may be read by several threads. */
 class RecordedFrames {
  public:
-  /** The most frames that are given at once. */
+  /** The most frames that are given at once, and about the most bytes of their scenes. */
   static constexpr std::size_t mostAtOnce = 200;
+  static constexpr std::size_t mostBytesAtOnce = 64U << 10U;
+  /** Scenes with more bytes are too large to be viewed. */
+  static constexpr std::size_t largestFrame = 256U << 10U;
+  /** The frames that are kept track of; what follows is not shown. Nearly five hours at 30 frames a second. */
+  static constexpr std::size_t mostFrames = 500'000;
 
   /** @throw vod::recording::RecordingError  when there are no scenes to be opened */
   explicit RecordedFrames(const std::filesystem::path& folder);
 
   /**
-   * What is in the recording: what `inspect --json` tells, and `frameSeconds`, the time of each frame that can be read,
-   * and `eventList`, each event with the number of its frame among those, counted from 0.
+   * What `inspect --json` prints, and `frameSeconds`, the time of each frame that can be read and shown, and
+   * `eventList`, each event with the number of its frame among those, counted from 0.
    */
   const Json& overview() const { return overview_; }
 
-  /** So many frames as `watch --json` shows them, from one on that is counted from 0; fewer where they end. */
+  /**
+   * Up to `count` frames as `watch --json` prints them, from the one with the number `first` on, counted from 0. Fewer at
+   * the end and where frames are large, but at least one. A frame that is too large to be viewed has no detections and
+   * events, and a member `omittedBytes`.
+   */
   Json frames(std::uint64_t first, std::uint64_t count) const;
 
  private:

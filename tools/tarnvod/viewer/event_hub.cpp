@@ -15,60 +15,89 @@ EventText makeEvent(const std::string& name, const Json& data) {
 }
 
 void EventStream::pushFrame(EventText frame) {
-  {
-    const std::lock_guard lock(mutex_);
-    if (frames_.size() == capacity_) {
-      frames_.pop_front();
-      ++dropped_;
-    }
-    frames_.push_back(std::move(frame));
+  const std::lock_guard lock(mutex_);
+  frameBytes_ += frame->size();
+  frames_.push_back(std::move(frame));
+  while (frames_.size() > capacity_.frames || frameBytes_ > capacity_.bytes) {
+    dropOldest();
   }
-  changed_.notify_one();
+  wake();
 }
 
 void EventStream::setState(EventText state) {
-  {
-    const std::lock_guard lock(mutex_);
-    state_ = std::move(state);
-  }
-  changed_.notify_one();
+  const std::lock_guard lock(mutex_);
+  state_ = std::move(state);
+  wake();
 }
 
 void EventStream::close() {
-  {
-    const std::lock_guard lock(mutex_);
-    closed_ = true;
-  }
-  changed_.notify_one();
+  const std::lock_guard lock(mutex_);
+  closed_ = true;
+  wake();
 }
 
-std::optional<std::string> EventStream::take() {
-  std::unique_lock lock(mutex_);
-  changed_.wait(lock, [this] { return closed_ || state_ || !frames_.empty(); });
+std::optional<std::size_t> EventStream::read(char* buffer, std::size_t size) {
+  const std::lock_guard lock(mutex_);
   if (closed_) {
     return std::nullopt;
   }
-  std::string text;
-  if (dropped_ != std::exchange(droppedTold_, dropped_)) {
-    text += *makeEvent("dropped", {{"dropped", dropped_}});
+  std::size_t copied = 0;
+  while (copied < size) {
+    if (!current_ && !(current_ = next())) {
+      break;
+    }
+    const std::size_t count = current_->copy(buffer + copied, size - copied, currentSent_);
+    copied += count;
+    currentSent_ += count;
+    if (currentSent_ == current_->size()) {
+      current_ = nullptr;
+      currentSent_ = 0;
+    }
   }
-  if (const EventText state = std::exchange(state_, nullptr)) {
-    text += *state;
+  if (copied == 0) {
+    // With the lock held, so that no event can come between looking and sleeping.
+    sleeping_ = true;
+    waiter_.sleep();
   }
-  for (const EventText& frame : std::exchange(frames_, {})) {
-    text += *frame;
-  }
-  return text;
+  return copied;
 }
 
-std::shared_ptr<EventStream> EventHub::join() {
+EventText EventStream::next() {
+  if (dropped_ != std::exchange(droppedReported_, dropped_)) {
+    return makeEvent("dropped", {{"dropped", dropped_}});
+  }
+  if (state_) {
+    return std::exchange(state_, nullptr);
+  }
+  if (frames_.empty()) {
+    return nullptr;
+  }
+  EventText frame = std::move(frames_.front());
+  frames_.pop_front();
+  frameBytes_ -= frame->size();
+  return frame;
+}
+
+void EventStream::dropOldest() {
+  frameBytes_ -= frames_.front()->size();
+  frames_.pop_front();
+  ++dropped_;
+}
+
+void EventStream::wake() {
+  if (std::exchange(sleeping_, false)) {
+    waiter_.wake();
+  }
+}
+
+std::shared_ptr<EventStream> EventHub::join(EventWaiter waiter) {
   const std::lock_guard lock(mutex_);
   streams_.erase(std::remove_if(streams_.begin(), streams_.end(), [](const auto& each) { return each.expired(); }),
                  streams_.end());
   if (streams_.size() >= mostBrowsers) {
     return nullptr;
   }
-  auto stream = std::make_shared<EventStream>(framesPerBrowser);
+  auto stream = std::make_shared<EventStream>(capacityPerBrowser, std::move(waiter));
   if (state_) {
     stream->setState(state_);
   }

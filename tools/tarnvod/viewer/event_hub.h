@@ -3,8 +3,8 @@
 
 /**
  * @file
- * Server-sent events on their way to browsers. Whoever publishes never waits: each browser has a bounded queue of its
- * own, and one that does not keep up loses the oldest frames.
+ * Server-sent events on their way to browsers. Publishing never waits: each browser has a bounded queue of its own, and
+ * one that does not keep up loses the oldest frames.
  */
 
 #ifndef TARNVOD_COMMAND_EVENT_HUB_H
@@ -12,10 +12,10 @@
 
 #include "records/json.h"
 
-#include <condition_variable>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -24,59 +24,82 @@
 
 namespace tarn::command {
 
-/** An event as it is written, shared by all browsers. */
+/** An event in its text form, shared by all browsers. */
 using EventText = std::shared_ptr<const std::string>;
 
 EventText makeEvent(const std::string& name, const Json& data);
 
-/** What one browser has still to be sent. Its functions are thread-safe. */
+/** How a connection sleeps while it has nothing to send. Both are called with the stream's lock held. */
+struct EventWaiter {
+  std::function<void()> sleep;  ///< on the thread that reads
+  std::function<void()> wake;   ///< on any thread, once after each `sleep`
+};
+
+/** What is still to be sent to one browser. Its functions are thread-safe. */
 class EventStream {
  public:
-  explicit EventStream(std::size_t capacity) : capacity_(capacity) {}
+  /** The most that waits for a browser that does not keep up. */
+  struct Capacity {
+    std::size_t frames;
+    std::size_t bytes;
+  };
 
-  /** Adds a frame; the oldest goes when there is no room. */
+  EventStream(Capacity capacity, EventWaiter waiter) : capacity_(capacity), waiter_(std::move(waiter)) {}
+
+  /** Adds a frame; the oldest ones are dropped where there is no room, and the frame itself where it never fits. */
   void pushFrame(EventText frame);
   /** Replaces a state that was not sent yet. */
   void setState(EventText state);
-  /** From now on there is nothing more to be sent. */
+  /** Ends the stream; what was not sent yet is dropped. */
   void close();
 
   /**
-   * Waits until there is something to be sent and takes all of it: how many frames were dropped, when that has changed,
-   * as an event `dropped`; the state; the frames. Nothing when the stream was closed.
+   * Copies what comes next: the number of dropped frames, when it has changed, as an event `dropped`; the state; the
+   * frames. Puts the reader to sleep when there is nothing.
+   *
+   * @return the number of bytes copied; 0 when the reader sleeps; nothing when the stream has ended
    */
-  std::optional<std::string> take();
+  std::optional<std::size_t> read(char* buffer, std::size_t size);
 
  private:
-  const std::size_t capacity_;
+  /** The next event; null when there is none. Needs the lock. */
+  EventText next();
+  void dropOldest();
+  void wake();
+
+  const Capacity capacity_;
+  const EventWaiter waiter_;
   std::mutex mutex_;
-  std::condition_variable changed_;
 
   // Guarded by the mutex.
   std::deque<EventText> frames_;
+  std::size_t frameBytes_ = 0;
   EventText state_;
+  EventText current_;  ///< partly sent
+  std::size_t currentSent_ = 0;
   std::uint64_t dropped_ = 0;
-  std::uint64_t droppedTold_ = 0;
+  std::uint64_t droppedReported_ = 0;
+  bool sleeping_ = false;
   bool closed_ = false;
 };
 
-/** Gives events to every browser that looks. Its functions are thread-safe. */
+/** Publishes events to every browser that listens. Its functions are thread-safe. */
 class EventHub {
  public:
   static constexpr std::size_t mostBrowsers = 8;
-  /** Some seconds of a few cameras' frames. */
-  static constexpr std::size_t framesPerBrowser = 64;
+  /** A few seconds of frames of a few cameras. */
+  static constexpr EventStream::Capacity capacityPerBrowser{64, 2U << 20U};
 
-  /** A stream for one more browser, which has joined until it lets go of it; null when there are too many. */
-  std::shared_ptr<EventStream> join();
+  /** A stream for one more browser, which counts until the caller releases it; null when there are too many. */
+  std::shared_ptr<EventStream> join(EventWaiter waiter);
   void publishFrame(const EventText& frame);
-  /** Also for those who join later. */
+  /** Also for browsers that join later. */
   void publishState(const EventText& state);
-  /** Ends all streams, and those of whoever joins later. */
+  /** Ends all streams, and those of browsers that join later. */
   void close();
 
  private:
-  /** Those that still look. */
+  /** Those that are still in use. */
   std::vector<std::shared_ptr<EventStream>> streams();
 
   std::mutex mutex_;

@@ -4,188 +4,224 @@
 #include "viewer/view_server.h"
 
 #include "base/errors.h"
-#include "viewer/http_host.h"
-#include "viewer/page_files.h"
+#include "viewer/connection_table.h"
+#include "viewer/listening_socket.h"
 
-#include <httplib.h>
+#include <arpa/inet.h>
+#include <microhttpd.h>
+#include <netinet/in.h>
 #include <sys/socket.h>
 
-#include <cerrno>
-#include <chrono>
-#include <cstring>
+#include <array>
 #include <exception>
-#include <thread>
+#include <string_view>
 #include <utility>
 
 namespace tarn::command {
 namespace {
 
-/** Beside those that are busy with a browser's events. */
-constexpr std::size_t threadsForAnswers = 8;
-/** What the system may keep for a browser that does not read. */
-constexpr int sendBufferSize = 128 * 1024;
-/** How long a browser may be slow to write a request, or not read at all. */
-constexpr std::chrono::seconds patience{2};
-/** No request has a body. */
-constexpr std::size_t longestBody = 1;
-constexpr const char* plainText = "text/plain; charset=utf-8";
-constexpr const char* json = "application/json";
+/** Holds a request's line and headers, and what is next to be sent. */
+constexpr std::size_t bytesPerConnection = 16U << 10U;
+constexpr ConnectionTable::Limits limits{384, 16U << 20U};
+/** Also connections that are closing; descriptors are usually limited to 1024. */
+constexpr unsigned int mostConnections = 512;
+/** How long a client may be silent while it sends a request or receives an answer. */
+constexpr unsigned int patienceSeconds = 10;
 
-/** So that a port can be had again at once; but not by two viewers at the same time, as the library's options would. */
-void setSocketOptions(socket_t socket) {
-  const int yes = 1;
-  setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
-  setsockopt(socket, SOL_SOCKET, SO_SNDBUF, &sendBufferSize, sizeof sendBufferSize);
+constexpr std::array<std::pair<const char*, const char*>, 6> headers{
+    {{"Cache-Control", "no-store"},
+     {"Connection", "close"},
+     {"Content-Security-Policy",
+      "default-src 'none'; script-src 'self'; style-src 'self'; connect-src 'self'; img-src data:; base-uri 'none'; "
+      "form-action 'none'; frame-ancestors 'none'; require-trusted-types-for 'script'; trusted-types 'none'"},
+     {"Cross-Origin-Resource-Policy", "same-origin"},
+     {"Referrer-Policy", "no-referrer"},
+     {"X-Content-Type-Options", "nosniff"}}};
+
+using Response = std::unique_ptr<MHD_Response, decltype(&MHD_destroy_response)>;
+
+std::string text(const char* bytes, std::size_t size) {
+  return bytes == nullptr ? "" : std::string(bytes, size);
 }
 
-/** Only the page's own files, no markup from text. */
-constexpr const char* contentPolicy =
-    "default-src 'none'; script-src 'self'; style-src 'self'; connect-src 'self'; img-src data:; base-uri 'none'; "
-    "form-action 'none'; frame-ancestors 'none'; require-trusted-types-for 'script'; trusted-types 'none'";
-
-/** Answers as it is: the library would compress it, which takes longer than the way to a browser on the same desk. */
-void answerUncompressed(httplib::Response& response, std::string text, const char* type) {
-  const std::size_t size = text.size();
-  response.set_content_provider(size, type,
-                                [text = std::move(text)](std::size_t at, std::size_t length, httplib::DataSink& sink) {
-                                  return sink.write(text.data() + at, length);
-                                });
+HttpRequest requestOf(MHD_Connection* connection, const char* path, const char* method, const char* version) {
+  HttpRequest request{method, path, version, {}, {}};
+  MHD_get_connection_values_n(
+      connection, MHD_HEADER_KIND,
+      [](void* target, MHD_ValueKind, const char* name, std::size_t nameSize, const char* value, std::size_t size) {
+        static_cast<HttpRequest*>(target)->headers.emplace_back(text(name, nameSize), text(value, size));
+        return MHD_YES;
+      },
+      &request);
+  MHD_get_connection_values_n(
+      connection, MHD_GET_ARGUMENT_KIND,
+      [](void* target, MHD_ValueKind, const char* name, std::size_t nameSize, const char* value, std::size_t size) {
+        static_cast<HttpRequest*>(target)->parameters[text(name, nameSize)] = text(value, size);
+        return MHD_YES;
+      },
+      &request);
+  return request;
 }
 
-void answerFile(const PageFile& file, httplib::Response& response) {
-  response.set_header("Content-Security-Policy", contentPolicy);
-  answerUncompressed(response, std::string(file.text), file.type.data());
-}
-
-void refuse(httplib::Response& response, int status, const std::string& reason) {
-  response.status = status;
-  response.set_content(reason + '\n', plainText);
-}
-
-void answerEvents(EventHub& hub, httplib::Response& response) {
-  const auto stream = hub.join();
-  if (!stream) {
-    refuse(response, 503,
-           "No more than " + std::to_string(EventHub::mostBrowsers) + " browsers can look at once; close one.");
-    return;
+/** The client's address without its port. */
+std::string addressOf(MHD_Connection* connection) {
+  const auto* info = MHD_get_connection_info(connection, MHD_CONNECTION_INFO_CLIENT_ADDRESS);
+  std::array<char, INET6_ADDRSTRLEN> buffer{};
+  if (info->client_addr->sa_family == AF_INET6) {
+    const auto* address = reinterpret_cast<const sockaddr_in6*>(info->client_addr);
+    inet_ntop(AF_INET6, &address->sin6_addr, buffer.data(), buffer.size());
+  } else {
+    const auto* address = reinterpret_cast<const sockaddr_in*>(info->client_addr);
+    inet_ntop(AF_INET, &address->sin_addr, buffer.data(), buffer.size());
   }
-  response.set_chunked_content_provider("text/event-stream", [stream](std::size_t, httplib::DataSink& sink) {
-    const auto text = stream->take();
-    if (!text) {
-      sink.done();
-      return true;
-    }
-    return sink.write(text->data(), text->size());
-  });
+  return buffer.data();
 }
 
-/** What another site's page asks for by itself is none of its business; following a link to the page is. */
-bool isFromAnotherSite(const httplib::Request& request) {
-  const std::string site = request.get_header_value("Sec-Fetch-Site");
-  return request.path != "/" && !site.empty() && site != "same-origin" && site != "none";
+/** Deletes what a response was made with. */
+template <typename Kept>
+void release(void* kept) {
+  delete static_cast<Kept*>(kept);
 }
 
-void explain(std::exception_ptr problem, httplib::Response& response) {
+/** The response shares the body. */
+Response responseWith(const SharedText& body) {
+  auto kept = std::make_unique<SharedText>(body);
+  Response response(MHD_create_response_from_buffer_with_free_callback_cls(
+                        body->size(), const_cast<char*>(body->data()), &release<SharedText>, kept.get()),
+                    &MHD_destroy_response);
+  if (response) {
+    static_cast<void>(kept.release());
+  }
+  return response;
+}
+
+using SharedStream = std::shared_ptr<EventStream>;
+
+ssize_t readStream(void* stream, std::uint64_t, char* buffer, std::size_t size) {
   try {
-    std::rethrow_exception(std::move(problem));
-  } catch (const UsageError& error) {
-    refuse(response, 400, error.what());
-  } catch (const std::exception& error) {
-    refuse(response, 500, error.what());
+    const auto count = (*static_cast<SharedStream*>(stream))->read(buffer, size);
+    return count ? static_cast<ssize_t>(*count) : MHD_CONTENT_READER_END_OF_STREAM;
+  } catch (const std::exception&) {
+    return MHD_CONTENT_READER_END_WITH_ERROR;  // out of memory
   }
+}
+
+Response responseWith(const SharedStream& stream) {
+  auto kept = std::make_unique<SharedStream>(stream);
+  Response response(MHD_create_response_from_callback(MHD_SIZE_UNKNOWN, bytesPerConnection, &readStream, kept.get(),
+                                                      &release<SharedStream>),
+                    &MHD_destroy_response);
+  if (response) {
+    static_cast<void>(kept.release());
+  }
+  return response;
+}
+
+MHD_Result send(MHD_Connection* connection, const HttpAnswer& answer, const Response& response) {
+  for (const auto& [name, value] : headers) {
+    MHD_add_response_header(response.get(), name, value);
+  }
+  MHD_add_response_header(response.get(), "Content-Type", answer.type.c_str());
+  if (answer.status == 405) {
+    MHD_add_response_header(response.get(), "Allow", "GET");
+  }
+  return MHD_queue_response(connection, static_cast<unsigned int>(answer.status), response.get());
 }
 
 }  // namespace
 
 class ViewServer::Implementation {
  public:
-  Implementation(const std::string& address, int port) : address_(address) {
-    configure();
-    bind(port);
-    refuseStrangers();
-    for (const PageFile& file : pageFiles()) {
-      server_.Get(std::string(file.path),
-                  [&file](const httplib::Request&, httplib::Response& response) { answerFile(file, response); });
-    }
-  }
+  Implementation(const std::string& address, int port) : socket_(address, port), site_(address, socket_.port()) {}
 
   ~Implementation() {
     if (hub_ != nullptr) {
-      hub_->close();
+      hub_->close();  // wakes the streams: the daemon cannot end with sleeping connections
     }
-    if (thread_.joinable()) {
-      server_.stop();
-      thread_.join();
+    if (daemon_ != nullptr) {
+      MHD_stop_daemon(daemon_);
     }
   }
 
-  void answer(const std::string& path, const Answer& answer) {
-    server_.Get(path, [answer](const httplib::Request& request, httplib::Response& response) {
-      answerUncompressed(response, answer(Parameters(request.params.begin(), request.params.end())), json);
-    });
-  }
+  ViewSite& site() { return site_; }
 
   void stream(EventHub& hub) {
     hub_ = &hub;
-    server_.Get("/events",
-                [&hub](const httplib::Request&, httplib::Response& response) { answerEvents(hub, response); });
+    site_.addEvents("/events");
   }
 
   void start() {
-    thread_ = std::thread([this] { server_.listen_after_bind(); });
-    // A server that does not run yet would not be stopped.
-    while (!server_.is_running()) {
-      std::this_thread::yield();
+    const int descriptor = socket_.release();
+    daemon_ = MHD_start_daemon(
+        MHD_USE_EPOLL_INTERNAL_THREAD | MHD_ALLOW_SUSPEND_RESUME, 0, nullptr, nullptr, &Implementation::onRequest, this,
+        MHD_OPTION_LISTEN_SOCKET, descriptor, MHD_OPTION_CONNECTION_MEMORY_LIMIT, bytesPerConnection,
+        MHD_OPTION_CONNECTION_LIMIT, mostConnections, MHD_OPTION_CONNECTION_TIMEOUT, patienceSeconds,
+        MHD_OPTION_STRICT_FOR_CLIENT, 1, MHD_OPTION_UNESCAPE_CALLBACK, &Implementation::leaveEscaped, nullptr,
+        MHD_OPTION_NOTIFY_CONNECTION, &Implementation::onConnection, this, MHD_OPTION_END);
+    if (daemon_ == nullptr) {
+      throw Failure("cannot start the server of " + site_.url());
     }
   }
-
-  const std::string& url() const { return url_; }
 
  private:
-  void configure() {
-    server_.new_task_queue = [] { return new httplib::ThreadPool(EventHub::mostBrowsers + threadsForAnswers); };
-    server_.set_socket_options(setSocketOptions);
-    server_.set_tcp_nodelay(true);
-    server_.set_keep_alive_max_count(1);
-    server_.set_keep_alive_timeout(patience.count());
-    server_.set_read_timeout(patience);
-    server_.set_write_timeout(patience);
-    server_.set_payload_max_length(longestBody);
-    server_.set_default_headers({{"Cache-Control", "no-store"},
-                                 {"Cross-Origin-Resource-Policy", "same-origin"},
-                                 {"Referrer-Policy", "no-referrer"},
-                                 {"X-Content-Type-Options", "nosniff"}});
-    server_.set_exception_handler([](const httplib::Request&, httplib::Response& response, std::exception_ptr problem) {
-      explain(std::move(problem), response);
-    });
-  }
+  /** No path or parameter of the page needs escapes, so none is decoded. */
+  static std::size_t leaveEscaped(void*, MHD_Connection*, char* text) { return std::string_view(text).size(); }
 
-  void bind(int port) {
-    errno = 0;
-    port_ = port == 0 ? server_.bind_to_any_port(address_) : server_.bind_to_port(address_, port) ? port : -1;
-    if (port_ < 0) {
-      throw Failure("cannot listen at " + hostAndPort(address_, port) + ": " +
-                    (errno != 0 ? std::strerror(errno) : "this is no address of this machine"));
+  static void onConnection(void* self, MHD_Connection* connection, void** id, MHD_ConnectionNotificationCode code) {
+    auto& table = static_cast<Implementation*>(self)->connections_;
+    if (code == MHD_CONNECTION_NOTIFY_CLOSED) {
+      table.remove(reinterpret_cast<ConnectionTable::Id>(*id));
+      return;
     }
-    url_ = "http://" + hostAndPort(address_, port_) + '/';
+    const auto* info = MHD_get_connection_info(connection, MHD_CONNECTION_INFO_CONNECTION_FD);
+    *id = reinterpret_cast<void*>(table.add(info->connect_fd, addressOf(connection)));
   }
 
-  void refuseStrangers() {
-    server_.set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
-      if (isHostOf(request.get_header_value("Host"), address_, port_) && !isFromAnotherSite(request)) {
-        return httplib::Server::HandlerResponse::Unhandled;
-      }
-      refuse(response, 403, "This viewer is at " + url_ + " and answers no requests for other places.");
-      return httplib::Server::HandlerResponse::Handled;
-    });
+  /** Answers as soon as the headers are there, before any body. */
+  static MHD_Result onRequest(void* self, MHD_Connection* connection, const char* path, const char* method,
+                              const char* version, const char*, std::size_t*, void**) {
+    try {
+      return static_cast<Implementation*>(self)->answer(connection, requestOf(connection, path, method, version));
+    } catch (const std::exception&) {
+      return MHD_NO;  // out of memory: the connection is closed
+    }
   }
 
-  const std::string address_;
-  int port_ = 0;
-  std::string url_;
+  MHD_Result answer(MHD_Connection* connection, const HttpRequest& request) {
+    const HttpAnswer answer = site_.answerTo(request);
+    if (answer.isEventStream) {
+      return answerEvents(connection, answer);
+    }
+    if (answer.isMadeForRequest && !connections_.addAnswer(idOf(connection), answer.body->size())) {
+      const HttpAnswer busy = refusal(503, "The viewer is sending too much at present; ask again.");
+      return send(connection, busy, responseWith(busy.body));
+    }
+    return send(connection, answer, responseWith(answer.body));
+  }
+
+  MHD_Result answerEvents(MHD_Connection* connection, const HttpAnswer& answer) {
+    const auto stream = hub_->join(
+        {[connection] { MHD_suspend_connection(connection); }, [connection] { MHD_resume_connection(connection); }});
+    if (!stream) {
+      const HttpAnswer full = refusal(
+          503, "No more than " + std::to_string(EventHub::mostBrowsers) + " browsers can view at once; close one.");
+      return send(connection, full, responseWith(full.body));
+    }
+    connections_.markStream(idOf(connection));
+    return send(connection, answer, responseWith(stream));
+  }
+
+  static ConnectionTable::Id idOf(MHD_Connection* connection) {
+    const auto* info = MHD_get_connection_info(connection, MHD_CONNECTION_INFO_SOCKET_CONTEXT);
+    return reinterpret_cast<ConnectionTable::Id>(info->socket_context);
+  }
+
+  ListeningSocket socket_;
+  ViewSite site_;
   EventHub* hub_ = nullptr;
-  httplib::Server server_;
-  std::thread thread_;
+  /** Used on the daemon's thread only. */
+  ConnectionTable connections_{limits, [](int socket) { shutdown(socket, SHUT_RDWR); }};
+  MHD_Daemon* daemon_ = nullptr;
 };
 
 ViewServer::ViewServer(const std::string& address, int port)
@@ -193,8 +229,8 @@ ViewServer::ViewServer(const std::string& address, int port)
 
 ViewServer::~ViewServer() = default;
 
-void ViewServer::answer(const std::string& path, const Answer& answer) {
-  implementation_->answer(path, answer);
+ViewSite& ViewServer::site() {
+  return implementation_->site();
 }
 
 void ViewServer::stream(EventHub& hub) {
@@ -203,10 +239,6 @@ void ViewServer::stream(EventHub& hub) {
 
 void ViewServer::start() {
   implementation_->start();
-}
-
-const std::string& ViewServer::url() const {
-  return implementation_->url();
 }
 
 }  // namespace tarn::command

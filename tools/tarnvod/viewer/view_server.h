@@ -5,47 +5,41 @@
 #define TARNVOD_COMMAND_VIEW_SERVER_H
 
 #include "viewer/event_hub.h"
+#include "viewer/view_site.h"
 
-#include <functional>
-#include <map>
 #include <memory>
 #include <string>
 
 namespace tarn::command {
 
 /**
- * The viewer's page and what it asks for, over HTTP, on threads of its own.
+ * Serves the viewer's page over HTTP, on one thread of its own.
  *
- * Answers only requests that name this server: a page of somewhere else whose name was made to lead here gets nothing.
+ * Holds out against hostile clients: the memory of a connection, the connections, and the answers that are being sent
+ * are bounded, and idle connections end after a while. Each connection gets one answer.
  */
 class ViewServer {
  public:
-  using Parameters = std::map<std::string, std::string>;
-  /** Gives JSON text. @throw UsageError when the parameters make no sense */
-  using Answer = std::function<std::string(const Parameters&)>;
-
   /**
-   * Takes the port; requests wait until `start`.
+   * Binds the port; requests wait until `start`.
    *
    * @param port  0 for any that is free
-   * @throw Failure  when the port cannot be had
+   * @throw Failure  when the address or port cannot be used
    */
   ViewServer(const std::string& address, int port);
-  /** Ends what is being answered, in a second or two even when a browser does not read. */
+  /** Closes the hub and all connections, whatever their browsers do. */
   ~ViewServer();
   ViewServer(const ViewServer&) = delete;
   ViewServer& operator=(const ViewServer&) = delete;
 
-  /** What to answer at a path. Called by several threads at once. */
-  void answer(const std::string& path, const Answer& answer);
+  /** What the server answers; to be completed before `start`. Its contents are made on the server's thread. */
+  ViewSite& site();
 
-  /** Gives the hub's events at "/events". Closes the hub when the server ends. */
+  /** Streams the hub's events at "/events". Call before `start`. */
   void stream(EventHub& hub);
 
+  /** @throw Failure  when the system has no resources for it */
   void start();
-
-  /** What to open in a browser. */
-  const std::string& url() const;
 
  private:
   class Implementation;

@@ -6,12 +6,31 @@ import { ClassFilters } from './filters.js';
 import { byId, counted, seconds } from './format.js';
 import { History, Lanes } from './lives.js';
 
+const busy = 503;
+const busyPause = 200;
+const pause = (milliseconds) => new Promise((resolve) => setTimeout(resolve, milliseconds));
+
 export async function fetchJson(path) {
   const response = await fetch(path);
+  if (response.status === busy) {
+    await pause(busyPause);
+    return fetchJson(path);
+  }
   if (!response.ok) {
     throw new Error(await response.text());
   }
   return response.json();
+}
+
+/** Frames of a recording, in as many requests as it takes: an answer holds fewer where frames are large. */
+async function fetchFrames(first, count) {
+  const frames = [];
+  for (let isEnd = false; !isEnd && frames.length < count;) {
+    const more = await fetchJson(`frames.json?first=${first + frames.length}&count=${count - frames.length}`);
+    frames.push(...more);
+    isEnd = more.length === 0;
+  }
+  return frames;
 }
 
 /** A recording's frames, fetched in pieces when they are needed; the latest pieces are kept. */
@@ -38,7 +57,7 @@ class FrameStore {
   #fetch(piece) {
     const known = this.#pieces.get(piece);
     const size = FrameStore.#pieceSize;
-    const frames = known ?? fetchJson(`frames.json?first=${piece * size}&count=${size}`);
+    const frames = known ?? fetchFrames(piece * size, size);
     this.#pieces.delete(piece);
     this.#pieces.set(piece, frames);
     frames.catch(() => this.#pieces.delete(piece));
@@ -103,6 +122,9 @@ export class RecordingPage {
 
   #fillPage() {
     const { recording, frames, damage, damageCount } = this.#overview;
+    if (this.#times.length < frames) {
+      this.#complain(`Only the first ${counted(this.#times.length, 'frame')} of ${frames} are shown.`);
+    }
     byId('source').textContent = recording;
     byId('connection').hidden = true;
     byId('pause').textContent = 'Play';

@@ -1,0 +1,117 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#include "viewer/view_site.h"
+
+#include "base/errors.h"
+#include "viewer/http_host.h"
+#include "viewer/page_files.h"
+
+#include <strings.h>
+
+#include <algorithm>
+#include <exception>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+namespace tarn::command {
+namespace {
+
+constexpr const char* json = "application/json";
+
+/** The header's value; nothing when it is absent or given more than once. */
+std::optional<std::string> onlyHeader(const HttpRequest& request, const char* name) {
+  std::optional<std::string> value;
+  for (const auto& [key, text] : request.headers) {
+    if (strcasecmp(key.c_str(), name) == 0) {
+      if (value) {
+        return std::nullopt;
+      }
+      value = text;
+    }
+  }
+  return value;
+}
+
+bool hasHeader(const HttpRequest& request, const char* name) {
+  return std::any_of(request.headers.begin(), request.headers.end(),
+                     [&](const auto& header) { return strcasecmp(header.first.c_str(), name) == 0; });
+}
+
+bool hasBody(const HttpRequest& request) {
+  return hasHeader(request, "Transfer-Encoding") ||
+         (hasHeader(request, "Content-Length") && onlyHeader(request, "Content-Length") != "0");
+}
+
+/** Links to the page from other sites are followed; their pages may request nothing else. */
+bool isFromAnotherSite(const HttpRequest& request) {
+  if (request.path == "/" || !hasHeader(request, "Sec-Fetch-Site")) {
+    return false;
+  }
+  const auto site = onlyHeader(request, "Sec-Fetch-Site");
+  return site != "same-origin" && site != "none";
+}
+
+}  // namespace
+
+ViewSite::ViewSite(std::string address, int port)
+    : address_(std::move(address)), port_(port), url_("http://" + hostAndPort(address_, port_) + '/') {
+  for (const PageFile& file : pageFiles()) {
+    const HttpAnswer answer{200, std::string(file.type), std::make_shared<const std::string>(file.text)};
+    responds_[std::string(file.path)] = [answer](const Parameters&) { return answer; };
+  }
+}
+
+void ViewSite::add(const std::string& path, SharedText text) {
+  const HttpAnswer answer{200, json, std::move(text)};
+  responds_[path] = [answer](const Parameters&) { return answer; };
+}
+
+void ViewSite::add(const std::string& path, Content content) {
+  responds_[path] = [content = std::move(content)](const Parameters& parameters) {
+    return HttpAnswer{200, json, content(parameters), true};
+  };
+}
+
+void ViewSite::addEvents(const std::string& path) {
+  responds_[path] = [](const Parameters&) {
+    return HttpAnswer{200, "text/event-stream", std::make_shared<const std::string>(), false, true};
+  };
+}
+
+HttpAnswer ViewSite::answerTo(const HttpRequest& request) const {
+  const auto host = onlyHeader(request, "Host");
+  if (!host || !isHostOf(*host, address_, port_) || isFromAnotherSite(request)) {
+    return refusal(403, "This viewer is at " + url_ + " and answers no requests for other hosts.");
+  }
+  if (request.version != "HTTP/1.1") {
+    return refusal(505, "This viewer answers HTTP/1.1 only.");
+  }
+  if (request.method != "GET") {
+    return refusal(405, "This viewer answers the method GET only.");
+  }
+  if (hasBody(request)) {
+    return refusal(413, "This viewer accepts no request bodies.");
+  }
+  if (hasHeader(request, "Range")) {
+    return refusal(416, "This viewer sends no ranges.");
+  }
+  return answerAt(request);
+}
+
+HttpAnswer ViewSite::answerAt(const HttpRequest& request) const {
+  const auto found = responds_.find(request.path);
+  if (found == responds_.end()) {
+    return refusal(404, "There is nothing at this path.");
+  }
+  try {
+    return found->second(request.parameters);
+  } catch (const UsageError& error) {
+    return refusal(400, error.what());
+  } catch (const std::exception& error) {
+    return refusal(500, error.what());
+  }
+}
+
+}  // namespace tarn::command

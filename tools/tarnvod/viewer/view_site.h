@@ -1,0 +1,55 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#ifndef TARNVOD_COMMAND_VIEW_SITE_H
+#define TARNVOD_COMMAND_VIEW_SITE_H
+
+#include "viewer/http_message.h"
+
+#include <functional>
+#include <map>
+#include <string>
+
+namespace tarn::command {
+
+/**
+ * Which request gets which answer: the page's files, and what the subcommand adds.
+ *
+ * Only what the page itself uses is answered: GET over HTTP/1.1 without ranges and bodies, addressed to this server by
+ * a host name or address of its own, and not sent by a page of another site.
+ */
+class ViewSite {
+ public:
+  using Parameters = std::map<std::string, std::string>;
+  /** @throw UsageError when the parameters are invalid */
+  using Content = std::function<SharedText(const Parameters&)>;
+
+  /** The page's files. @param address, port  where the server listens */
+  ViewSite(std::string address, int port);
+
+  /** Answers a path with the same JSON text each time. */
+  void add(const std::string& path, SharedText json);
+  /** Answers a path with JSON text that is made for each request. */
+  void add(const std::string& path, Content content);
+  /** Answers a path with the viewer's events. */
+  void addEvents(const std::string& path);
+
+  /** Depends on nothing but the request and what was added. Never throws but for lack of memory. */
+  HttpAnswer answerTo(const HttpRequest& request) const;
+
+  const std::string& url() const { return url_; }
+
+ private:
+  using Respond = std::function<HttpAnswer(const Parameters&)>;
+
+  HttpAnswer answerAt(const HttpRequest& request) const;
+
+  const std::string address_;
+  const int port_;
+  const std::string url_;
+  std::map<std::string, Respond> responds_;
+};
+
+}  // namespace tarn::command
+
+#endif
