@@ -21,12 +21,12 @@ EventText text(const std::string& words) {
 }
 
 TEST(AnEvent, IsWrittenAsBrowsersReadIt) {
-  EXPECT_EQ(*tarn::command::makeEvent("frame", {{"camera", 1}}), "event: frame\ndata: {\"camera\":1}\n\n");
+  EXPECT_EQ(*tarn::command::makeEvent("frame", {{"camera", 1}}, 5), "event: frame\nid: 5\ndata: {\"camera\":1}\n\n");
 }
 
 TEST(AnEvent, NeverHoldsALineEndOfANameInIt) {
-  EXPECT_EQ(*tarn::command::makeEvent("frame", {{"className", "a\n\nevent: b"}}),
-            "event: frame\ndata: {\"className\":\"a\\n\\nevent: b\"}\n\n");
+  EXPECT_EQ(*tarn::command::makeEvent("frame", {{"className", "a\n\nevent: b"}}, 5),
+            "event: frame\nid: 5\ndata: {\"className\":\"a\\n\\nevent: b\"}\n\n");
 }
 
 /** A stream for a reader that is woken by hand. */
@@ -147,6 +147,15 @@ TEST(AHub, GivesItsStateToThoseThatJoinLater) {
   hub.publishFrame(text("frame "));
 
   EXPECT_EQ(readOf(*hub.join(nobody())), "state ");
+}
+
+TEST(AHub, GivesThePastToThoseThatJoinLaterOnly) {
+  EventHub hub;
+  const auto before = hub.join(nobody());
+  hub.setPast(text("past "));
+
+  EXPECT_EQ(readOf(*hub.join(nobody())), "past ");
+  EXPECT_EQ(readOf(*before), "");
 }
 
 TEST(AHub, TakesNoMoreBrowsersThanItHasPlacesFor) {

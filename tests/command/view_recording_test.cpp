@@ -25,6 +25,20 @@ TEST_F(ViewOfARecording, NeedsNoService) {
   EXPECT_EQ(viewer.get("/events").status, 404);
 }
 
+TEST_F(ViewOfARecording, IsNamedWithoutAnOption) {
+  const test::Viewer viewer({recording}, {});
+
+  EXPECT_EQ(json::parse(viewer.get("/setup.json").body)["mode"], "recording");
+}
+
+TEST_F(ViewOfARecording, ShowsItsOwnBackground) {
+  test::writeTo(recording / "background.jpg", "\xFF\xD8\xFFstreet");
+  const test::Viewer viewer({recording}, {});
+
+  EXPECT_EQ(json::parse(viewer.get("/setup.json").body)["backgrounds"], (json{{"1", "/background-1"}}));
+  EXPECT_EQ(viewer.get("/background-1").body, "\xFF\xD8\xFFstreet");
+}
+
 TEST_F(ViewOfARecording, TellsWhatInspectTellsAndTheTimeOfEachFrame) {
   json overview = json::parse(test::Viewer({"--recording", recording}, {}).get("/recording.json").body);
 

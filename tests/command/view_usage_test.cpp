@@ -37,7 +37,9 @@ TEST_P(AMisuseOfView, EndsWithCodeTwoAndOneLineThatNamesIt) {
 
 INSTANTIATE_TEST_SUITE_P(
     OfTheCommand, AMisuseOfView,
-    testing::Values(ViewMisuse{"WithNothingToView", {}, "--camera, or a recording with --recording"},
+    testing::Values(ViewMisuse{"WithTwoRecordings", {"a", "b"}, "one recording"},
+                    ViewMisuse{"WithARecordingAndACamera", {"a", "1"}, "without options of cameras"},
+                    ViewMisuse{"WithOneBackgroundForTwoCameras", {"1", "2", "--background", "x"}, "CAMERA=FILE"},
                     ViewMisuse{"WithCameraAndRecording", {"--camera", "1", "--recording", "x"}, "--recording"},
                     ViewMisuse{"WithClassAndRecording", {"--recording", "x", "--class", "car"}, "--recording"},
                     ViewMisuse{"WithCameraZero", {"--camera", "0"}, "counted from 1"},

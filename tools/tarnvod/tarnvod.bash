@@ -23,7 +23,7 @@ _tarnvod() {
     [compare]="--json --iou --tolerance --mota --idf1 --box --range --help"
     [repair]="--output --help"
     [render]="--output --frame --box --range --aspect --background --detector --help"
-    [view]="--camera --class --all-classes --roi --recording --port --address --box --range --aspect --help"
+    [view]="--camera --class --all-classes --roi --recording --background --port --address --box --range --aspect --help"
   )
   COMPREPLY=()
   if [[ $COMP_CWORD -eq 1 ]]; then
@@ -56,7 +56,7 @@ _tarnvod() {
     mapfile -t COMPREPLY < <(compgen -W "${options[${COMP_WORDS[1]}]:-}" -- "$current")
   elif [[ ${COMP_WORDS[1]} == watch ]]; then
     mapfile -t COMPREPLY < <(compgen -W "$(_tarnvod_cameras)" -- "$current")
-  elif [[ " inspect export cut merge repair compare render " == *" ${COMP_WORDS[1]} "* ]]; then
+  elif [[ " inspect export cut merge repair compare render view " == *" ${COMP_WORDS[1]} "* ]]; then
     compopt -o filenames
     mapfile -t COMPREPLY < <(compgen -f -- "$current")
   fi

@@ -6,9 +6,11 @@
 #include "base/output.h"
 #include "base/stop_signal.h"
 #include "cameras/camera_options.h"
+#include "cameras/service.h"
 #include "commands/subcommands.h"
 #include "drawing/box.h"
 #include "recordings/recorded_frames.h"
+#include "viewer/background.h"
 #include "viewer/live_view.h"
 #include "viewer/view_server.h"
 
@@ -19,12 +21,14 @@
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <optional>
 #include <set>
 #include <string>
 #include <thread>
 #include <utility>
+#include <vector>
 
 namespace tarn::command {
 namespace {
@@ -32,15 +36,21 @@ namespace {
 constexpr int defaultPort = 8090;
 constexpr int greatestPort = 65535;
 constexpr std::chrono::milliseconds tickPeriod{50};
+/** A recording is of one camera. */
+constexpr int recordedCamera = 1;
 
 struct ViewOptions {
+  std::vector<std::string> names;  ///< camera numbers, or a recording's folder
   CameraOptions cameras;
   std::optional<std::string> recording;
   std::string address = "127.0.0.1";
   int port = defaultPort;
   BoxOptions boxes;
   std::optional<double> aspect;
+  std::vector<std::string> backgrounds;
 };
+
+using Backgrounds = std::map<int, Background>;
 
 Json boxesJson(const BoxConvention& boxes) {
   return {{"form", boxes.form == BoxConvention::Form::Size ? "size" : "corners"}, {"range", boxes.range}};
@@ -50,8 +60,16 @@ SharedText shared(std::string text) {
   return std::make_shared<const std::string>(std::move(text));
 }
 
-/** What the page has to know before it draws anything. */
-SharedText setupText(const ViewOptions& options, const std::set<int>& cameras) {
+std::string pathOfBackground(int camera) {
+  return "/background-" + std::to_string(camera);
+}
+
+/** The settings that the page needs before it draws anything. */
+SharedText setupText(const ViewOptions& options, const std::set<int>& cameras, const Backgrounds& backgrounds) {
+  Json backgroundPaths = Json::object();
+  for (const auto& [camera, background] : backgrounds) {
+    backgroundPaths[std::to_string(camera)] = pathOfBackground(camera);
+  }
   constexpr double usualAspect = 4.0 / 3.0;
   const BoxConvention boxes = options.boxes.convention();
   const double aspect = options.aspect.value_or(boxes.aspect().value_or(usualAspect));
@@ -59,7 +77,16 @@ SharedText setupText(const ViewOptions& options, const std::set<int>& cameras) {
                          {"cameras", cameras},
                          {"boxes", boxesJson(boxes)},
                          {"aspect", static_cast<float>(aspect)},
+                         {"backgrounds", std::move(backgroundPaths)},
                          {"version", TARNVOD_VERSION}}));
+}
+
+void addSetup(ViewSite& site, const ViewOptions& options, const std::set<int>& cameras,
+              const Backgrounds& backgrounds) {
+  site.add("/setup.json", setupText(options, cameras, backgrounds));
+  for (const auto& [camera, background] : backgrounds) {
+    site.add(pathOfBackground(camera), background.type, background.bytes);
+  }
 }
 
 std::uint64_t numberIn(const ViewSite::Parameters& parameters, const std::string& name) {
@@ -75,17 +102,18 @@ std::uint64_t numberIn(const ViewSite::Parameters& parameters, const std::string
   throw UsageError(name + " must be a number, 0 or more");
 }
 
-/** Tells where to look; scripts read this line. */
+/** Prints the page's address; scripts read this line. */
 void begin(ViewServer& server) {
   server.start();
   standardOutput().write(server.site().url() + '\n');
 }
 
 int viewCameras(const ViewOptions& options) {
+  const std::set<int> cameras = chosenCameras(options.cameras.cameras);
+  const Backgrounds backgrounds = readBackgrounds(options.backgrounds, cameras);
   EventHub hub;
   ViewServer server(options.address, options.port);
-  server.site().add("/setup.json",
-                    setupText(options, {options.cameras.cameras.begin(), options.cameras.cameras.end()}));
+  addSetup(server.site(), options, cameras, backgrounds);
   server.stream(hub);
   LiveView view(options.cameras, hub);
   view.connect();
@@ -94,10 +122,20 @@ int viewCameras(const ViewOptions& options) {
   return success;
 }
 
+/** The picture that was named, or else that of the recording, if it has one. */
+Backgrounds backgroundsOf(const ViewOptions& options) {
+  const std::filesystem::path own = std::filesystem::path(*options.recording) / backgroundFileName;
+  if (options.backgrounds.empty() && std::filesystem::exists(own)) {
+    return {{recordedCamera, readBackground(own)}};
+  }
+  return readBackgrounds(options.backgrounds, {recordedCamera});
+}
+
 int viewRecording(const ViewOptions& options) {
   const RecordedFrames recording(*options.recording);
+  const Backgrounds backgrounds = backgroundsOf(options);
   ViewServer server(options.address, options.port);
-  server.site().add("/setup.json", setupText(options, {1}));
+  addSetup(server.site(), options, {recordedCamera}, backgrounds);
   server.site().add("/recording.json", shared(oneLine(recording.overview())));
   server.site().add("/frames.json", [&recording](const ViewSite::Parameters& parameters) {
     return shared(oneLine(recording.frames(numberIn(parameters, "first"), numberIn(parameters, "count"))));
@@ -109,14 +147,34 @@ int viewRecording(const ViewOptions& options) {
   return success;
 }
 
-int view(const ViewOptions& options) {
-  if (options.recording) {
-    return viewRecording(options);
+std::optional<int> cameraNumber(const std::string& name) {
+  int number = 0;
+  const char* const end = name.data() + name.size();
+  const auto [last, error] = std::from_chars(name.data(), end, number);
+  return error == std::errc{} && last == end && number > 0 ? std::make_optional(number) : std::nullopt;
+}
+
+/** The options with what was named without one: `view DIR`, `view 1 2`. */
+ViewOptions withNames(ViewOptions options) {
+  for (const std::string& name : options.names) {
+    if (const auto camera = cameraNumber(name)) {
+      options.cameras.cameras.push_back(*camera);
+    } else if (options.recording) {
+      throw UsageError("one recording can be viewed at a time");
+    } else {
+      options.recording = name;
+    }
   }
-  if (options.cameras.cameras.empty()) {
-    throw UsageError("name cameras with --camera, or a recording with --recording");
+  const CameraOptions& cameras = options.cameras;
+  if (options.recording && !(cameras.cameras.empty() && cameras.classes.empty() && !cameras.region)) {
+    throw UsageError("a recording is viewed without options of cameras");
   }
-  return viewCameras(options);
+  return options;
+}
+
+int view(const ViewOptions& given) {
+  const ViewOptions options = withNames(given);
+  return options.recording ? viewRecording(options) : viewCameras(options);
 }
 
 }  // namespace
@@ -124,6 +182,8 @@ int view(const ViewOptions& options) {
 Action defineView(CLI::App& command) {
   const auto options = std::make_shared<ViewOptions>();
   const auto cameraOptions = addCameraOptions(command, options->cameras);
+  command.add_option("names", options->names, "A recording's folder, or camera numbers; without, all cameras")
+      ->type_name("DIR|N");
   CLI::Option* recording =
       command.add_option("--recording", options->recording, "A recording's folder instead of cameras")
           ->type_name("DIR");
@@ -140,6 +200,11 @@ Action defineView(CLI::App& command) {
                   "Address of this machine at which the page is served; default 127.0.0.1, which only this machine "
                   "reaches")
       ->type_name("ADDRESS");
+  command
+      .add_option("--background", options->backgrounds,
+                  "PNG or JPEG image behind the boxes; of several cameras, CAMERA=FILE; a recording's own is "
+                  "background.jpg in its folder")
+      ->type_name("FILE");
   options->boxes.addTo(command);
   addAspect(command, options->aspect);
   return [options] { return view(*options); };

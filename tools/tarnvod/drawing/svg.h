@@ -43,6 +43,9 @@ struct Drawing {
 /** The drawings one below the other, as a self-contained picture. */
 std::string picture(const std::vector<Drawing>& drawings, std::string_view title);
 
+/** "image/png" or "image/jpeg". @throw Failure  when the bytes of the file are neither */
+std::string mediaTypeOf(const std::string& path, std::string_view bytes);
+
 /** An image file as the address of an image inside the picture. @throw Failure unless it is a PNG or JPEG that can be
  * read */
 std::string embeddedImage(const std::string& path);

@@ -26,6 +26,8 @@ std::string base64(std::string_view bytes) {
   return result;
 }
 
+}  // namespace
+
 std::string mediaTypeOf(const std::string& path, std::string_view bytes) {
   if (bytes.substr(0, 8) == "\x89PNG\r\n\x1a\n") {
     return "image/png";
@@ -35,8 +37,6 @@ std::string mediaTypeOf(const std::string& path, std::string_view bytes) {
   }
   throw Failure(path + ": this is neither a PNG nor a JPEG image");
 }
-
-}  // namespace
 
 std::string embeddedImage(const std::string& path) {
   const std::string bytes = readFile(path, "a PNG or JPEG image");

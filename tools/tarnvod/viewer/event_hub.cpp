@@ -10,8 +10,9 @@
 
 namespace tarn::command {
 
-EventText makeEvent(const std::string& name, const Json& data) {
-  return std::make_shared<const std::string>("event: " + name + "\ndata: " + oneLine(data) + '\n');
+EventText makeEvent(const std::string& name, const Json& data, std::int64_t milliseconds) {
+  return std::make_shared<const std::string>("event: " + name + "\nid: " + std::to_string(milliseconds) +
+                                             "\ndata: " + oneLine(data) + '\n');
 }
 
 void EventStream::pushFrame(EventText frame) {
@@ -64,7 +65,7 @@ std::optional<std::size_t> EventStream::read(char* buffer, std::size_t size) {
 
 EventText EventStream::next() {
   if (dropped_ != std::exchange(droppedReported_, dropped_)) {
-    return makeEvent("dropped", {{"dropped", dropped_}});
+    return std::make_shared<const std::string>("event: dropped\ndata: " + oneLine({{"dropped", dropped_}}) + '\n');
   }
   if (state_) {
     return std::exchange(state_, nullptr);
@@ -101,6 +102,9 @@ std::shared_ptr<EventStream> EventHub::join(EventWaiter waiter) {
   if (state_) {
     stream->setState(state_);
   }
+  if (past_) {
+    stream->pushFrame(past_);
+  }
   if (closed_) {
     stream->close();
   }
@@ -133,6 +137,11 @@ void EventHub::publishState(const EventText& state) {
   for (const auto& stream : streams()) {
     stream->setState(state);
   }
+}
+
+void EventHub::setPast(const EventText& past) {
+  const std::lock_guard lock(mutex_);
+  past_ = past;
 }
 
 void EventHub::close() {

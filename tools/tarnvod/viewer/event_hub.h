@@ -27,7 +27,8 @@ namespace tarn::command {
 /** An event in its text form, shared by all browsers. */
 using EventText = std::shared_ptr<const std::string>;
 
-EventText makeEvent(const std::string& name, const Json& data);
+/** @param milliseconds  of the command's clock, when the event was; the page measures delays with it */
+EventText makeEvent(const std::string& name, const Json& data, std::int64_t milliseconds);
 
 /** How a connection sleeps while it has nothing to send. Both are called with the stream's lock held. */
 struct EventWaiter {
@@ -95,6 +96,8 @@ class EventHub {
   void publishFrame(const EventText& frame);
   /** Also for browsers that join later. */
   void publishState(const EventText& state);
+  /** What was before, for browsers that join later only. */
+  void setPast(const EventText& past);
   /** Ends all streams, and those of browsers that join later. */
   void close();
 
@@ -107,6 +110,7 @@ class EventHub {
   // Guarded by the mutex.
   std::vector<std::weak_ptr<EventStream>> streams_;
   EventText state_;
+  EventText past_;
   bool closed_ = false;
 };
 

@@ -63,7 +63,8 @@ void LiveView::run() {
 void LiveView::show(const Arrival& arrival) {
   WatchedCamera& camera = group_.cameraOf(arrival);
   camera.statistics.add(*arrival.frame, arrival.at);
-  hub_.publishFrame(makeEvent("frame", toJson(*arrival.frame, arrival.camera)));
+  histories_[arrival.camera].add(*arrival.frame, arrival.at);
+  hub_.publishFrame(makeEvent("frame", toJson(*arrival.frame, arrival.camera), millisecondsOf(arrival.at)));
 }
 
 void LiveView::tellNews(Clock::time_point now) {
@@ -79,7 +80,8 @@ void LiveView::tellNews(Clock::time_point now) {
 
 void LiveView::publishState(Clock::time_point now) {
   publishedAt_ = now;
-  hub_.publishState(makeEvent("state", state(now)));
+  hub_.publishState(makeEvent("state", state(now), millisecondsOf(now)));
+  hub_.setPast(makeEvent("past", past(now), millisecondsOf(now)));
 }
 
 Json LiveView::state(Clock::time_point now) const {
@@ -92,6 +94,15 @@ Json LiveView::state(Clock::time_point now) const {
     news.push_back({{"secondsAgo", secondsBetween(each.at, now)}, {"text", each.text}});
   }
   return {{"cameras", std::move(cameras)}, {"news", std::move(news)}, {"framesDropped", group_.dropped()}};
+}
+
+Json LiveView::past(Clock::time_point now) {
+  Json cameras = Json::array();
+  for (auto& [camera, history] : histories_) {
+    cameras.push_back(history.toJson(now));
+    cameras.back()["camera"] = camera;
+  }
+  return {{"cameras", std::move(cameras)}};
 }
 
 }  // namespace tarn::command

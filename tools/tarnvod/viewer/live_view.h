@@ -6,8 +6,10 @@
 
 #include "cameras/camera_group.h"
 #include "viewer/event_hub.h"
+#include "viewer/live_history.h"
 
 #include <deque>
+#include <map>
 #include <string>
 
 namespace tarn::command {
@@ -35,10 +37,13 @@ class LiveView {
   void tellNews(Clock::time_point now);
   void publishState(Clock::time_point now);
   Json state(Clock::time_point now) const;
+  /** What joining pages are sent of the last minute. */
+  Json past(Clock::time_point now);
 
   CameraGroup group_;
   EventHub& hub_;
   std::deque<News> news_;
+  std::map<int, LiveHistory> histories_;  ///< by camera
   Clock::time_point publishedAt_;
 };
 

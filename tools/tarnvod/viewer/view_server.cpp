@@ -32,7 +32,8 @@ constexpr std::array<std::pair<const char*, const char*>, 6> headers{
     {{"Cache-Control", "no-store"},
      {"Connection", "close"},
      {"Content-Security-Policy",
-      "default-src 'none'; script-src 'self'; style-src 'self'; connect-src 'self'; img-src data:; base-uri 'none'; "
+      "default-src 'none'; script-src 'self'; style-src 'self'; connect-src 'self'; img-src 'self' data:; base-uri "
+      "'none'; "
       "form-action 'none'; frame-ancestors 'none'; require-trusted-types-for 'script'; trusted-types 'none'"},
      {"Cross-Origin-Resource-Policy", "same-origin"},
      {"Referrer-Policy", "no-referrer"},

@@ -64,7 +64,11 @@ ViewSite::ViewSite(std::string address, int port)
 }
 
 void ViewSite::add(const std::string& path, SharedText text) {
-  const HttpAnswer answer{200, json, std::move(text)};
+  add(path, json, std::move(text));
+}
+
+void ViewSite::add(const std::string& path, const std::string& type, SharedText file) {
+  const HttpAnswer answer{200, type, std::move(file)};
   responds_[path] = [answer](const Parameters&) { return answer; };
 }
 

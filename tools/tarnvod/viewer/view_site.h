@@ -29,6 +29,8 @@ class ViewSite {
 
   /** Answers a path with the same JSON text each time. */
   void add(const std::string& path, SharedText json);
+  /** Answers a path with a file of this media type. */
+  void add(const std::string& path, const std::string& type, SharedText file);
   /** Answers a path with JSON text that is made for each request. */
   void add(const std::string& path, Content content);
   /** Answers a path with the viewer's events. */
