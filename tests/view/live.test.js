@@ -4,7 +4,7 @@
 import assert from 'node:assert/strict';
 import { after, before, describe, test } from 'node:test';
 import {
-  Viewer, assertDrawn, assertFitsWindows, cameraOf, closeBrowser, drawn, freeEdges, isSameColour, look, openBrowser, pixels,
+  Viewer, assertAccessible, assertDrawn, assertFitsWindows, cameraOf, closeBrowser, drawn, freeEdges, isSameColour, look, openBrowser, pixels,
   takePicture,
 } from './support.js';
 
@@ -122,6 +122,35 @@ describe('two cameras that are seen live', () => {
     await veil.waitFor({ state: 'hidden' });
     await page.locator('#news').getByText(/camera 1: frames are back after \d/).waitFor();
     await takePicture(page, 'back-1280-light');
+  });
+
+  test('have nothing that axe-core objects to', () => assertAccessible(page));
+
+  test('mark an object in picture, table and timeline when its row is chosen', async () => {
+    const picture = await pauseWhen(page, 1, ({ rows }) => rows.length > 0);
+    const row = cameraOf(page, 1).locator('tr[data-object-id]:not(.attributes)').first();
+    const [[x, y, width]] = picture.rows.map(({ box }) => box);
+    const before = await pixels(page, 1, [[x + width / 2, y + 6]]);
+    await row.locator('button').click();
+    assert.match(await row.getAttribute('class'), /marked/);
+    assert.match(page.url(), /#object=1%3A\d+/);
+    assert.notDeepEqual(await pixels(page, 1, [[x + width / 2, y + 6]]), before);
+    await page.keyboard.press('Escape');
+    await page.mouse.move(0, 0);
+    await cameraOf(page, 1).locator('tr.marked').waitFor({ state: 'detached' });
+    await page.locator('#pause').click();
+  });
+
+  test('show their past to a page that joins later', async () => {
+    const joined = await look(viewer);
+    await joined.page.waitForFunction(() => [...document.querySelectorAll('.camera[data-camera="1"] td.number')]
+      .some((cell) => Number.parseFloat(cell.textContent) > 3 && cell.textContent.endsWith(' s')));
+    const { width, height } = await cameraOf(joined.page, 1).locator('canvas').nth(1).evaluate((canvas) =>
+      ({ width: canvas.clientWidth, height: canvas.clientHeight }));
+    const early = await pixels(joined.page, 1,
+      Array.from({ length: Math.floor(height) - 24 }, (_, y) => [Math.floor(width * 0.93), y + 22]), 1);
+    assert.ok(new Set(early.map(String)).size > 1, 'the timeline is empty four seconds ago');
+    await joined.page.close();
   });
 
   test('make the page complain of nothing', () => assert.deepEqual(complaints, []));

@@ -4,7 +4,7 @@
 import assert from 'node:assert/strict';
 import { after, before, describe, test } from 'node:test';
 import {
-  Viewer, assertDrawn, assertFitsWindows, cameraOf, closeBrowser, drawn, freeEdges, isSameColour, look, openBrowser, pixels,
+  Viewer, assertAccessible, assertDrawn, assertFitsWindows, cameraOf, closeBrowser, drawn, freeEdges, isSameColour, look, openBrowser, pixels,
   street, takePicture,
 } from './support.js';
 
@@ -75,8 +75,8 @@ describe('a recording', () => {
     const past = eventList.filter(({ frame }) => frame <= 300).slice(-5).reverse();
     await scrubTo(300);
     const texts = await page.locator('.events li').allTextContents();
-    assert.deepEqual(texts.map((text) => text.replace(/^[\d.]+ s /, '')), past.map(({ action, objectId, objectIds }) =>
-      (action === 'Delete' ? `deleted ${objectId}` : `connected ${objectId} with ${objectIds.join(', ')}`)));
+    assert.deepEqual(texts.map((text) => text.replace(/^\d+ s /, '')), past.map(({ action, objectId, objectIds }) =>
+      (action === 'Delete' ? `human ${objectId} left` : `human ${objectId} is human ${objectIds.join(', human ')} again`)));
   });
 
   test('is stepped through with the keyboard', async () => {
@@ -125,6 +125,74 @@ describe('a recording', () => {
     await scrubTo(300);
     await assertFitsWindows(page, 'recording');
   });
+
+  test('is stepped through from event to event', async () => {
+    const { eventList } = await viewer.json('recording.json');
+    await scrubTo(300);
+    await page.locator('#scrubber').blur();
+    await page.keyboard.press('n');
+    await shows(page, eventList.find(({ frame }) => frame > 300).frame);
+    await page.keyboard.press('p');
+    await shows(page, eventList.findLast(({ frame }) => frame < eventList.find((each) => each.frame > 300).frame).frame);
+  });
+
+  test('has labels that cover neither each other nor the boxes of others', async () => {
+    for (const index of [150, 300, 450, 600]) {
+      await scrubTo(index);
+      const picture = await drawn(page, 1);
+      const labels = await page.evaluate(async ({ rows, width, height }) => {
+        const { placeLabels } = await import('./labels.js');
+        const context = document.createElement('canvas').getContext('2d');
+        const objects = rows.map(({ cells, box: [x, y, w, h] }) => ({
+          detection: { objectId: Number(cells[0].split(' ').pop()), className: 'human', attributes: [] },
+          area: { x, y, width: w, height: h },
+          isMarked: false,
+        }));
+        return placeLabels(context, objects, { width, height }).map(({ object, at }) => ({ id: object.detection.objectId, at }));
+      }, picture);
+      assert.ok(labels.length > 0);
+      const cover = (a, b) => a.x < b.x + b.width && b.x < a.x + a.width && a.y < b.y + b.height && b.y < a.y + a.height;
+      labels.forEach(({ id, at }, place) => {
+        assert.ok(!labels.slice(place + 1).some((other) => cover(at, other.at)), `a label covers another in frame ${index}`);
+        assert.ok(!picture.rows.some(({ cells, box: [x, y, width, height] }) =>
+          cells[0] !== `human ${id}` && cover(at, { x, y, width, height })), `a label covers a box in frame ${index}`);
+      });
+    }
+  });
+
+  test('is at the same moment again, with the same object, when its address is opened', async () => {
+    await scrubTo(300);
+    await page.locator('tr[data-object-id="18"] button').click();
+    const { page: other } = await look(viewer, { address: new URL(page.url()).hash });
+    await shows(other, 300);
+    await other.locator('tr[data-object-id="18"].marked').first().waitFor();
+    await other.close();
+    await page.keyboard.press('Escape');
+  });
+
+  test('shows only objects of a score, and with an attribute', async () => {
+    await scrubTo(300);
+    const { detections } = await frameAt(300);
+    await page.locator('#more summary').click();
+    await page.locator('#score').fill('95');
+    assert.equal((await drawn(page, 1)).rows.length, detections.filter(({ score }) => score >= 95).length);
+    await page.locator('#score').fill('');
+    await page.locator('#attribute').fill('lower clothing blue');
+    const isBlue = ({ attributes }) =>
+      attributes.some(({ typeName, className }) => typeName === 'lower_clothing_colour' && className === 'blue');
+    assert.equal((await drawn(page, 1)).rows.length, detections.filter(isBlue).length);
+    await page.locator('#attribute').fill('');
+    await page.locator('#more summary').click();
+  });
+
+  test('lists its keys', async () => {
+    await page.locator('h1').click();
+    await page.keyboard.press('?');
+    await page.getByText('previous or next event').waitFor();
+    await page.keyboard.press('Escape');
+  });
+
+  test('has nothing that axe-core objects to', () => assertAccessible(page));
 
   test('makes the page complain of nothing', () => assert.deepEqual(complaints, []));
 });

@@ -10,6 +10,7 @@ import { once } from 'node:events';
 import { mkdir } from 'node:fs/promises';
 import { join } from 'node:path';
 import { createInterface } from 'node:readline';
+import axe from 'axe-core';
 import { chromium } from 'playwright-core';
 
 const { TARNVOD_BUILD: build, TARNVOD_RECORDINGS: recordings, SCREENSHOTS: screenshots } = process.env;
@@ -21,12 +22,14 @@ export class Viewer {
     return Viewer.startAt('0', ...words);
   }
 
-  static async startAt(port, ...words) {
+  static startAt(port, ...words) {
+    return Viewer.startWith(`${street}:${join(recordings, 'street-mirrored')}`, port, ...words);
+  }
+
+  /** With cameras that play these recordings, separated by colons. */
+  static async startWith(played, port, ...words) {
     const program = join(build, 'tools/service-switch/tarnvod-service-switch');
-    const environment = {
-      ...process.env,
-      TARNVOD_HOST_RECORDINGS: `${street}:${join(recordings, 'street-mirrored')}`,
-    };
+    const environment = { ...process.env, TARNVOD_HOST_RECORDINGS: played };
     const child = spawn(program, ['view', '--port', port, ...words], { env: environment, stdio: ['pipe', 'pipe', 'inherit'] });
     const [url] = await Promise.race([once(createInterface(child.stdout), 'line'), once(child, 'exit')]);
     assert.match(`${url}`, /^http:/, 'the viewer ended');
@@ -89,7 +92,7 @@ export async function openBrowser() {
 export const closeBrowser = () => browser.close();
 
 /** Opens the page. What it complains of, and whatever it asks of anybody but its viewer, stands in `complaints`. */
-export async function look(viewer, { width = 1280, height = 860, ...options } = {}) {
+export async function look(viewer, { width = 1280, height = 860, address = '', ...options } = {}) {
   const context = await browser.newContext({ viewport: { width, height }, ...options });
   const page = await context.newPage();
   const complaints = [];
@@ -101,7 +104,7 @@ export async function look(viewer, { width = 1280, height = 860, ...options } = 
       complaints.push(`request: ${request.url()}`);
     }
   });
-  await page.goto(viewer.url);
+  await page.goto(viewer.url + address);
   await page.waitForSelector('.camera[data-timestamp]:not([data-timestamp=""])');
   return { page, complaints };
 }
@@ -114,7 +117,7 @@ export function drawn(page, camera) {
     timestamp: Number(section.dataset.timestamp),
     width: section.querySelector('canvas').clientWidth,
     height: section.querySelector('canvas').clientHeight,
-    rows: [...section.querySelectorAll('tr[data-object-id]')].map((row) => ({
+    rows: [...section.querySelectorAll('tr[data-object-id]:not(.attributes)')].map((row) => ({
       cells: [...row.cells].slice(0, 3).map((cell) => cell.textContent),
       attributes: [...row.nextElementSibling.querySelectorAll('span')].map((span) => span.textContent),
       box: row.dataset.box.split(' ').map(Number),
@@ -123,12 +126,14 @@ export function drawn(page, camera) {
   }));
 }
 
+const words = (typeName) => typeName.replaceAll('_', ' ').replace(/ colour$/, '');
+
 /** The rows that a frame must give, but for their colours. */
 export function expectedRows(frame, width, height) {
   const status = { TrackedConfident: 'confident', TrackedUnconfident: 'unconfident', Untracked: 'untracked' };
   return [...frame.detections].sort((a, b) => a.objectId - b.objectId).map((each) => ({
     cells: [`${each.className} ${each.objectId}`, `${each.score}`, status[each.status]],
-    attributes: each.attributes.map(({ typeName, className, score }) => `${typeName}: ${className}, ${score}`),
+    attributes: each.attributes.map(({ typeName, className, score }) => `${words(typeName)} ${className}, ${score}`),
     box: [each.coord1 * width, each.coord2 * height, (each.coord3 - each.coord1) * width,
       (each.coord4 - each.coord2) * height],
   }));
@@ -154,7 +159,7 @@ export function pixels(page, camera, places, canvas = 0) {
 export const isSameColour = (one, other) => one.every((part, index) => Math.abs(part - other[index]) <= 8);
 
 /** Room that a label may take around its box. */
-const around = ([x, y, width, height]) => [x - 120, y - 40, x + Math.max(width, 120) + 4, y + height + 4];
+const around = ([x, y, width, height]) => [x - 200, y - 40, x + Math.max(width, 200) + 4, y + height + 36];
 
 /** Places on the left edges of boxes where nothing else is drawn, with the colour that must be there. */
 export function freeEdges({ rows, width }) {
@@ -166,9 +171,19 @@ export function freeEdges({ rows, width }) {
     }));
 }
 
-export async function takePicture(page, name) {
+/** The rules of axe-core, in each colour scheme; leaves the page light. */
+export async function assertAccessible(page) {
+  for (const media of [{ colorScheme: 'dark' }, { forcedColors: 'active' }, { colorScheme: 'light', forcedColors: 'none' }]) {
+    await page.emulateMedia(media);
+    await page.evaluate(axe.source);
+    const { violations } = await page.evaluate(() => window.axe.run());
+    assert.deepEqual(violations.map(({ id, nodes }) => `${id}: ${nodes.map(({ html }) => html)}`), []);
+  }
+}
+
+export async function takePicture(page, name, fullPage = true) {
   await mkdir(screenshots, { recursive: true });
-  await page.screenshot({ path: join(screenshots, `${name}.png`), fullPage: true });
+  await page.screenshot({ path: join(screenshots, `${name}.png`), fullPage });
 }
 
 /** Nothing sticks out to the side. */
@@ -178,10 +193,12 @@ export async function assertFits(page) {
   assert.ok(needed <= there, `the page is ${needed} wide where there is room for ${there}`);
 }
 
+const heights = { 390: 844, 1024: 768, 1440: 900, 1920: 1080 };
+
 /** Takes a picture of each width and colour scheme; leaves the page wide and light, as it was opened. */
 export async function assertFitsWindows(page, name) {
-  for (const [width, colorScheme] of [[400, 'dark'], [400, 'light'], [1280, 'dark'], [1280, 'light']]) {
-    await page.setViewportSize({ width, height: 860 });
+  for (const [width, colorScheme] of [[390, 'dark'], [390, 'light'], [1024, 'light'], [1440, 'light'], [1920, 'dark'], [1280, 'light']]) {
+    await page.setViewportSize({ width, height: heights[width] ?? 860 });
     await page.emulateMedia({ colorScheme });
     await page.waitForTimeout(300);
     await assertFits(page);

@@ -3,17 +3,26 @@
 
 # Sets TARNVOD_VIEW_PAGE to a source file that the build generates: the files of the viewer's page, embedded as text.
 set(page_files
+  address.js
+  boxes.js
   camera.js
+  canvas.js
+  clock.js
+  colours.js
   filters.js
   format.js
-  geometry.js
+  frame_store.js
+  history.js
+  labels.js
   live.js
-  lives.js
+  live_camera.js
   main.js
   page.css
   page.html
   picture.js
   recording.js
+  selection.js
+  table.js
   timeline.js)
 set(page_folder "${CMAKE_CURRENT_SOURCE_DIR}/viewer/page")
 set(page_writer "${page_folder}/write_page.cmake")

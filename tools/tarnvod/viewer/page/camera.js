@@ -1,65 +1,80 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-import { attributeText, counted, eventText, listEntries, make, nameOf, seconds, statusText } from './format.js';
-import { colourOf, darkScheme } from './geometry.js';
-import { drawPicture } from './picture.js';
+import { contains } from './boxes.js';
+import { Canvas } from './canvas.js';
+import { darkScheme } from './colours.js';
+import { eventText, listEntries, make, seconds } from './format.js';
+import { drawPicture, objectsOf } from './picture.js';
+import { ObjectTable } from './table.js';
 import { drawTimeline } from './timeline.js';
 
-const columns = [['Object', ''], ['Score', 'number'], ['Status', ''], ['Age', 'number']];
 const eventsListed = 5;
+
+/** Of what is under the pointer the smallest is meant. */
+const smallest = (areas) => areas.sort((a, b) => a.area.width * a.area.height - b.area.width * b.area.height)[0];
 
 /** A camera's part of the page: its picture, its timeline, and a table that says the same without a picture. */
 export class CameraView {
+  #number;
   #setup;
   #filters;
+  #selection;
   #pill = make('p', { className: 'pill' });
   #facts = make('p', { className: 'facts' });
-  #picture = make('canvas');
+  #picture = new Canvas(() => this.drawPicture());
+  #timeline = new Canvas(() => this.#drawTimeline());
   #veilTitle = make('strong');
   #veilText = make('span');
   #veil = make('div', { className: 'veil', hidden: true }, make('p', {}, this.#veilTitle, this.#veilText));
-  #timeline = make('canvas');
-  #timelineBox = make('div', {}, this.#timeline);
+  #timelineBox = make('div', {}, this.#timeline.element);
   #events = make('ol', { className: 'events' });
-  #caption = make('caption');
-  #rows = make('tbody');
+  #eventsShown = '';
+  #table;
   #moment = null;
+  #objects = [];
+  #bars = [];
 
-  constructor(title, setup, filters) {
-    this.#setup = setup;
+  constructor(title, number, setup, filters, selection) {
+    this.#number = number;
+    this.#setup = { ...setup, background: setup.backgrounds[number] };
     this.#filters = filters;
-    this.#picture.style.aspectRatio = setup.aspect;
+    this.#selection = selection;
+    this.#table = new ObjectTable((objectId) => selection.hover(number, objectId),
+      (objectId) => selection.toggle(number, objectId));
     this.#describe(title);
     this.section = this.#build(title);
+    this.section.dataset.camera = number;
     this.section.style.setProperty('--aspect', setup.aspect);
-    new ResizeObserver(() => this.redraw()).observe(this.#picture);
-    darkScheme.addEventListener('change', () => this.redraw());
+    this.#listen();
   }
 
   /**
-   * Shows a moment: its `frame`, the `frames` before it, `lives`, `events`, the `span` of its timeline, and `now`. All
-   * times are in seconds of one clock.
+   * Takes a moment to be drawn: its `frame`, the `trails` and `tracks` up to it, `events`, the `span` of its timeline, and
+   * `now`. All times are in seconds of one clock.
    */
   show(moment) {
     this.#moment = moment;
-    this.redraw();
   }
 
+  /** Draws everything; `drawPicture` draws the picture only. */
   redraw() {
-    const moment = this.#moment;
-    if (!moment) {
-      return;
+    this.drawPicture();
+    if (this.#moment) {
+      this.#drawTimeline();
+      this.#fillTable();
+      this.#listEvents();
     }
-    const drawn = drawPicture(this.#picture, moment, this.#setup.boxes, this.#filters.isShown);
-    drawTimeline(this.#timeline, moment, moment.span, this.#filters.isShown);
-    this.#fillTable(drawn, moment);
-    listEntries(this.#events, moment.events.filter(({ at }) => at <= moment.now).slice(-eventsListed).reverse()
-      .map((event) => ({ when: moment.timeText(event.at), text: eventText(event) })));
-    this.section.dataset.timestamp = moment.frame?.timestamp ?? '';
   }
 
-  /** One word for how it is, and facts beside it. */
+  drawPicture() {
+    if (this.#moment) {
+      this.#objects = drawPicture(this.#picture, this.#moment, this.#choice());
+      this.section.dataset.timestamp = this.#moment.frame?.timestamp ?? '';
+    }
+  }
+
+  /** One word for its state, and details. */
   setState(state, text, facts) {
     this.section.dataset.state = state;
     this.#pill.dataset.state = state;
@@ -67,7 +82,7 @@ export class CameraView {
     this.#facts.replaceChildren(...facts.map((fact) => make('span', {}, fact)));
   }
 
-  /** What is wrong, over the picture, which is not up to date then; nothing when `problem` is empty. */
+  /** The problem, over the picture, which is not up to date then; nothing when `problem` is empty. */
   setProblem(title, problem) {
     this.#veil.hidden = problem === '';
     this.#veilTitle.textContent = title;
@@ -77,60 +92,110 @@ export class CameraView {
   /** Calls back with the time that is pointed at in the timeline. */
   makeSeekable(seek) {
     this.#timelineBox.classList.add('seekable');
+    const canvas = this.#timeline.element;
     const timeAt = (event) => {
       const { from, to } = this.#moment.span;
-      seek(from + (event.offsetX / this.#timeline.clientWidth) * (to - from));
+      seek(from + (event.offsetX / this.#timeline.width) * (to - from));
     };
-    this.#timeline.addEventListener('pointerdown', (event) => {
-      this.#timeline.setPointerCapture(event.pointerId);
+    canvas.addEventListener('pointerdown', (event) => {
+      canvas.setPointerCapture(event.pointerId);
       timeAt(event);
     });
-    this.#timeline.addEventListener('pointermove', (event) => event.buttons === 1 && timeAt(event));
+    canvas.addEventListener('pointermove', (event) => event.buttons === 1 && timeAt(event));
+  }
+
+  #choice() {
+    return {
+      boxes: this.#setup.boxes,
+      onPhotograph: this.#setup.background !== undefined,
+      isShown: this.#filters.isShown,
+      isClassShown: this.#filters.isClassShown,
+      isMarked: (objectId) => this.#selection.isMarked(this.#number, objectId),
+    };
+  }
+
+  #drawTimeline() {
+    if (this.#moment) {
+      this.#bars = drawTimeline(this.#timeline, this.#moment, this.#choice());
+    }
+  }
+
+  #fillTable() {
+    const { frame, tracks, now } = this.#moment;
+    const choice = this.#choice();
+    const objects = objectsOf(frame, choice.boxes, this.#picture.width, this.#picture.height, choice);
+    const ageOf = (id) => {
+      const track = tracks.findLast(({ objectId, first }) => objectId === id && first <= now);
+      return track ? seconds(Math.min(now, track.last) - track.first) : '';
+    };
+    this.#table.show(objects, ageOf, choice.isMarked, (id) => this.#selection.isSelected(this.#number, id));
+  }
+
+  #listEvents() {
+    const { events, tracks, now, timeText } = this.#moment;
+    const classOf = (id) => tracks.findLast(({ objectId }) => objectId === id)?.className;
+    const latest = events.filter(({ at }) => at <= now).slice(-eventsListed).reverse()
+      .map((event) => ({ when: timeText(event.at), text: eventText(event, classOf), objectId: event.objectId }));
+    if (JSON.stringify(latest) !== this.#eventsShown) {
+      this.#eventsShown = JSON.stringify(latest);
+      listEntries(this.#events, latest);
+    }
+    for (const entry of this.#events.children) {
+      entry.classList.toggle('marked', this.#selection.isMarked(this.#number, Number(entry.dataset.objectId)));
+    }
+  }
+
+  #listen() {
+    darkScheme.addEventListener('change', () => this.redraw());
+    const select = (objectId) => this.#selection.toggle(this.#number, objectId);
+    const hover = (objectId) => this.#selection.hover(this.#number, objectId);
+    for (const [{ element }, areas] of [[this.#picture, () => this.#objects], [this.#timeline, () => this.#bars]]) {
+      const objectAt = ({ offsetX, offsetY }) => {
+        const found = smallest(areas().filter(({ area }) => contains(area, offsetX, offsetY)));
+        return found?.objectId ?? found?.detection.objectId;
+      };
+      element.addEventListener('pointermove', (event) => hover(objectAt(event)));
+      element.addEventListener('pointerleave', () => hover());
+      element.addEventListener('click', (event) => {
+        const objectId = objectAt(event);
+        if (objectId !== undefined) {
+          select(objectId);
+        }
+      });
+    }
+    const entryOf = ({ target }) => target.closest('li')?.dataset.objectId;
+    const numberOf = (text) => (text === undefined ? undefined : Number(text));
+    this.#events.addEventListener('pointerover', (event) => hover(numberOf(entryOf(event))));
+    this.#events.addEventListener('pointerleave', () => hover());
+    this.#events.addEventListener('click', (event) => entryOf(event) && select(Number(entryOf(event))));
   }
 
   #describe(title) {
-    for (const [canvas, text] of [[this.#picture, 'boxes and tracks; the table lists the objects'],
-      [this.#timeline, 'objects\' lives and events; the list below names the latest events']]) {
-      canvas.setAttribute('role', 'img');
-      canvas.setAttribute('aria-label', `${title}: ${text}`);
+    for (const [{ element }, text] of [[this.#picture, 'boxes and trails; the table lists the objects'],
+      [this.#timeline, 'tracks and events of objects; the list below names the latest events']]) {
+      element.setAttribute('role', 'img');
+      element.setAttribute('aria-label', `${title}: ${text}`);
     }
   }
 
   #build(title) {
-    const heads = columns.map(([name, className]) => make('th', { scope: 'col', className }, name));
-    const table = make('table', {}, this.#caption, make('thead', {}, make('tr', {}, ...heads)), this.#rows);
+    const { background, aspect } = this.#setup;
+    const picture = make('div', { className: 'picture' });
+    if (background !== undefined) {
+      picture.append(make('img', { src: background, alt: '', className: 'background' }));
+    }
+    this.#picture.element.style.aspectRatio = aspect;
+    picture.append(this.#picture.element, this.#veil);
     return make('section', { className: 'camera', ariaLabel: title },
       make('header', {}, make('h2', {}, title), this.#pill, this.#facts),
       make('div', { className: 'content' },
-        make('div', { className: 'picture' }, this.#picture, this.#veil),
-        make('div', { className: 'past' }, this.#timelineBox,
-          make('p', { className: 'legend' }, make('span', {}, '◆ connected'), make('span', {}, '✕ deleted'),
-            make('span', {}, 'solid: tracked with confidence; dashed: without; dotted: not tracked')),
+        picture,
+        make('div', { className: 'side' },
+          make('div', { className: 'objects scroll', tabIndex: 0, role: 'region', ariaLabel: `${title}: objects` },
+            this.#table.element),
           this.#events),
-        make('div', { className: 'objects scroll' }, table)));
-  }
-
-  #fillTable(drawn, { lives, now }) {
-    const byObjectId = (a, b) => a.detection.objectId - b.detection.objectId;
-    this.#caption.textContent = counted(drawn.length, 'object');
-    this.#rows.replaceChildren(...drawn.sort(byObjectId).flatMap(({ detection, area }) => {
-      const life = lives.findLast(({ objectId, first }) => objectId === detection.objectId && first <= now);
-      return this.#rowsOf(detection, area, life ? seconds(Math.min(now, life.last) - life.first) : '');
-    }));
-  }
-
-  /** A row for the object, and one below it for its attributes. */
-  #rowsOf(detection, area, age) {
-    const swatch = make('span', { className: 'swatch' });
-    swatch.style.background = colourOf(detection.objectId);
-    const row = make('tr', {},
-      make('td', { className: 'name' }, swatch, nameOf(detection)),
-      make('td', { className: 'number' }, `${detection.score}`),
-      make('td', {}, statusText(detection.status)),
-      make('td', { className: 'number' }, age));
-    row.dataset.objectId = detection.objectId;
-    row.dataset.box = area ? [area.x, area.y, area.width, area.height].map((each) => each.toFixed(2)).join(' ') : '';
-    const attributes = detection.attributes.map((each) => make('span', {}, attributeText(each)));
-    return [row, make('tr', { className: 'attributes' }, make('td', { colSpan: columns.length }, ...attributes))];
+        make('div', { className: 'past' }, this.#timelineBox,
+          make('p', { className: 'legend' }, make('span', {}, '◆ seen again'), make('span', {}, '✕ left'),
+            make('span', {}, 'solid: tracked with confidence; dashed: without; dotted: not tracked')))));
   }
 }

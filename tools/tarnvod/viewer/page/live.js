@@ -1,129 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-import { CameraView } from './camera.js';
-import { ClassFilters } from './filters.js';
-import { byId, counted, listEntries, seconds } from './format.js';
-import { History } from './lives.js';
-
-const clock = () => performance.now() / 1000;
-
-/** A time of the page's clock as people read it. */
-const clockText = (at) => new Date(performance.timeOrigin + at * 1000).toLocaleTimeString();
-
-/** A camera that is seen live. */
-class LiveCamera {
-  #history = new History();
-  #shown = this.#history;
-  #frame = null;
-  #pausedAt = null;
-  #passed = 0;
-  #state = null;
-  #stateAt = 0;
-  #seenAt = null;
-  #connected = true;
-
-  constructor(number, setup, filters) {
-    this.view = new CameraView(`Camera ${number}`, setup, filters);
-    this.view.section.dataset.camera = number;
-    this.refresh();
-  }
-
-  add(frame) {
-    const now = clock();
-    this.#history.add(frame, now);
-    this.#seenAt = now;
-    if (this.#pausedAt !== null) {
-      this.#passed += 1;
-      return;
-    }
-    this.#frame = frame;
-    this.#draw(now);
-  }
-
-  setState(state) {
-    this.#state = state;
-    this.#stateAt = clock();
-    this.#connected = true;
-    this.refresh();
-  }
-
-  loseConnection() {
-    this.#connected = false;
-    this.refresh();
-  }
-
-  /** Keeps what is shown as it is, or goes on with what has come since. */
-  setPaused(paused) {
-    this.#pausedAt = paused ? clock() : null;
-    this.#shown = paused ? this.#history.copy() : this.#history;
-    this.#passed = 0;
-    if (!paused) {
-      this.#frame = this.#history.frames.at(-1)?.frame ?? this.#frame;
-    }
-    this.refresh();
-  }
-
-  /** What changes by the passing of time. */
-  refresh() {
-    const [state, text] = this.#stateText();
-    this.view.setState(state, text, this.#facts());
-    const problem = this.#connected ? this.#state?.problem ?? '' : 'The page asks again by itself.';
-    this.view.setProblem(this.#connected ? 'No frames' : 'No connection to tarnvod view', problem);
-    this.#draw(clock());
-  }
-
-  #draw(time) {
-    const now = this.#pausedAt ?? time;
-    const { frames, lives, events } = this.#shown;
-    this.view.show({
-      frame: this.#frame,
-      frames: frames.filter(({ at }) => now - at <= History.tail),
-      lives,
-      events,
-      now,
-      span: { from: now - History.window, to: now, zero: now },
-      timeText: clockText,
-    });
-  }
-
-  #stateText() {
-    if (!this.#connected) {
-      return ['lost', 'not connected'];
-    }
-    const texts = { receiving: 'receiving', silent: 'down', waiting: 'down', refused: 'refused' };
-    const state = this.#state?.state;
-    return state ? [state, texts[state]] : ['connecting', 'connecting'];
-  }
-
-  #facts() {
-    if (!this.#state) {
-      return [];
-    }
-    const { frames, framesPerSecond, interruptions } = this.#state;
-    const facts = [`${framesPerSecond.toFixed(1)} frames/s`, this.#ageText(), counted(frames, 'frame')];
-    if (interruptions > 0) {
-      facts.push(counted(interruptions, 'interruption'));
-    }
-    if (this.#pausedAt !== null) {
-      facts.push(`paused, ${counted(this.#passed, 'frame')} since`);
-    }
-    return facts;
-  }
-
-  #ageText() {
-    const now = clock();
-    const told = this.#state.secondsSinceFrame;
-    const ages = [];
-    if (told !== null) {
-      ages.push(told + now - this.#stateAt);
-    }
-    if (this.#seenAt !== null) {
-      ages.push(now - this.#seenAt);
-    }
-    return ages.length > 0 ? `last frame ${seconds(Math.min(...ages))} ago` : 'no frame yet';
-  }
-}
+import { readAddress, writeAddress } from './address.js';
+import { clock, clockText, ServerClock } from './clock.js';
+import { Filters } from './filters.js';
+import { byId, counted, listEntries } from './format.js';
+import { LiveCamera } from './live_camera.js';
+import { Selection } from './selection.js';
 
 /** The page while it shows cameras. */
 export class LivePage {
@@ -131,19 +14,28 @@ export class LivePage {
   static #retryPeriod = 2000;
 
   #cameras = new Map();
-  #filters = new ClassFilters(() => this.#cameras.forEach((camera) => camera.view.redraw()));
+  #filters = new Filters(() => this.#choose());
+  #selection = new Selection(() => this.#choose());
+  #serverClock = new ServerClock();
+  #past = null;
+  #statesSeen = 0;
   #dropped = 0;
   #newsShown = '';
   #paused = false;
 
   constructor(setup) {
     byId('source').textContent = 'live';
+    const address = readAddress();
+    this.#selection.text = address('object');
+    this.#filters.parameters =
+      { hide: address('hide'), status: address('status'), score: address('score'), attribute: address('attribute') };
     for (const number of setup.cameras) {
-      this.#cameras.set(number, new LiveCamera(number, setup, this.#filters));
+      this.#cameras.set(number, new LiveCamera(number, setup, this.#filters, this.#selection));
     }
     byId('cameras').append(...[...this.#cameras.values()].map(({ view }) => view.section));
     setInterval(() => this.#cameras.forEach((camera) => camera.refresh()), LivePage.#refreshPeriod);
     this.#connect();
+    this.#paint();
   }
 
   togglePause() {
@@ -152,20 +44,62 @@ export class LivePage {
     this.#cameras.forEach((camera) => camera.setPaused(this.#paused));
   }
 
+  clearSelection() {
+    this.#selection.select();
+  }
+
+  /** Once for each picture that the browser shows. */
+  #paint() {
+    this.#cameras.forEach((camera) => camera.paint());
+    requestAnimationFrame(() => this.#paint());
+  }
+
+  #choose() {
+    writeAddress({ object: this.#selection.text, ...this.#filters.parameters });
+    this.#cameras.forEach((camera) => camera.view.redraw());
+  }
+
   #connect() {
     const source = new EventSource('events');
-    source.addEventListener('frame', ({ data }) => this.#addFrame(JSON.parse(data)));
-    source.addEventListener('state', ({ data }) => this.#setState(JSON.parse(data)));
-    source.addEventListener('dropped', ({ data }) => this.#tellDropped(JSON.parse(data).dropped));
+    const listen = (name, handle) => source.addEventListener(name, ({ data, lastEventId }) => {
+      this.#serverClock.observe(Number(lastEventId));
+      handle(JSON.parse(data), Number(lastEventId));
+    });
+    listen('frame', (frame, sent) => this.#addFrame(frame, sent));
+    listen('state', (state) => this.#setState(state));
+    listen('past', (past) => this.#setPast(past));
+    listen('dropped', ({ dropped }) => this.#reportDropped(dropped));
     source.addEventListener('error', () => this.#loseConnection(source));
   }
 
-  #addFrame(frame) {
+  #addFrame(frame, sent) {
+    this.#takeOverPast();
     this.#filters.offer(frame.detections.map(({ className }) => className));
-    this.#cameras.get(frame.camera).add(frame);
+    this.#cameras.get(frame.camera).add(frame, Math.min(clock(), this.#serverClock.toPage(sent)));
+    frame.events.forEach((event) => this.#selection.follow(frame.camera, event));
+  }
+
+  /** The past waits for a message that has just been sent: the clocks are compared with it. */
+  #setPast(past) {
+    this.#past ??= past;
+  }
+
+  #takeOverPast() {
+    const toPage = this.#serverClock.toPage;
+    for (const { camera, tracks, events } of this.#past?.cameras ?? []) {
+      this.#filters.offer(tracks.map(({ className }) => className));
+      this.#cameras.get(camera).takeOver(
+        tracks.map((track) => ({ ...track, first: toPage(track.first), last: toPage(track.last) })),
+        events.map((event) => ({ ...event, at: toPage(event.at) })));
+    }
+    this.#past = { cameras: [] };
   }
 
   #setState({ cameras, news }) {
+    this.#statesSeen += 1;
+    if (this.#statesSeen > 1) {
+      this.#takeOverPast();
+    }
     this.#setConnection('receiving', 'connected');
     cameras.forEach((state) => this.#cameras.get(state.camera).setState(state));
     const texts = JSON.stringify(news.map(({ text }) => text));
@@ -177,26 +111,40 @@ export class LivePage {
     }
   }
 
-  #tellDropped(count) {
+  #reportDropped(count) {
     this.#dropped = count;
     this.#setConnection('receiving', 'connected');
   }
 
-  /** A browser tries again by itself unless it was refused. */
+  /** A browser reconnects unless it was refused. */
   #loseConnection(source) {
     this.#setConnection('lost', 'not connected');
     this.#cameras.forEach((camera) => camera.loseConnection());
     if (source.readyState === EventSource.CLOSED) {
+      this.#explainRefusal();
       setTimeout(() => this.#connect(), LivePage.#retryPeriod);
     }
   }
 
+  async #explainRefusal() {
+    try {
+      const answer = await fetch('events', { signal: AbortSignal.timeout(1000) });
+      byId('notice').textContent = answer.status === 200 ? '' : await answer.text();
+    } catch {
+      byId('notice').textContent = '';
+    }
+    byId('notice').hidden = byId('notice').textContent === '';
+  }
+
   #setConnection(state, text) {
     const pill = byId('connection');
-    const whole = this.#dropped > 0 ? `${text}, ${counted(this.#dropped, 'frame')} dropped: too slow here` : text;
+    const whole = this.#dropped > 0 ? `${text}, ${counted(this.#dropped, 'frame')} dropped: this browser is too slow` : text;
     if (pill.textContent !== whole) {
       pill.textContent = whole;
       pill.dataset.state = state;
+    }
+    if (state === 'receiving') {
+      byId('notice').hidden = true;
     }
   }
 }

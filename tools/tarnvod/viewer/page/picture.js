@@ -1,17 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-import { nameOf, valuesText } from './format.js';
-import { boxOf, colourOf, fittingText, inkOn, prepareCanvas } from './geometry.js';
-import { History, longestGap, tailsOf } from './lives.js';
+import { areaOf, boxOf } from './boxes.js';
+import { colourOf } from './colours.js';
+import { longestGap, trailLength } from './history.js';
+import { drawLabel, placeLabels } from './labels.js';
 
-const chipFont = '600 12px system-ui, "DejaVu Sans", sans-serif';
-const valuesFont = '11px system-ui, "DejaVu Sans", sans-serif';
-
-/** Names are cut there, so that they do not cover what others show. In units of the page. */
-const widestName = 180;
-
-/** Whole for an object that is tracked for sure, dashed for one that may not be, dotted for one that is only seen. */
+/** Solid for an object that is tracked with confidence, dashed for one that is tracked without, dotted for others. */
 const dashesOf = (status) => ({ TrackedConfident: [], TrackedUnconfident: [8, 4] })[status] ?? [2, 4];
 
 function drawGrid(context, width, height, ink) {
@@ -27,88 +22,68 @@ function drawGrid(context, width, height, ink) {
   context.stroke();
 }
 
-/** The older, the fainter. */
-function drawTail(context, { objectId, points }, width, height, now) {
-  context.strokeStyle = colourOf(objectId);
+/** A trail is one path that fades towards its past. */
+function drawTrail(context, { objectId, points }, width, height, now) {
+  const [first, last] = [points[0], points.at(-1)];
+  const gradient = context.createLinearGradient(first.x * width, first.y * height, last.x * width, last.y * height);
+  const fade = (at) => Math.max(0, 1 - (now - at) / trailLength).toFixed(2);
+  gradient.addColorStop(0, colourOf(objectId, fade(first.at)));
+  gradient.addColorStop(1, colourOf(objectId, fade(last.at)));
+  context.strokeStyle = gradient;
+  context.beginPath();
+  points.forEach(({ x, y, at }, index) => {
+    const isStart = index === 0 || at - points[index - 1].at > longestGap;
+    context[isStart ? 'moveTo' : 'lineTo'](x * width, y * height);
+  });
+  context.stroke();
+}
+
+function drawTrails(context, trails, width, height, now) {
   context.lineWidth = 2.5;
   context.lineCap = 'round';
-  points.slice(1).forEach((point, index) => {
-    const before = points[index];
-    if (point.at - before.at > longestGap) {
-      return;
-    }
-    context.globalAlpha = Math.max(0, 1 - (now - point.at) / History.tail);
-    context.beginPath();
-    context.moveTo(before.x * width, before.y * height);
-    context.lineTo(point.x * width, point.y * height);
-    context.stroke();
-  });
-  context.globalAlpha = 1;
-}
-
-/** The object's name on a ground of its colour, and what it looks like: above the box, or inside where there is no room. */
-function drawChip(context, detection, area, width) {
-  const values = valuesText(detection);
-  context.font = chipFont;
-  const room = Math.min(widestName, width - 10);
-  const name = fittingText(context, nameOf(detection), room);
-  const nameWidth = context.measureText(name).width;
-  context.font = valuesFont;
-  const fittingValues = fittingText(context, values, room);
-  const chipWidth = Math.max(nameWidth, context.measureText(fittingValues).width) + 10;
-  const chipHeight = values === '' ? 18 : 32;
-  const x = Math.min(Math.max(0, area.x), width - chipWidth);
-  const y = area.y - chipHeight < 0 ? Math.max(0, area.y) : area.y - chipHeight;
-  context.fillStyle = colourOf(detection.objectId);
-  context.globalAlpha = 0.92;
-  context.beginPath();
-  context.roundRect(x, y, chipWidth, chipHeight, 3);
-  context.fill();
-  context.globalAlpha = 1;
-  context.fillStyle = inkOn(detection.objectId);
-  context.font = chipFont;
-  context.fillText(name, x + 5, y + 13);
-  context.font = valuesFont;
-  context.fillText(fittingValues, x + 5, y + 27);
-}
-
-function drawBox(context, detection, area) {
-  const colour = colourOf(detection.objectId);
-  context.fillStyle = colour;
-  context.globalAlpha = 0.1;
-  context.fillRect(area.x, area.y, area.width, area.height);
-  context.globalAlpha = 1;
-  context.strokeStyle = colour;
-  context.lineWidth = 2.4;
+  context.lineJoin = 'round';
+  trails.forEach((trail) => drawTrail(context, trail, width, height, now));
   context.lineCap = 'butt';
+}
+
+function drawBox(context, { detection, area, isMarked }, onPhotograph) {
+  context.fillStyle = colourOf(detection.objectId, isMarked ? 0.28 : 0.1);
+  context.fillRect(area.x, area.y, area.width, area.height);
+  if (onPhotograph) {
+    context.strokeStyle = 'rgb(255 255 255 / 55%)';
+    context.lineWidth = isMarked ? 7 : 4.4;
+    context.strokeRect(area.x, area.y, area.width, area.height);
+  }
+  context.strokeStyle = colourOf(detection.objectId);
+  context.lineWidth = isMarked ? 4 : 2.4;
   context.setLineDash(dashesOf(detection.status));
   context.strokeRect(area.x, area.y, area.width, area.height);
   context.setLineDash([]);
 }
 
+/** The detections that are shown, each with its area in the picture; null where it has no box. */
+export function objectsOf(frame, boxes, width, height, { isShown, isMarked }) {
+  return (frame?.detections ?? []).filter(isShown).map((detection) => ({
+    detection,
+    area: areaOf(boxOf(detection, boxes), width, height),
+    isMarked: isMarked(detection.objectId),
+  }));
+}
+
 /**
- * Draws a moment of a camera: `frame`, null before the first, and the `frames` before it, at the time `now`. Gives where
- * each detection's box was drawn, in units of the page.
+ * Draws a moment of a camera: `frame`, null before the first, and the `trails` up to the time `now`. Gives the objects
+ * that have a box.
  */
-export function drawPicture(canvas, { frame, frames, now }, boxes, isShown) {
-  const { context, width, height, ink } = prepareCanvas(canvas);
-  drawGrid(context, width, height, ink);
-  for (const tail of tailsOf(frames, boxes).filter(({ className }) => isShown(className))) {
-    drawTail(context, tail, width, height, now);
+export function drawPicture(canvas, { frame, trails, now }, { boxes, onPhotograph, isClassShown, ...choice }) {
+  const { context, width, height, ink } = canvas.begin();
+  if (onPhotograph) {
+    context.clearRect(0, 0, width, height);
+  } else {
+    drawGrid(context, width, height, ink);
   }
-  const drawn = [];
-  for (const detection of (frame?.detections ?? []).filter(({ className }) => isShown(className))) {
-    const box = boxOf(detection, boxes);
-    const area = box && {
-      x: box.left * width,
-      y: box.top * height,
-      width: (box.right - box.left) * width,
-      height: (box.bottom - box.top) * height,
-    };
-    drawn.push({ detection, area });
-  }
-  const visible = drawn.filter(({ area }) => area);
-  visible.forEach(({ detection, area }) => drawBox(context, detection, area));
-  visible.forEach(({ detection, area }) => drawChip(context, detection, area, width));
-  return drawn;
+  drawTrails(context, trails.until(now).filter(({ className }) => isClassShown(className)), width, height, now);
+  const objects = objectsOf(frame, boxes, width, height, choice).filter(({ area }) => area);
+  objects.forEach((object) => drawBox(context, object, onPhotograph));
+  placeLabels(context, objects, { width, height }).reverse().forEach((label) => drawLabel(context, label));
+  return objects;
 }

@@ -1,81 +1,37 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+import { readAddress, writeAddress } from './address.js';
 import { CameraView } from './camera.js';
-import { ClassFilters } from './filters.js';
-import { byId, counted, seconds } from './format.js';
-import { History, Lanes } from './lives.js';
+import { Filters } from './filters.js';
+import { byId, counted, durationText, seconds } from './format.js';
+import { FrameStore } from './frame_store.js';
+import { Lanes, trailLength, Trails } from './history.js';
+import { Selection } from './selection.js';
 
-const busy = 503;
-const busyPause = 200;
-const pause = (milliseconds) => new Promise((resolve) => setTimeout(resolve, milliseconds));
+const camera = 1;
 
-export async function fetchJson(path) {
-  const response = await fetch(path);
-  if (response.status === busy) {
-    await pause(busyPause);
-    return fetchJson(path);
-  }
-  if (!response.ok) {
-    throw new Error(await response.text());
-  }
-  return response.json();
-}
-
-/** Frames of a recording, in as many requests as it takes: an answer holds fewer where frames are large. */
-async function fetchFrames(first, count) {
-  const frames = [];
-  for (let isEnd = false; !isEnd && frames.length < count;) {
-    const more = await fetchJson(`frames.json?first=${first + frames.length}&count=${count - frames.length}`);
-    frames.push(...more);
-    isEnd = more.length === 0;
-  }
-  return frames;
-}
-
-/** A recording's frames, fetched in pieces when they are needed; the latest pieces are kept. */
-class FrameStore {
-  static #pieceSize = 100;
-  static #piecesKept = 30;
-
-  #pieces = new Map();
-
-  /** Gives the frames from one to another, both included. */
-  async between(first, last) {
-    const frames = [];
-    for (let piece = this.#pieceOf(first); piece <= this.#pieceOf(last); piece += 1) {
-      frames.push(...await this.#fetch(piece));
-    }
-    const offset = this.#pieceOf(first) * FrameStore.#pieceSize;
-    return frames.slice(first - offset, last - offset + 1);
-  }
-
-  #pieceOf(index) {
-    return Math.floor(index / FrameStore.#pieceSize);
-  }
-
-  #fetch(piece) {
-    const known = this.#pieces.get(piece);
-    const size = FrameStore.#pieceSize;
-    const frames = known ?? fetchFrames(piece * size, size);
-    this.#pieces.delete(piece);
-    this.#pieces.set(piece, frames);
-    frames.catch(() => this.#pieces.delete(piece));
-    if (this.#pieces.size > FrameStore.#piecesKept) {
-      this.#pieces.delete(this.#pieces.keys().next().value);
-    }
-    return frames;
-  }
+/** The tracks of a recording's objects, each in a row of the timeline. */
+function placeTracks(objects, events) {
+  const deletions = new Map(events.filter(({ action }) => action === 'Delete').map(({ objectId, at }) => [objectId, at]));
+  const tracks = objects.map(({ objectId, className, firstSeconds: first, lastSeconds: last }) =>
+    ({ objectId, className, first, last, end: Math.max(last, deletions.get(objectId) ?? last), lane: 0 }));
+  tracks.sort((a, b) => a.first - b.first);
+  const lanes = new Lanes();
+  tracks.forEach((track) => lanes.place(track));
+  return tracks;
 }
 
 /** The page while it shows a recording. */
 export class RecordingPage {
+  #setup;
   #overview;
   #times;
-  #lives;
+  #tracks;
   #events;
   #store = new FrameStore();
-  #filters = new ClassFilters(() => this.#view.redraw());
+  #filters = new Filters(() => this.#choose());
+  #selection = new Selection(() => this.#choose());
   #view;
   #index = 0;
   #playing = false;
@@ -83,17 +39,21 @@ export class RecordingPage {
   #scrubber = byId('scrubber');
 
   constructor(setup, overview) {
+    this.#setup = setup;
     this.#overview = overview;
     this.#times = overview.frameSeconds;
     this.#events = overview.eventList.map((event) => ({ ...event, at: this.#times[event.frame] }));
-    this.#lives = this.#placeLives(overview.objects);
-    this.#view = new CameraView('Recording', setup, this.#filters);
-    this.#view.section.dataset.camera = '1';
+    this.#tracks = placeTracks(overview.objects, this.#events);
+    const address = readAddress();
+    this.#selection.text = address('object');
+    this.#filters.parameters =
+      { hide: address('hide'), status: address('status'), score: address('score'), attribute: address('attribute') };
+    this.#view = new CameraView('Recording', camera, setup, this.#filters, this.#selection);
     this.#view.makeSeekable((time) => this.#seek(this.#indexAt(time)));
     this.#filters.offer(Object.keys(overview.detectionsByClass).sort());
     this.#fillPage();
     this.#listen();
-    this.#seek(0);
+    this.#seek(Number(address('frame')) || 0);
   }
 
   togglePause() {
@@ -106,68 +66,89 @@ export class RecordingPage {
     this.#showFacts();
     if (this.#playing) {
       requestAnimationFrame(() => this.#advance());
+    } else {
+      this.#choose();
     }
   }
 
-  #placeLives(objects) {
-    const lanes = new Lanes();
-    const deletions = new Map(this.#events.filter(({ action }) => action === 'Delete')
-      .map(({ objectId, at }) => [objectId, at]));
-    const lives = objects.map(({ objectId, className, firstSeconds: first, lastSeconds: last }) =>
-      ({ objectId, className, first, last, end: Math.max(last, deletions.get(objectId) ?? last), lane: 0 }));
-    lives.sort((a, b) => a.first - b.first);
-    lives.forEach((life) => lanes.place(life));
-    return lives;
+  clearSelection() {
+    this.#selection.select();
   }
 
   #fillPage() {
     const { recording, frames, damage, damageCount } = this.#overview;
-    if (this.#times.length < frames) {
-      this.#complain(`Only the first ${counted(this.#times.length, 'frame')} of ${frames} are shown.`);
-    }
     byId('source').textContent = recording;
     byId('connection').hidden = true;
     byId('pause').textContent = 'Play';
     byId('cameras').append(this.#view.section);
     byId('player').hidden = false;
     this.#scrubber.max = Math.max(0, this.#times.length - 1);
+    if (frames === 0) {
+      this.#complain('The recording holds no frames.');
+    } else if (this.#times.length < frames) {
+      this.#complain(`Only the first ${counted(this.#times.length, 'frame')} of ${frames} are shown.`);
+    }
     if (damageCount > 0) {
       const { file, offset, what } = damage[0];
       const more = damageCount > 1 ? ` (and ${damageCount - 1} more)` : '';
-      this.#complain(`${file}: offset ${offset}: ${what}${more}; what is shown is what could be read, of ${counted(frames, 'frame')}`);
+      this.#complain(`The recording is damaged: ${file}: offset ${offset}: ${what}${more}. ` +
+        `${counted(frames, 'frame')} can be read.`);
     }
   }
 
   #listen() {
     this.#scrubber.addEventListener('input', () => this.#seek(Number(this.#scrubber.value)));
+    this.#scrubber.addEventListener('change', () => this.#choose());
     byId('back').addEventListener('click', () => this.#step(-1));
     byId('forward').addEventListener('click', () => this.#step(1));
+    byId('previous-event').addEventListener('click', () => this.#stepToEvent(-1));
+    byId('next-event').addEventListener('click', () => this.#stepToEvent(1));
     byId('speed').addEventListener('change', () => this.#markStart());
     document.addEventListener('keydown', (event) => this.#onKey(event));
   }
 
   #onKey(event) {
+    const isTaken = event.target.matches('input, select') || event.ctrlKey || event.altKey || event.metaKey;
+    if (isTaken) {
+      return;
+    }
     const steps = { ArrowLeft: -1, ArrowRight: 1, Home: -this.#times.length, End: this.#times.length };
     const step = steps[event.key];
-    const isTaken = event.target.matches('input, select') || event.ctrlKey || event.altKey || event.metaKey;
-    if (step !== undefined && !isTaken) {
+    if (step !== undefined) {
       event.preventDefault();
       this.#step(event.shiftKey ? 10 * step : step);
+    } else if (event.key === 'n' || event.key === 'p') {
+      this.#stepToEvent(event.key === 'n' ? 1 : -1);
     }
   }
 
   #step(count) {
     this.#seek(this.#index + count);
+    this.#choose();
+  }
+
+  #stepToEvent(direction) {
+    const next = direction > 0
+      ? this.#events.find(({ frame }) => frame > this.#index)
+      : this.#events.findLast(({ frame }) => frame < this.#index);
+    if (next) {
+      this.#seek(next.frame);
+      this.#choose();
+    }
   }
 
   /** The last frame that was there at this time. */
   #indexAt(time) {
-    const after = this.#times.findIndex((each) => each > time);
-    return (after < 0 ? this.#times.length : after) - 1;
+    let [before, after] = [-1, this.#times.length];
+    while (after - before > 1) {
+      const middle = Math.floor((before + after) / 2);
+      [before, after] = this.#times[middle] > time ? [before, middle] : [middle, after];
+    }
+    return before;
   }
 
   #seek(index) {
-    this.#index = Math.min(Math.max(0, index), this.#times.length - 1);
+    this.#index = Math.max(0, Math.min(Math.floor(index), this.#times.length - 1));
     this.#markStart();
     this.#show();
   }
@@ -194,6 +175,16 @@ export class RecordingPage {
     }
   }
 
+  /** Redraws, and puts what is shown into the address. */
+  #choose() {
+    writeAddress({
+      frame: this.#index > 0 ? this.#index : '',
+      object: this.#selection.text,
+      ...this.#filters.parameters,
+    });
+    this.#view.redraw();
+  }
+
   async #show() {
     const index = this.#index;
     this.#showFacts();
@@ -201,28 +192,35 @@ export class RecordingPage {
       return;
     }
     const now = this.#times[index];
-    const first = this.#times.findIndex((time) => now - time <= History.tail);
+    const first = Math.max(0, this.#indexAt(now - trailLength));
     try {
       const frames = await this.#store.between(first, index);
       if (index === this.#index) {
-        this.#draw(frames.map((frame, place) => ({ frame, at: this.#times[first + place] })), now);
+        this.#draw(frames, first, now);
       }
     } catch (error) {
       this.#complain(`Frame ${index + 1} cannot be read: ${error.message}`);
     }
   }
 
-  #draw(frames, now) {
+  #draw(frames, first, now) {
+    const trails = new Trails(this.#setup.boxes);
+    frames.forEach((frame, place) => trails.add(frame, this.#times[first + place]));
+    const frame = frames.at(-1);
     this.#view.show({
-      frame: frames.at(-1).frame,
-      frames,
-      lives: this.#lives,
+      frame,
+      trails,
+      tracks: this.#tracks,
       events: this.#events,
       now,
       span: { from: 0, to: Math.max(this.#overview.seconds, 0.1), zero: 0, cursor: now },
-      timeText: seconds,
+      timeText: durationText,
     });
+    this.#view.redraw();
     this.#view.section.dataset.frame = this.#index;
+    if (frame.omittedBytes !== undefined) {
+      this.#complain(`Frame ${this.#index + 1} has ${frame.omittedBytes} bytes, which are too many to be shown.`);
+    }
   }
 
   #showFacts() {

@@ -1,11 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-import { nameOf } from './format.js';
-import { colourOf, fittingText, inkOn, prepareCanvas } from './geometry.js';
+import { fittingText } from './canvas.js';
+import { colourOf, inkOn } from './colours.js';
+import { durationText, nameOf } from './format.js';
 
 const axisHeight = 20;
 const timelineFont = '11px system-ui, "DejaVu Sans", sans-serif';
+const mostHeight = 150;
 
 /** A round number of seconds between marks, so that they do not touch. */
 function markDistance(duration, width) {
@@ -14,12 +16,11 @@ function markDistance(duration, width) {
   return steps.find((step) => step >= rough) ?? Math.ceil(rough / 3600) * 3600;
 }
 
-/** How high each row is: lower the more there are, down to where it can still be seen. */
-const laneHeightFor = (lanes) => Math.max(5, Math.min(18, 220 / lanes));
+/** How high each row is: lower the more there are, so that all have room. */
+const laneHeightFor = (lanes) => Math.min(18, mostHeight / lanes);
 
 function drawAxis(context, { from, to, zero }, x, height, ink, width) {
   const distance = markDistance(to - from, width);
-  const digits = distance < 1 ? 1 : 0;
   context.font = timelineFont;
   context.textAlign = 'center';
   for (let mark = Math.ceil((from - zero) / distance); zero + mark * distance <= to; mark += 1) {
@@ -28,39 +29,54 @@ function drawAxis(context, { from, to, zero }, x, height, ink, width) {
     context.fillRect(at, axisHeight - 4, 1, height - axisHeight + 4);
     context.fillStyle = ink.text;
     const half = 20;
-    context.fillText(`${(mark * distance).toFixed(digits)} s`, Math.min(Math.max(at, half), width - half), 12);
+    const text = distance < 1 ? `${(mark * distance).toFixed(1)} s` : durationText(mark * distance);
+    context.fillText(text, Math.min(Math.max(at, half), width - half), 12);
   }
   context.textAlign = 'left';
 }
 
-function drawLife(context, life, x, laneHeight) {
-  const left = x(life.first);
-  const width = Math.max(2, x(life.last) - left);
-  const top = axisHeight + life.lane * laneHeight;
-  context.fillStyle = colourOf(life.objectId);
+/** Where a track's bar is. */
+function barOf(track, x, laneHeight) {
+  const left = x(track.first);
+  const gap = laneHeight >= 5 ? 1 : 0;
+  return {
+    x: left,
+    y: axisHeight + track.lane * laneHeight + gap,
+    width: Math.max(2, x(track.last) - left),
+    height: Math.max(1, laneHeight - 2 * gap),
+  };
+}
+
+function drawTrack(context, track, bar, isMarked, ink) {
+  context.fillStyle = colourOf(track.objectId);
   context.beginPath();
-  context.roundRect(left, top + 1, width, laneHeight - 2, Math.min(4, laneHeight / 3));
+  context.roundRect(bar.x, bar.y, bar.width, bar.height, Math.min(4, bar.height / 3));
   context.fill();
-  if (laneHeight >= 13) {
+  if (isMarked) {
+    context.strokeStyle = ink.mark;
+    context.lineWidth = 2;
+    context.stroke();
+  }
+  if (bar.height >= 11) {
+    const visibleLeft = Math.max(bar.x, 0);
+    const text = fittingText(context, timelineFont, nameOf(track), bar.x + bar.width - visibleLeft - 8);
     context.font = timelineFont;
-    context.fillStyle = inkOn(life.objectId);
-    const visibleLeft = Math.max(left, 0);
-    context.fillText(fittingText(context, nameOf(life), left + width - visibleLeft - 8), visibleLeft + 4,
-      top + laneHeight / 2 + 4);
+    context.fillStyle = inkOn(track.objectId);
+    context.fillText(text, visibleLeft + 4, bar.y + bar.height / 2 + 4);
   }
 }
 
-/** A diamond for a connect, a cross for a delete, in the row of the object that it is about. */
-function drawEvent(context, event, lives, x, laneHeight, ink) {
-  const life = lives.findLast(({ objectId, first }) => objectId === event.objectId && first <= event.at);
-  if (!life) {
+/** A diamond for a connect, a cross for a delete, in the row of the event's object. */
+function drawEvent(context, event, tracks, x, laneHeight, ink) {
+  const track = tracks.findLast(({ objectId, first }) => objectId === event.objectId && first <= event.at);
+  if (!track) {
     return;
   }
-  const [at, middle, size] = [x(event.at), axisHeight + (life.lane + 0.5) * laneHeight, Math.min(5, laneHeight / 2)];
+  const [at, middle, size] = [x(event.at), axisHeight + (track.lane + 0.5) * laneHeight, Math.min(5, laneHeight / 2)];
   context.beginPath();
   if (event.action === 'Delete') {
-    context.fillStyle = colourOf(life.objectId);
-    context.fillRect(x(life.last), middle - 1, at - x(life.last), 2);
+    context.fillStyle = colourOf(track.objectId);
+    context.fillRect(x(track.last), middle - 1, at - x(track.last), 2);
     context.moveTo(at - size, middle - size);
     context.lineTo(at + size, middle + size);
     context.moveTo(at + size, middle - size);
@@ -80,21 +96,23 @@ function drawEvent(context, event, lives, x, laneHeight, ink) {
 }
 
 /**
- * Draws objects' lives and events between two times. The axis counts from `zero`; `cursor`, when it is there, is the
- * time that the picture shows.
+ * Draws objects' tracks and events between two times. The axis counts from `zero`; `cursor`, when it is there, is the
+ * time that the picture shows. Gives the bars with their objects' numbers.
  */
-export function drawTimeline(canvas, { lives, events }, span, isShown) {
-  const shown = lives.filter(({ className, last }) => isShown(className) && last >= span.from);
-  const lanes = Math.max(3, ...shown.map(({ lane }) => lane + 1));
+export function drawTimeline(canvas, { tracks, events, span }, { isClassShown, isMarked }) {
+  const shown = tracks.filter(({ className, last }) => isClassShown(className) && last >= span.from);
+  const lanes = shown.reduce((most, { lane }) => Math.max(most, lane + 1), 3);
   const laneHeight = laneHeightFor(lanes);
-  canvas.style.height = `${axisHeight + lanes * laneHeight + 4}px`;
-  const { context, width, height, ink } = prepareCanvas(canvas);
+  canvas.element.style.height = `${Math.ceil(axisHeight + lanes * laneHeight + 4)}px`;
+  const { context, width, height, ink } = canvas.begin();
   const x = (at) => ((at - span.from) / (span.to - span.from)) * width;
   drawAxis(context, span, x, height, ink, width);
-  shown.forEach((life) => drawLife(context, life, x, laneHeight));
+  const bars = shown.map((track) => ({ objectId: track.objectId, area: barOf(track, x, laneHeight), track }));
+  bars.forEach(({ objectId, area, track }) => drawTrack(context, track, area, isMarked(objectId), ink));
   events.forEach((event) => drawEvent(context, event, shown, x, laneHeight, ink));
   if (span.cursor !== undefined) {
     context.fillStyle = ink.mark;
     context.fillRect(x(span.cursor) - 1, 0, 2, height);
   }
+  return bars;
 }

@@ -1,0 +1,17 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+/** The page's state in its address, behind the `#`, so that a link shows the same. */
+export const readAddress = () => {
+  const parameters = new URLSearchParams(location.hash.slice(1));
+  return (name) => parameters.get(name) ?? '';
+};
+
+/** Writes the members that are not empty. */
+export function writeAddress(state) {
+  const parameters = new URLSearchParams(Object.entries(state).filter(([, value]) => value !== ''));
+  const hash = parameters.size === 0 ? '' : `#${parameters}`;
+  if (hash !== location.hash) {
+    history.replaceState(null, '', location.pathname + hash);
+  }
+}

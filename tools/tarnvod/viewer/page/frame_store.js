@@ -1,0 +1,63 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+const busy = 503;
+const busyPause = 200;
+const pause = (milliseconds) => new Promise((resolve) => setTimeout(resolve, milliseconds));
+
+export async function fetchJson(path) {
+  const response = await fetch(path);
+  if (response.status === busy) {
+    await pause(busyPause);
+    return fetchJson(path);
+  }
+  if (!response.ok) {
+    throw new Error(await response.text());
+  }
+  return response.json();
+}
+
+/** Frames of a recording, in as many requests as it takes: an answer holds fewer where frames are large. */
+async function fetchFrames(first, count) {
+  const frames = [];
+  for (let isEnd = false; !isEnd && frames.length < count;) {
+    const more = await fetchJson(`frames.json?first=${first + frames.length}&count=${count - frames.length}`);
+    frames.push(...more);
+    isEnd = more.length === 0;
+  }
+  return frames;
+}
+
+/** A recording's frames, fetched in pieces when they are needed; the latest pieces are kept. */
+export class FrameStore {
+  static #pieceSize = 100;
+  static #piecesKept = 30;
+
+  #pieces = new Map();
+
+  /** Gives the frames from one to another, both included. */
+  async between(first, last) {
+    const pieces = [];
+    for (let piece = this.#pieceOf(first); piece <= this.#pieceOf(last); piece += 1) {
+      pieces.push(this.#fetch(piece));
+    }
+    const offset = this.#pieceOf(first) * FrameStore.#pieceSize;
+    return (await Promise.all(pieces)).flat().slice(first - offset, last - offset + 1);
+  }
+
+  #pieceOf(index) {
+    return Math.floor(index / FrameStore.#pieceSize);
+  }
+
+  #fetch(piece) {
+    const size = FrameStore.#pieceSize;
+    const frames = this.#pieces.get(piece) ?? fetchFrames(piece * size, size);
+    this.#pieces.delete(piece);
+    this.#pieces.set(piece, frames);
+    frames.catch(() => this.#pieces.delete(piece));
+    if (this.#pieces.size > FrameStore.#piecesKept) {
+      this.#pieces.delete(this.#pieces.keys().next().value);
+    }
+    return frames;
+  }
+}
