@@ -21,7 +21,7 @@ expect() {
 
 # The long options in a text.
 options_in() {
-  grep -oE -- '(^|[^[:alnum:]-])--[a-z][a-z-]*' | grep -oE -- '--[a-z][a-z-]*' || true
+  grep -oE -- '(^|[^[:alnum:]-])--[a-z][a-z0-9-]*' | grep -oE -- '--[a-z][a-z0-9-]*' || true
 }
 
 subcommands_of_help() {
