@@ -15,7 +15,7 @@ _tarnvod() {
   local -A options=(
     [info]="--camera --file --json --help"
     [watch]="--camera --class --all-classes --roi --frames --seconds --json --help"
-    [record]="--camera --output --seconds --frames --help"
+    [record]="--camera --output --seconds --frames --keep --max-size --ring --after --on --help"
     [inspect]="--json --help"
     [export]="--format --output --size --box --range --help"
     [cut]="--from --to --output --help"
@@ -39,6 +39,10 @@ _tarnvod() {
       mapfile -t COMPREPLY < <(compgen -W "csv mot sqlite mcap" -- "$current")
       return
       ;;
+    --on)
+      mapfile -t COMPREPLY < <(compgen -W "class: deleted connected silence: signal" -- "$current")
+      return
+      ;;
     --camera)
       mapfile -t COMPREPLY < <(compgen -W "$(_tarnvod_cameras)" -- "$current")
       return
@@ -48,7 +52,7 @@ _tarnvod() {
       mapfile -t COMPREPLY < <(compgen -f -- "$current")
       return
       ;;
-    --class | --roi | --from | --to | --iou | --tolerance | --mota | --idf1 | --size | --frames | --seconds | --frame | --range | --aspect | --port | --address)
+    --class | --roi | --from | --to | --keep | --max-size | --ring | --after | --iou | --tolerance | --mota | --idf1 | --size | --frames | --seconds | --frame | --range | --aspect | --port | --address)
       return
       ;;
   esac

@@ -40,16 +40,27 @@ std::optional<Playback::Item> Playback::next() {
 }
 
 std::optional<std::string> Playback::nextScene() {
-  if (auto* const scene = std::get_if<RecordedScene>(&upcoming_)) {
-    std::string bytes = std::move(scene->bytes);
+  skipDamage();
+  auto* const scene = std::get_if<RecordedScene>(&upcoming_);
+  if (scene == nullptr) {
+    return std::nullopt;
+  }
+  std::string bytes = std::move(scene->bytes);
+  upcoming_ = reader_->next();
+  return bytes;
+}
+
+void Playback::skipDamage() {
+  while (const auto* const damage = std::get_if<Damage>(&upcoming_)) {
+    if (!damageReported_) {
+      report(toString(*damage));
+      damageReported_ = true;
+    }
+    if (reader_->atEnd()) {
+      return;
+    }
     upcoming_ = reader_->next();
-    return bytes;
   }
-  if (const auto* const damage = std::get_if<Damage>(&upcoming_); damage != nullptr && !damageReported_) {
-    report(toString(*damage));
-    damageReported_ = true;
-  }
-  return std::nullopt;
 }
 
 void Playback::startAgain() {

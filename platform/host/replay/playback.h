@@ -32,6 +32,8 @@ class Playback {
 
  private:
   std::optional<std::string> nextScene();
+  /** Continues with the next segment after a damage. */
+  void skipDamage();
   void startAgain();
   std::chrono::microseconds dueTimeOf(const std::string& scene);
 

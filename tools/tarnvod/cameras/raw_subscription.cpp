@@ -32,13 +32,13 @@ int readInformation(int (*getInformation)(video_object_detection_subscriber_st*,
  * Taps are kept until the process ends: whether a callback can still run after `delete` is the platform's choice, and
  * there are only as many as subscriptions were dropped.
  */
-RawSubscription::Tap* RawSubscription::makeTap(std::shared_ptr<SceneQueue> scenes) {
+RawSubscription::Tap* RawSubscription::makeTap(int camera, std::shared_ptr<SceneQueue> scenes) {
   static auto& taps = *new std::vector<std::unique_ptr<Tap>>;
-  return taps.emplace_back(new Tap{std::move(scenes), {}}).get();
+  return taps.emplace_back(new Tap{std::move(scenes), camera, {}}).get();
 }
 
 RawSubscription::RawSubscription(int camera, std::shared_ptr<SceneQueue> scenes)
-    : camera_(camera), tap_(makeTap(std::move(scenes))) {
+    : camera_(camera), tap_(makeTap(camera, std::move(scenes))) {
   check(video_object_detection_subscriber_create(&subscriber_, tap_, camera - 1), "does not answer");
 }
 
@@ -61,7 +61,8 @@ void RawSubscription::subscribe() {
   // Generic parameters: the integer types of these callbacks are the platform's.
   const auto onScene = [](const auto* buffer, auto length, void* userData) {
     if (buffer != nullptr && length >= 0) {
-      static_cast<Tap*>(userData)->scenes->push({std::string(buffer, buffer + length), vod::recording::arrivalNow()});
+      auto& tap = *static_cast<Tap*>(userData);
+      tap.scenes->push({std::string(buffer, buffer + length), vod::recording::arrivalNow(), tap.camera});
     }
   };
   const auto onTeardown = [](void* userData) { static_cast<Tap*>(userData)->dropped = true; };

@@ -20,6 +20,7 @@ namespace tarn::command {
 struct ArrivedScene {
   std::string bytes;
   vod::recording::Arrival arrival;
+  int camera = 0;  ///< counted from 1
 };
 
 using SceneQueue = BoundedQueue<ArrivedScene>;
@@ -56,10 +57,11 @@ class RawSubscription {
   /** What the platform's threads write to. */
   struct Tap {
     const std::shared_ptr<SceneQueue> scenes;
+    const int camera;
     std::atomic<bool> dropped{false};
   };
 
-  static Tap* makeTap(std::shared_ptr<SceneQueue> scenes);
+  static Tap* makeTap(int camera, std::shared_ptr<SceneQueue> scenes);
   void check(int result, const char* what) const;
 
   const int camera_;

@@ -2,24 +2,27 @@
 // SPDX-License-Identifier: MIT
 
 #include "base/errors.h"
+#include "base/event_signal.h"
 #include "base/options.h"
 #include "base/output.h"
 #include "base/progress_bar.h"
 #include "base/stop_signal.h"
 #include "base/text.h"
+#include "base/unit_options.h"
 #include "cameras/raw_subscription.h"
 #include "cameras/service.h"
 #include "commands/subcommands.h"
+#include "recordings/scene_sink.h"
 
 #include <CLI/CLI.hpp>
 #include <recording/recording.h>
-#include <recording/recording_writer.h>
-#include <tarnvod/handler.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace tarn::command {
 namespace {
@@ -28,62 +31,137 @@ constexpr std::size_t sceneQueueCapacity = 256;
 constexpr std::chrono::milliseconds sceneWait{50};
 
 struct RecordOptions {
-  int camera = 0;
+  std::vector<int> cameras;
   std::string folder;
   Limits limits;
+  Keeping keeping;
 };
+
+/** Of one camera the folder itself, of several one in it for each. */
+std::filesystem::path folderOf(int camera, const RecordOptions& options) {
+  const std::filesystem::path folder = options.folder;
+  return options.cameras.size() == 1 ? folder : folder / ("camera-" + std::to_string(camera));
+}
 
 void checkHoldsNoRecording(const std::filesystem::path& folder) {
   for (const char* name :
        {vod::recording::detectorInformationFileName, vod::recording::scenesFileName, vod::recording::indexFileName}) {
-    std::error_code ignored;  // what cannot be looked at cannot be written either, and that is told then
+    std::error_code ignored;  // what cannot be looked at cannot be written either, which is reported then
     if (std::filesystem::exists(folder / name, ignored)) {
       throw Failure(folder.string() + ": holds a recording already; name another folder");
     }
   }
 }
 
-/** Writes what the service sends, and subscribes again when the service drops the subscription. */
+/** Writes what the service sends of one camera, and subscribes again when the service drops the subscription. */
+class CameraRecorder {
+ public:
+  CameraRecorder(int camera, const RecordOptions& options, std::shared_ptr<SceneQueue> scenes)
+      : camera_(camera), folder_(folderOf(camera, options)), scenes_(std::move(scenes)) {
+    checkHoldsNoRecording(folder_);
+    checkCameraExists(camera_, channelCount());
+    subscription_.emplace(camera_, scenes_);
+    sink_ = makeSink(folder_, subscription_->readDetectorInformation(), options.keeping);
+    subscription_->subscribe();
+  }
+
+  int camera() const { return camera_; }
+  SceneSink& sink() { return *sink_; }
+  std::uint64_t received() const { return received_; }
+
+  void add(ArrivedScene scene) {
+    ++received_;
+    sink_->add(std::move(scene));
+  }
+
+  void keepSubscribed(ProgressBar& bar) {
+    if (subscription_ && subscription_->isDropped()) {
+      report(bar,
+             "the service dropped the subscription; trying again every " + std::to_string(retryPeriod.count()) + " s");
+      subscription_.reset();
+      triedAt_ = Clock::now();
+    }
+    if (!subscription_ && Clock::now() - triedAt_ >= retryPeriod) {
+      subscribeAgain(bar);
+    }
+  }
+
+  void end() { subscription_.reset(); }
+
+  std::string summary(double seconds) const {
+    return "recorded " + counted(sink_->frames(), "frame") + " of camera " + std::to_string(camera_) + " in " +
+           fixed(seconds, 1) + " s, " + byteSize(sink_->bytes()) + ", to " + folder_.string() + '\n';
+  }
+
+ private:
+  void subscribeAgain(ProgressBar& bar) {
+    triedAt_ = Clock::now();
+    try {
+      subscription_.emplace(camera_, scenes_);
+      subscription_->subscribe();
+      report(bar, "subscribed again");
+    } catch (const Failure&) {
+      subscription_.reset();  // reported already; tried again later
+    }
+  }
+
+  void report(ProgressBar& bar, const std::string& what) const {
+    bar.hide();
+    tellUser("tarnvod: camera " + std::to_string(camera_) + ": " + what);
+  }
+
+  const int camera_;
+  const std::filesystem::path folder_;
+  const std::shared_ptr<SceneQueue> scenes_;
+  std::optional<RawSubscription> subscription_;
+  std::unique_ptr<SceneSink> sink_;
+  std::uint64_t received_ = 0;
+  Clock::time_point triedAt_;
+};
+
+/** One session: all cameras, by the same clocks. */
 class Recorder {
  public:
   explicit Recorder(const RecordOptions& options) : options_(options), bar_(options.limits) {
-    checkHoldsNoRecording(options.folder);
-    checkCameraExists(options.camera, channelCount());
-    subscription_.emplace(options.camera, scenes_);
-    writer_.emplace(options.folder, subscription_->readDetectorInformation());
-    subscription_->subscribe();
+    for (const int camera : options.cameras) {
+      cameras_.push_back(std::make_unique<CameraRecorder>(camera, options, scenes_));
+    }
   }
 
   void run() {
     while (!isDone()) {
-      if (const auto scene = scenes_->popWithin(sceneWait)) {
-        writer_->append(scene->bytes, scene->arrival);
+      if (auto scene = scenes_->popWithin(sceneWait)) {
         ++progress_.frames;
         progress_.bytes += scene->bytes.size();
-      } else {
-        // Only now: what came before the drop has been written.
-        keepSubscribed();
+        recorderOf(scene->camera).add(std::move(*scene));
       }
       const Clock::time_point now = Clock::now();
+      if (now - lookedAt_ >= sceneWait) {
+        lookAfterCameras();
+        lookedAt_ = now;
+      }
       progress_.elapsed = now - start_;
       bar_.show(progress_, now);
     }
-    subscription_.reset();
+    for (const auto& camera : cameras_) {
+      camera->end();
+    }
     bar_.hide();
   }
 
   /** @throw Failure when the recording is not what it should be */
   void summarize() const {
-    const double seconds = std::chrono::duration<double>(progress_.elapsed).count();
-    standardOutput().writeText("recorded " + counted(progress_.frames, "frame") + " of camera " +
-                               std::to_string(options_.camera) + " in " + fixed(seconds, 1) + " s, " +
-                               byteSize(progress_.bytes) + ", to " + options_.folder + '\n');
+    for (const auto& camera : cameras_) {
+      standardOutput().writeText(camera->summary(std::chrono::duration<double>(progress_.elapsed).count()));
+    }
     if (scenes_->dropped() > 0) {
       throw Failure(options_.folder + ": " + counted(scenes_->dropped(), "frame") +
                     " missing; writing took too long, record to a faster disk");
     }
-    if (progress_.frames == 0 && !stopRequested()) {
-      throw Failure("camera " + std::to_string(options_.camera) + ": no frame came");
+    for (const auto& camera : cameras_) {
+      if (camera->received() == 0 && !stopRequested()) {
+        throw Failure("camera " + std::to_string(camera->camera()) + ": no frame came");
+      }
     }
   }
 
@@ -93,59 +171,72 @@ class Recorder {
            (options_.limits.frames && progress_.frames >= *options_.limits.frames);
   }
 
-  void keepSubscribed() {
-    if (subscription_ && subscription_->isDropped()) {
-      tell("the service dropped the subscription; trying again every " + std::to_string(retryPeriod.count()) + " s");
-      subscription_.reset();
-      triedAt_ = Clock::now();
-    }
-    if (!subscription_ && Clock::now() - triedAt_ >= retryPeriod) {
-      subscribeAgain();
-    }
+  CameraRecorder& recorderOf(int camera) {
+    const auto isIt = [camera](const auto& recorder) { return recorder->camera() == camera; };
+    return **std::find_if(cameras_.begin(), cameras_.end(), isIt);
   }
 
-  void subscribeAgain() {
-    triedAt_ = Clock::now();
-    try {
-      subscription_.emplace(options_.camera, scenes_);
-      subscription_->subscribe();
-      tell("subscribed again");
-    } catch (const Failure&) {
-      subscription_.reset();  // told already; tried again later
+  void lookAfterCameras() {
+    const bool isTriggered = takeEventSignal();
+    const std::int64_t now = vod::recording::arrivalNow().monotonic;
+    for (const auto& camera : cameras_) {
+      camera->keepSubscribed(bar_);
+      camera->sink().tick(now);
+      if (isTriggered) {
+        camera->sink().trigger(now);
+      }
     }
-  }
-
-  void tell(const std::string& news) {
-    bar_.hide();
-    tellUser("tarnvod: camera " + std::to_string(options_.camera) + ": " + news);
   }
 
   const RecordOptions options_;
   ProgressBar bar_;
   const std::shared_ptr<SceneQueue> scenes_ = std::make_shared<SceneQueue>(sceneQueueCapacity);
-  std::optional<RawSubscription> subscription_;
-  std::optional<vod::recording::RecordingWriter> writer_;
+  std::vector<std::unique_ptr<CameraRecorder>> cameras_;
   Progress progress_;
   const Clock::time_point start_ = Clock::now();
-  Clock::time_point triedAt_;
+  Clock::time_point lookedAt_;
 };
 
 int record(const RecordOptions& options) {
+  if (options.keeping.ring && options.keeping.events.empty()) {
+    throw UsageError("--ring needs an event that makes it keep something; name one with --on");
+  }
+  if (!options.keeping.ring && !options.keeping.events.empty()) {
+    throw UsageError("--on belongs to --ring");
+  }
+  if (Triggers(options.keeping.events).hasSignal()) {
+    installEventSignal();
+  }
   Recorder recorder(options);
   recorder.run();
   recorder.summarize();
   return success;
 }
 
+void addKeeping(CLI::App& command, Keeping& keeping) {
+  addDuration(command, "--keep", keeping.microseconds,
+              "Keep so much recorded time, like 24h, in segments; the oldest go first");
+  addByteSize(command, "--max-size", keeping.bytes, "Keep so many bytes, like 256M, in segments; the oldest go first");
+  addDuration(command, "--ring", keeping.ring, "Keep only what is around events: so much time before each, like 60s");
+  addDuration(command, "--after", keeping.after, "How long to go on after an event; default 10s");
+  command
+      .add_option("--on", keeping.events,
+                  "The events for --ring: class:NAME, deleted, connected, silence:TIME, signal (SIGUSR1)")
+      ->type_name("EVENT ...");
+}
+
 }  // namespace
 
 Action defineRecord(CLI::App& command) {
   const auto options = std::make_shared<RecordOptions>();
-  takesCameraNumbers(*command.add_option("--camera", options->camera, "The camera, counted from 1")->required());
+  takesCameraNumbers(
+      *command.add_option("--camera", options->cameras, "The cameras, counted from 1; several get a folder each")
+           ->required());
   command.add_option("--output", options->folder, "The folder that becomes the recording")
       ->type_name("DIR")
       ->required();
   addLimits(command, options->limits, "End after N frames");
+  addKeeping(command, options->keeping);
   return [options] { return record(*options); };
 }
 
