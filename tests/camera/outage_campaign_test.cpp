@@ -37,7 +37,7 @@ bool canFollow(CameraState before, CameraState after) {
 
 class RandomOutages : public CameraTest, public testing::WithParamInterface<bool> {
  protected:
-  int upTo(int greatest) { return std::uniform_int_distribution<>(0, greatest)(random_); }
+  int randomAtMost(int greatest) { return std::uniform_int_distribution<>(0, greatest)(random_); }
 
   void breakSomething() {
     static const std::vector<Function> functions = {Function::Create,
@@ -50,16 +50,17 @@ class RandomOutages : public CameraTest, public testing::WithParamInterface<bool
                                                     Function::Delete,
                                                     Function::UseChannelConfiguration,
                                                     Function::SetChannelConfiguration};
-    switch (upTo(3)) {
+    switch (randomAtMost(3)) {
       case 0:
         dropSubscriptions();
         break;
       case 1:
-        vod::host::plan(Fault(functions[static_cast<std::size_t>(upTo(9))]).onCall(1 + upTo(4)).failsWith(1));
+        vod::host::plan(
+            Fault(functions[static_cast<std::size_t>(randomAtMost(9))]).onCall(1 + randomAtMost(4)).failsWith(1));
         dropSubscriptions();
         break;
       case 2:
-        vod::host::plan(Fault(functions[static_cast<std::size_t>(upTo(9))]).always().failsWith(1));
+        vod::host::plan(Fault(functions[static_cast<std::size_t>(randomAtMost(9))]).always().failsWith(1));
         dropSubscriptions();
         break;
       default:
@@ -95,9 +96,9 @@ TEST_P(RandomOutages, AreAllOvercome) {
   const TestCamera camera(1, {{"human"}, VOD::VodChannelConfiguration{0, 0, 1, 1}}, camera_);
   const int outages = numberOfOutages();
   for (int outage = 0; outage < outages && !HasFailure(); ++outage) {
-    passWithFrames(std::chrono::milliseconds(100 * (1 + upTo(9))));
+    passWithFrames(std::chrono::milliseconds(100 * (1 + randomAtMost(9))));
     breakSomething();
-    passWithFrames(std::chrono::milliseconds(100 * upTo(60)));
+    passWithFrames(std::chrono::milliseconds(100 * randomAtMost(60)));
     EXPECT_THAT(camera_.takeFrames(), Each(ElementsAre("human"))) << "outage " << outage;
     vod::host::liftAllFaults();
     vod::host::bringServiceUp();

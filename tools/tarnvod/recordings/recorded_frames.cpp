@@ -79,8 +79,7 @@ Json RecordedFrames::frames(std::uint64_t first, std::uint64_t count) const {
   Json frames = Json::array();
   std::size_t bytes = 0;
   const std::uint64_t begin = std::min<std::uint64_t>(places_.size(), first);
-  const std::uint64_t end =
-      std::min<std::uint64_t>(places_.size(), begin + std::min<std::uint64_t>(count, mostAtOnce));
+  const std::uint64_t end = std::min<std::uint64_t>(places_.size(), begin + std::min<std::uint64_t>(count, mostAtOnce));
   for (std::uint64_t index = begin; index < end && bytes < mostBytesAtOnce; ++index) {
     const ::VOD::Scene scene = sceneAt(places_[static_cast<std::size_t>(index)]);
     bytes += scene.ByteSizeLong();
