@@ -112,7 +112,7 @@ TEST_F(View, ServesEachModuleThatAnotherImports) {
 
   std::set<std::string> seen;
   std::deque<std::string> paths{"main.js"};
-  const std::regex import("from '\\./([a-z-]+\\.js)'");
+  const std::regex import("from '\\./([a-z_-]+\\.js)'");
   for (; !paths.empty(); paths.pop_front()) {
     const test::Answer script = viewer.get('/' + paths.front());
     EXPECT_EQ(script.status, 200) << paths.front();

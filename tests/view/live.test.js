@@ -148,8 +148,8 @@ describe('two cameras that are seen live', () => {
     const { width, height } = await cameraOf(joined.page, 1).locator('canvas').nth(1).evaluate((canvas) =>
       ({ width: canvas.clientWidth, height: canvas.clientHeight }));
     const early = await pixels(joined.page, 1,
-      Array.from({ length: Math.floor(height) - 24 }, (_, y) => [Math.floor(width * 0.93), y + 22]), 1);
-    assert.ok(new Set(early.map(String)).size > 1, 'the timeline is empty four seconds ago');
+      Array.from({ length: Math.floor(height) - 24 }, (_, y) => [Math.floor(width * (1 - 2.5 / 60)), y + 22]), 1);
+    assert.ok(new Set(early.map(String)).size > 1, 'the timeline is empty 2.5 seconds ago');
     await joined.page.close();
   });
 

@@ -159,7 +159,7 @@ export function pixels(page, camera, places, canvas = 0) {
 export const isSameColour = (one, other) => one.every((part, index) => Math.abs(part - other[index]) <= 8);
 
 /** Room that a label may take around its box. */
-const around = ([x, y, width, height]) => [x - 200, y - 40, x + Math.max(width, 200) + 4, y + height + 36];
+const around = ([x, y, width, height]) => [x - 120, y - 40, x + Math.max(width, 120) + 4, y + height + 36];
 
 /** Places on the left edges of boxes where nothing else is drawn, with the colour that must be there. */
 export function freeEdges({ rows, width }) {

@@ -4,19 +4,17 @@
 #ifndef TARNVOD_COMMAND_LIVE_HISTORY_H
 #define TARNVOD_COMMAND_LIVE_HISTORY_H
 
+#include "base/clock.h"
 #include "records/json.h"
 
 #include <tarnvod/detection_data.h>
 
-#include <chrono>
 #include <cstdint>
 #include <deque>
 #include <string>
 #include <unordered_map>
 
 namespace tarn::command {
-
-using Clock = std::chrono::steady_clock;
 
 /**
  * The objects and events of a camera in the last minute, for pages that join. Its memory is bounded: of very many, the
