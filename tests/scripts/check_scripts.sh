@@ -60,7 +60,7 @@ find-avoided-words: plainer words are at the head of $scripts/lib/avoided-words.
     expect 1 "src/CMakeLists.txt:2:  VERSION 1.2)
 check-version: take the version from PROJECT_VERSION" "$scripts/lib/check-version" ;;
   Check.RefusesUnknownArguments)
-    expect 2 "usage: $scripts/check [--quick]" "$scripts/check" --fast ;;
+    expect 2 "usage: $scripts/check [--quick|--nightly]" "$scripts/check" --fast ;;
   Install.RefusesUnknownArguments)
     expect 2 "usage: $scripts/install [PREFIX]" "$scripts/install" --user ;;
   *) echo "unknown outcome: $3" >&2; exit 2 ;;
