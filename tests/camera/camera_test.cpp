@@ -57,27 +57,27 @@ CameraTest::~CameraTest() = default;
 
 void CameraTest::startRetryThread() {
   retryOnce();
-  nextRetry_ = TestTime::now() + 1s;
+  nextRetry_ = SteeredTime::now() + 1s;
 }
 
-void CameraTest::pass(TestTime::Duration duration) {
+void CameraTest::pass(SteeredTime::Duration duration) {
   while (duration > 0s) {
-    const TestTime::Duration part = nextRetry_ ? std::min(duration, *nextRetry_ - TestTime::now()) : duration;
-    duration -= part - TestTime::step(part);
-    if (nextRetry_ && TestTime::now() >= *nextRetry_) {
+    const SteeredTime::Duration part = nextRetry_ ? std::min(duration, *nextRetry_ - SteeredTime::now()) : duration;
+    duration -= part - SteeredTime::step(part);
+    if (nextRetry_ && SteeredTime::now() >= *nextRetry_) {
       sleep_.release();
       sleep_.waitUntilAsleep();
       *nextRetry_ += 1s;
     }
   }
-  TestTime::settle();
+  SteeredTime::settle();
 }
 
-void CameraTest::passWithFrames(TestTime::Duration duration, int channel) {
+void CameraTest::passWithFrames(SteeredTime::Duration duration, int channel) {
   for (; duration > 0s; duration -= 100ms) {
     pass(100ms);
     deliver({1}, channel);
-    TestTime::settle();
+    SteeredTime::settle();
   }
 }
 

@@ -4,7 +4,7 @@
 #ifndef TARNVOD_TESTS_CAMERA_CAMERA_TEST_H
 #define TARNVOD_TESTS_CAMERA_CAMERA_TEST_H
 
-#include "camera/test_time.h"
+#include "camera/steered_time.h"
 #include "handler/handler_test.h"
 
 #include <tarnvod/camera.h>
@@ -46,7 +46,7 @@ class CameraLog {
 };
 
 /** A `Camera` in the tests' time. */
-class TestCamera : public VOD::detail::CameraHandle<TestTime> {
+class TestCamera : public VOD::detail::CameraHandle<SteeredTime> {
  public:
   TestCamera(int camera, const CameraRequest& request, VOD::Camera::FrameCallback onFrame,
              VOD::Camera::StateCallback onState = {})
@@ -70,10 +70,10 @@ class CameraTest : public HandlerTest {
   void startRetryThread();
 
   /** Lets time pass: for the cameras, and for the library's retry thread, whose period is a second. */
-  void pass(TestTime::Duration duration);
+  void pass(SteeredTime::Duration duration);
 
   /** Lets time pass while a scene with a person arrives every 100 ms at those who are subscribed to the channel. */
-  void passWithFrames(TestTime::Duration duration, int channel = 0);
+  void passWithFrames(SteeredTime::Duration duration, int channel = 0);
 
   /** Takes the service down, and waits until the library has noticed. */
   static void takeServiceDown();
@@ -87,7 +87,7 @@ class CameraTest : public HandlerTest {
   CameraLog camera_;
 
  private:
-  std::optional<TestTime::Point> nextRetry_;
+  std::optional<SteeredTime::Point> nextRetry_;
 };
 
 }  // namespace tarn::test

@@ -67,7 +67,7 @@ TEST_F(TheEndOfACamera, FindsItsGateClosedForAFrameThatTheLibraryHasAlreadyTaken
   VOD::DetectionCallback kept;
   {
     const TestCamera camera(1, people(), camera_);
-    kept = VOD::detail::CameraWatch<TestTime>::receiverOf(1, 1);
+    kept = VOD::detail::CameraWatch<SteeredTime>::receiverOf(1, 1);
   }
   kept(std::make_unique<VOD::DetectionData>(0, std::vector<VOD::Data>{}, std::vector<VOD::VodEvent>{}), 1);
   EXPECT_THAT(camera_.takeFrames(), IsEmpty());
@@ -111,10 +111,10 @@ TEST_F(TheEndOfACamera, MayComeFromItsOwnFrameWhileItIsSetUp) {
     inCallback.pass();
     owned_.reset();
   });
-  TestTime::settle();
+  SteeredTime::settle();
   const vod::host::Gate inSetUp;
   vod::host::plan(Fault(Function::GetInformation).waitsAt(inSetUp));
-  TestTime::jump(750ms);
+  SteeredTime::jump(750ms);
   inSetUp.waitUntilReached();
   vod::host::channel(0).pushScene(sceneOf({1}));
   inSetUp.open();
@@ -132,8 +132,8 @@ TEST_F(TheEndOfACamera, MayComeFromItsOwnReport) {
       ended.set_value();
     }
   });
-  TestTime::settle();
-  TestTime::jump(1s);
+  SteeredTime::settle();
+  SteeredTime::jump(1s);
   ended.get_future().wait();
   EXPECT_EQ(vod::host::liveSubscribers(), 0);
 }
@@ -148,9 +148,9 @@ TEST_F(TheEndOfACamera, MayComeFromAnothersFrame) {
 
 TEST_F(TheEndOfACamera, IsFollowedByNoReport) {
   owned_ = std::make_unique<TestCamera>(1, people(), camera_);
-  TestTime::settle();
+  SteeredTime::settle();
   owned_.reset();
-  TestTime::jump(1min);
+  SteeredTime::jump(1min);
   EXPECT_THAT(camera_.takeStates(), ElementsAre(CameraState::Receiving));
 }
 

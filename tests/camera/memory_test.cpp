@@ -96,7 +96,7 @@ TEST_F(ACameraWithoutMemory, RecoversFromAFailureInARenewal) {
   for (std::size_t number = 1; failed; ++number) {
     const TestCamera camera(1, people(), camera_);
     deliver();
-    TestTime::settle();
+    SteeredTime::settle();
     dropSubscriptions();
     {
       const AllocationFailure failure(number, Threads::All);

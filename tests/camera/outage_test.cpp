@@ -22,12 +22,12 @@ class AnOutage : public CameraTest {
   }
 
   /** Drops the subscription; a retry fails and the next one succeeds: what is delivered then lacks the classes. */
-  void loseTheClasses(TestTime::Duration duration) {
+  void loseTheClasses(SteeredTime::Duration duration) {
     const int failure = vod::host::plan(Fault(Function::Create).always().failsWith(1));
     dropSubscriptions();
     retryNow();
     vod::host::lift(failure);
-    TestTime::jump(duration);
+    SteeredTime::jump(duration);
     retryNow();
   }
 };
@@ -97,7 +97,7 @@ TEST_F(AnOutage, ThatTheRetryThreadBridgesBringsNoFrameWithoutItsDetections) {
   deliver();
   EXPECT_EQ(camera.status().framesHeldBack, 1U);
   gate.open();
-  TestTime::settle();
+  SteeredTime::settle();
   deliver();
 
   EXPECT_THAT(camera_.takeFrames(), Each(ElementsAre("human")));
@@ -112,7 +112,7 @@ TEST_F(AnOutage, ThatTheRetryThreadBridgesDoesNotHoldFramesWithDetectionsBack) {
       2, people(), [](auto) {}, [&gate](const auto&) { gate.pass(); });
   gate.waitUntilReached();
   deliver();
-  TestTime::jump(5s);
+  SteeredTime::jump(5s);
   deliver({});
   deliver({1});
   deliver({});

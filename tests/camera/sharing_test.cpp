@@ -34,7 +34,7 @@ TEST_F(TwoCamerasOfOneNumber, GoOnWithTheSecondWhenTheFirstEnds) {
   auto first = std::make_unique<TestCamera>(1, people(), camera_);
   const TestCamera other(1, {{"car"}, {}}, second);
   first.reset();
-  TestTime::settle();
+  SteeredTime::settle();
   EXPECT_EQ(other.status().state, CameraState::Receiving);
   deliver({1, 5});
   EXPECT_THAT(second.takeFrames(), ElementsAre(ElementsAre("car")));
@@ -84,7 +84,7 @@ TEST_F(ANumberOfTheHandlerToo, IsTakenBackAfterASilence) {
   deliver({1});
   EXPECT_EQ(inbox_.size(), 1U);
   EXPECT_THAT(camera_.takeFrames(), ElementsAre(ElementsAre("human")));
-  TestTime::settle();
+  SteeredTime::settle();
   EXPECT_THAT(camera_.takeStates(), ElementsAre(CameraState::Receiving, CameraState::Silent, CameraState::Receiving));
 }
 

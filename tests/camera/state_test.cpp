@@ -38,7 +38,7 @@ TEST_F(ACamera, ReceivesAsSoonAsItIsMade) {
 
 TEST_F(ACamera, ReportsItsFirstState) {
   const TestCamera camera(1, people(), camera_);
-  TestTime::settle();
+  SteeredTime::settle();
   EXPECT_THAT(camera_.takeStates(), ElementsAre(CameraState::Receiving));
 }
 
@@ -71,11 +71,11 @@ TEST_F(ACamera, CountsItsFrames) {
   EXPECT_EQ(status.framesReceived, 2U);
   EXPECT_EQ(status.framesDelivered, 2U);
   EXPECT_EQ(status.framesHeldBack, 0U);
-  EXPECT_EQ(status.lastFrame, TestTime::now());
+  EXPECT_EQ(status.lastFrame, SteeredTime::now());
 }
 
 TEST_F(ACamera, MeasuresTheLongestCallback) {
-  const TestCamera camera(1, people(), [](auto) { TestTime::jump(30ms); });
+  const TestCamera camera(1, people(), [](auto) { SteeredTime::jump(30ms); });
   deliver();
   EXPECT_EQ(camera.status().longestCallback, 30ms);
 }
@@ -137,7 +137,7 @@ TEST_F(ASilentService, IsAnInterruptionOnceFramesHaveCome) {
   EXPECT_EQ(camera.status().interruptions, 2U);
   EXPECT_EQ(camera.status().lastInterruption, 1s);
   EXPECT_EQ(camera.status().longestInterruption, 2s);
-  TestTime::settle();
+  SteeredTime::settle();
   EXPECT_THAT(camera_.takeStates(), ElementsAre(CameraState::Receiving, CameraState::Silent, CameraState::Receiving,
                                                 CameraState::Silent, CameraState::Receiving));
 }
@@ -172,13 +172,13 @@ TEST_F(ASlowService, IsNotSilentOnceItsPaceIsKnown) {
   for (int frame = 0; frame < 20; ++frame) {
     pass(2s);
     deliver({});
-    TestTime::settle();
+    SteeredTime::settle();
   }
   camera_.takeStates();
   for (int frame = 0; frame < 5; ++frame) {
     pass(2s);
     deliver({});
-    TestTime::settle();
+    SteeredTime::settle();
   }
   EXPECT_THAT(camera_.takeStates(), IsEmpty());
   EXPECT_EQ(camera.status().framesDelivered, 25U);
@@ -309,19 +309,19 @@ TEST_F(AThrowingCallback, IsCountedAndReportedOnceInARow) {
         }
       },
       camera_.onState());
-  TestTime::settle();
+  SteeredTime::settle();
   deliver();
-  TestTime::settle();
+  SteeredTime::settle();
   deliver();
   EXPECT_EQ(camera.status().callbackExceptions, 2U);
   EXPECT_EQ(camera.status().lastException, "no room");
   EXPECT_EQ(camera.status().framesDelivered, 2U);
-  TestTime::settle();
+  SteeredTime::settle();
   throws = false;
   deliver();
   throws = true;
   deliver();
-  TestTime::settle();
+  SteeredTime::settle();
   std::vector<std::uint64_t> reported;
   for (const CameraStatus& status : camera_.reports()) {
     reported.push_back(status.callbackExceptions);
@@ -341,7 +341,7 @@ TEST_F(AThrowingCallback, ForStatesIsCountedAndCalledAtTheNextChange) {
     ++calls;
     throw std::runtime_error("not now");
   });
-  TestTime::settle();
+  SteeredTime::settle();
   deliver();
   pass(1s);
   EXPECT_EQ(camera.status().callbackExceptions, 2U);
@@ -352,11 +352,11 @@ using ASlowApplication = CameraTest;
 
 TEST_F(ASlowApplication, CausesNoSetUp) {
   const TestCamera camera(
-      1, people(), [](auto) { TestTime::jump(5s); }, camera_.onState());
+      1, people(), [](auto) { SteeredTime::jump(5s); }, camera_.onState());
   vod::host::clearJournal();
   for (int frame = 0; frame < 100; ++frame) {
     deliver(frame % 2 == 0 ? std::vector<std::uint32_t>{1} : std::vector<std::uint32_t>{});
-    TestTime::settle();
+    SteeredTime::settle();
   }
   EXPECT_EQ(camera.status().framesDelivered, 100U);
   EXPECT_THAT(vod::host::journal(), IsEmpty());

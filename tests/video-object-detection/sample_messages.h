@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#ifndef TARNVOD_TESTS_SAMPLE_MESSAGES_H
-#define TARNVOD_TESTS_SAMPLE_MESSAGES_H
+#ifndef TARNVOD_TESTS_VIDEO_OBJECT_DETECTION_SAMPLE_MESSAGES_H
+#define TARNVOD_TESTS_VIDEO_OBJECT_DETECTION_SAMPLE_MESSAGES_H
 
 #include "support/wire_bytes.h"
 

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#ifndef TARNVOD_TESTS_APPLICATION_H
-#define TARNVOD_TESTS_APPLICATION_H
+#ifndef TARNVOD_TESTS_ENDURANCE_INTERLEAVINGS_APPLICATION_H
+#define TARNVOD_TESTS_ENDURANCE_INTERLEAVINGS_APPLICATION_H
 
 #include "scheduler.h"
 #include "scripted_platform.h"

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#ifndef TARNVOD_TESTS_SCHEDULE_H
-#define TARNVOD_TESTS_SCHEDULE_H
+#ifndef TARNVOD_TESTS_ENDURANCE_INTERLEAVINGS_SCHEDULE_H
+#define TARNVOD_TESTS_ENDURANCE_INTERLEAVINGS_SCHEDULE_H
 
 #include <array>
 #include <cstddef>

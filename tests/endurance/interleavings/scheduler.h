@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#ifndef TARNVOD_TESTS_SCHEDULER_H
-#define TARNVOD_TESTS_SCHEDULER_H
+#ifndef TARNVOD_TESTS_ENDURANCE_INTERLEAVINGS_SCHEDULER_H
+#define TARNVOD_TESTS_ENDURANCE_INTERLEAVINGS_SCHEDULER_H
 
 #include "schedule.h"
 

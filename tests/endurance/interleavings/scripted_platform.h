@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#ifndef TARNVOD_TESTS_SCRIPTED_PLATFORM_H
-#define TARNVOD_TESTS_SCRIPTED_PLATFORM_H
+#ifndef TARNVOD_TESTS_ENDURANCE_INTERLEAVINGS_SCRIPTED_PLATFORM_H
+#define TARNVOD_TESTS_ENDURANCE_INTERLEAVINGS_SCRIPTED_PLATFORM_H
 
 #include <video_object_detection_subscriber.h>
 

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#ifndef TARNVOD_TESTS_WORLDS_H
-#define TARNVOD_TESTS_WORLDS_H
+#ifndef TARNVOD_TESTS_ENDURANCE_INTERLEAVINGS_WORLDS_H
+#define TARNVOD_TESTS_ENDURANCE_INTERLEAVINGS_WORLDS_H
 
 #include "scheduler.h"
 

@@ -1,0 +1,111 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#ifndef TARNVOD_TESTS_ENDURANCE_CAMPAIGN_WORLD_H
+#define TARNVOD_TESTS_ENDURANCE_CAMPAIGN_WORLD_H
+
+#include "endurance/campaign/arrivals.h"
+#include "endurance/campaign/registry_model.h"
+#include "endurance/campaign/scenery.h"
+#include "support/retry_sleep.h"
+
+#include <functional>
+#include <stdexcept>
+#include <string>
+
+namespace tarn::test {
+
+/** The library and the model disagree; the text says after which step and on what. */
+class Disagreement : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/** What a world is like from its beginning to its end. */
+struct WorldSettings {
+  int cameras = 1;
+  bool deleteWaitsForCallbacks = true;
+  bool oneThreadForAll = false;
+  bool sceneDuringSubscribe = false;
+  bool teardownDuringDetection = false;
+};
+
+WorldSettings anySettings(const Choose& choose);
+std::string toString(const WorldSettings& settings);
+
+/**
+ * The library on the host platform, and its model. A step is done to both and brought to its end; then what
+ * the platform was asked, what was logged and which frames arrived is compared. One object at a time.
+ */
+class World {
+ public:
+  explicit World(const WorldSettings& settings);
+  ~World();
+  World(const World&) = delete;
+  World& operator=(const World&) = delete;
+
+  /** Does any step. @throw Disagreement */
+  void step(const Choose& choose);
+
+  /**
+   * Mends the service, sees every camera that was lost come back and receive a frame again, and tears all down.
+   *
+   * @throw Disagreement
+   */
+  void end(const Choose& choose);
+
+  const Losses& losses() const { return model_.losses(); }
+  int frames() const { return frames_; }
+
+ private:
+  using Action = std::function<void()>;
+
+  // Each does one thing to the library and to the model.
+  void setup(const Choose& choose, int camera);
+  void teardown(int camera);
+  void ask(const Choose& choose);
+  void askForDetector(int camera);
+  void askForAttributes();
+  void askForClasses();
+  void askTheService(const Choose& choose);
+  void retry();
+  void drop(int camera);
+  void toggleService();
+  void changeDetector(const Choose& choose);
+  void planFault(const Choose& choose);
+  void sendScene(const Choose& choose);
+  void sendOddScene(const Choose& choose);
+  void sendSceneThatActs(const Choose& choose);
+  void sendSceneThatThrows(const Choose& choose);
+  void sendSceneThatTakesLong(const Choose& choose);
+  void sendSceneBesideSlowCall(const Choose& choose);
+
+  Action anyHandlerCall(const Choose& choose);
+  void sendSceneBesideSlowSetup(const Choose& choose, int camera);
+  void sendSceneBesideSlowTeardown(const Choose& choose, int camera);
+  void expect(const std::optional<ExpectedFrame>& frame);
+  /** Notes a disagreement for the next check: it may come up in a callback, which must not be left by it. */
+  void agree(bool agreed, const std::string& onWhat);
+  int anyCamera(const Choose& choose) const;
+  /** A camera of the service, be it subscribed or not. */
+  int anyChannel(const Choose& choose) const;
+  void liftFaults();
+  void check();
+  [[noreturn]] void disagree(const std::string& what) const;
+
+  WorldSettings settings_;
+  SystemLog log_;
+  RetrySleep sleep_;
+  Arrivals arrivals_;
+  RegistryModel model_;
+  std::vector<ExpectedFrame> expected_;
+  std::vector<std::string> done_;  ///< the steps so far, for whoever looks into a disagreement
+  std::string disagreement_;
+  bool callsAreOrdered_ = true;
+  int frames_ = 0;
+  int expectedExceptions_ = 0;
+};
+
+}  // namespace tarn::test
+
+#endif
