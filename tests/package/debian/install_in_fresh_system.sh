@@ -6,7 +6,7 @@
 # fresh Debian system and uses them: the command shows what the host platform's service sees, and on amd64 an application is
 # built from the development package and run. Packages for armhf run under emulation. Needs root.
 set -euo pipefail
-project=$(cd "$(dirname "$0")/../.." && pwd)
+project=$(cd "$(dirname "$0")/../../.." && pwd)
 source "$project/scripts/lib/packages.sh"
 
 if [[ $# -ne 2 || ($2 != amd64 && $2 != armhf) ]]; then
