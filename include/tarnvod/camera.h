@@ -52,13 +52,24 @@ struct CameraRequest {
  *
  * **State.** A camera is `Receiving` once it is set up, `Silent` when frames stay away for 0.75 s and for three times as
  * long as usual, `Waiting` when it is not set up because the service does not answer or refuses, and `Refused` when the
- * detector does not know a class. In the last two the set-up is tried again each second. How long the application takes
- * with a frame does not matter for this.
+ * detector does not know a class. In the last two the set-up is tried again each second.
  *
- * **Threads.** The constructor sets the camera up on the calling thread. All cameras of a process share one more thread,
- * which the first one starts and the last one ends. It renews set-ups, and it runs the state callbacks, one after the
- * other. An application that blocks it in a state callback delays the recovery of all cameras. All functions are
- * thread-safe and may be called from a callback, also from one of this camera.
+ * **Slow callbacks.** How long the application takes with a frame matters neither for the state nor for the set-up: the
+ * service waits meanwhile, and the time is in `status`. One limit remains: an outage that begins and ends within a
+ * callback of more than a second leaves no pause to be seen. If the application has called `Handler::initialize`, frames
+ * that were made without the classes can then pass, until the set-up is renewed after ten seconds. A `FrameQueue` as the
+ * callback keeps it short.
+ *
+ * **Threads.** The constructor sets the camera up on the calling thread, and the destructor ends the subscription there.
+ * Frames arrive on threads of the platform. All cameras of a process share one more thread, which the first one starts
+ * and the last one ends. It renews set-ups, and it runs the state callbacks, one after the other. An application that
+ * blocks it in a state callback delays the recovery of all cameras. All functions are thread-safe and may be called from
+ * a callback, also from one of this camera.
+ *
+ * **Mistakes.** A number less than 1 and an empty callback are exceptions. What only the service can know is in the state
+ * and its reason: classes that the camera's detector does not know, a number that the service does not have, a region or a
+ * further subscription that it refuses, a service that is disabled or does not answer. `docs/troubleshooting.md` has each
+ * reason with its remedy.
  *
  * **The end.** Once the destructor has returned, no callback runs: it waits for those that run on other threads. Called
  * from inside of a callback of the same camera, it waits for all but that one, and what the callback is made of lives

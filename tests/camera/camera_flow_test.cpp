@@ -67,4 +67,29 @@ TEST_F(AnEmptyFrame, AfterOneWithDetectionsOfTheSameSetUpIsComplete) {
   EXPECT_FALSE(isAccepted(failed));
 }
 
+TEST_F(AnEmptyFrame, AfterALongCallbackIsTakenForComplete) {
+  const CameraFlow::Setup setup = setUp(true);
+  const CameraFlow::Time begin = now_;
+  flow_.beginCallback();
+  now_ += 5s;
+  EXPECT_TRUE(isAccepted(setup)) << "of another subscription, during the callback";
+  flow_.endCallback(begin, now_);
+  EXPECT_TRUE(isAccepted(setup));
+}
+
+TEST_F(AnEmptyFrame, IsTakenForCompleteForTenSecondsOfTheServicesTimeAtMost) {
+  const CameraFlow::Setup setup = setUp(true);
+  const CameraFlow::Time begin = now_;
+  flow_.beginCallback();
+  now_ += 5s;
+  flow_.endCallback(begin, now_);
+  for (int tenth = 1; tenth < 100; ++tenth) {
+    now_ += 100ms;
+    EXPECT_TRUE(isAccepted(setup));
+    EXPECT_GT(flow_.nextLook(now_), now_) << "tenths of a second: " << tenth;
+  }
+  now_ += 100ms;
+  EXPECT_LE(flow_.nextLook(now_), now_) << "the set-up is due for renewal";
+}
+
 }  // namespace

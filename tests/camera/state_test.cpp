@@ -377,16 +377,5 @@ TEST_F(ASlowApplication, ThatIsInsideOfItsCallbackForLongIsNotAnInterruption) {
   vod::host::drain();
 }
 
-using AMistake = CameraTest;
-
-TEST_F(AMistake, OfAnEmptyCallbackIsAnError) {
-  EXPECT_THROW(TestCamera(1, people(), nullptr), std::invalid_argument);
-}
-
-TEST_F(AMistake, OfANumberBelowOneIsAnError) {
-  EXPECT_THROW(TestCamera(0, people(), camera_), std::invalid_argument);
-  EXPECT_THROW(TestCamera(-1, people(), camera_), std::invalid_argument);
-}
-
 }  // namespace
 }  // namespace tarn::test
