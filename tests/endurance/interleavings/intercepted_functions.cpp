@@ -57,6 +57,23 @@ extern "C" int pthread_join(pthread_t thread, void** result) {
   return original(thread, result);
 }
 
+// Only threads of a run wait for a condition.
+extern "C" int pthread_cond_wait(pthread_cond_t* condition, pthread_mutex_t* mutex) {
+  Scheduler* const scheduler = Scheduler::current();
+  if (scheduler == nullptr) {
+    return EINVAL;
+  }
+  scheduler->waitFor(condition, mutex);
+  return 0;
+}
+
+extern "C" int pthread_cond_broadcast(pthread_cond_t* condition) noexcept {
+  if (Scheduler* const scheduler = Scheduler::current()) {
+    scheduler->notify(condition);
+  }
+  return 0;
+}
+
 extern "C" int nanosleep(const timespec* requested, timespec* remaining) {
   if (Scheduler* const scheduler = Scheduler::current()) {
     scheduler->sleep();

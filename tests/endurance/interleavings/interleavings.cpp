@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <iostream>
+#include <iterator>
 
 namespace {
 
@@ -21,6 +22,7 @@ struct Arguments {
   Plan plan;
   double randomSeconds = 0;
   std::vector<std::string> worlds;
+  std::string api;
   std::optional<std::uint64_t> replay;
   std::optional<std::uint64_t> replaySeed;
   bool mustFail = false;
@@ -36,6 +38,8 @@ std::vector<std::string> worldNames() {
 
 void addOptions(CLI::App& app, Arguments& arguments) {
   app.add_option("--world", arguments.worlds, "Only these worlds")->check(CLI::IsMember(worldNames()));
+  app.add_option("--api", arguments.api, "Only the worlds of this class: Handler or Camera")
+      ->check(CLI::IsMember({"Handler", "Camera"}));
   app.add_option("--deviations", arguments.plan.deviations, "All schedules with at most so many deviations")
       ->capture_default_str()
       ->check(CLI::Range(std::size_t{0}, DeviatingSchedule::mostDeviations));
@@ -49,14 +53,16 @@ void addOptions(CLI::App& app, Arguments& arguments) {
                "Succeed only when a schedule fails, for a library with a known fault");
 }
 
+bool isWanted(const World& world, const Arguments& arguments) {
+  const auto& names = arguments.worlds;
+  const bool isNamed = names.empty() || std::find(names.begin(), names.end(), world.name) != names.end();
+  return isNamed && (arguments.api.empty() || world.hasCamera == (arguments.api == "Camera"));
+}
+
 std::vector<World> chosenWorlds(const Arguments& arguments) {
   std::vector<World> chosen;
-  for (const World& world : worlds()) {
-    const auto& wanted = arguments.worlds;
-    if (wanted.empty() || std::find(wanted.begin(), wanted.end(), world.name) != wanted.end()) {
-      chosen.push_back(world);
-    }
-  }
+  std::copy_if(worlds().begin(), worlds().end(), std::back_inserter(chosen),
+               [&arguments](const World& world) { return isWanted(world, arguments); });
   return chosen;
 }
 

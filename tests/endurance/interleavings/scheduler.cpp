@@ -93,6 +93,18 @@ int Scheduler::unlock(pthread_mutex_t* mutex, LockFunction original) {
   return result;
 }
 
+void Scheduler::waitFor(const pthread_cond_t* condition, pthread_mutex_t* mutex) {
+  const unsigned before = notifications_[condition];
+  pthread_mutex_unlock(mutex);
+  waitUntil([this, condition, before] { return notifications_[condition] != before; });
+  pthread_mutex_lock(mutex);
+}
+
+void Scheduler::notify(const pthread_cond_t* condition) {
+  ++notifications_[condition];
+  point();
+}
+
 bool Scheduler::isFree(const pthread_mutex_t* mutex) const {
   return ownerships_.count(mutex) == 0;
 }
@@ -127,11 +139,20 @@ void Scheduler::waitForEnd(pthread_t thread) {
 }
 
 void Scheduler::sleep() {
-  ++sleeps_;
-  self->asleep = true;
+  sleepUntil([] { return false; });
+}
+
+bool Scheduler::sleepUntil(const std::function<bool()>& condition) {
+  Actor& actor = *self;
+  ++actor.scheduler->sleeps_;
+  actor.asleep = true;
+  actor.alarm = &condition;
   point();
-  self->asleep = false;
-  ++self->wokenUp;
+  actor.asleep = false;
+  actor.alarm = nullptr;
+  const bool isEarly = condition();
+  actor.wokenUp += isEarly ? 0 : 1;
+  return isEarly;
 }
 
 Scheduler::Actor& Scheduler::add(Phase phase, std::function<void()> body) {
@@ -204,7 +225,8 @@ std::vector<Scheduler::Actor*> Scheduler::enabledActors() const {
   std::vector<Actor*> sleeping;
   const auto consider = [&](Actor& actor) {
     if (canRun(actor)) {
-      const bool sleepsOn = actor.asleep && actor.wokenUp >= earlyWakeUps;
+      const bool isAlarmed = actor.alarm != nullptr && (*actor.alarm)();
+      const bool sleepsOn = actor.asleep && !isAlarmed && actor.wokenUp >= earlyWakeUps;
       (sleepsOn ? sleeping : enabled).push_back(&actor);
     }
   };

@@ -27,8 +27,8 @@ struct Script {
 
 /**
  * Runs threads one at a time and decides at each scheduling point which goes on, so that repeating the decisions repeats the
- * run. Scheduling points are the outermost lock and unlock of a mutex, a sleep, the start and the join of a thread, and
- * whatever calls `point`. The program's own `pthread_mutex_lock` and its kin (intercepted_functions.cpp) lead here.
+ * run. Scheduling points are the outermost lock and unlock of a mutex, a wait for a condition variable and its
+ * notification, a sleep, the start and the join of a thread, and whatever calls `point`. The program's own `pthread_mutex_lock` and its kin (intercepted_functions.cpp) lead here.
  */
 class Scheduler {
  public:
@@ -46,6 +46,9 @@ class Scheduler {
   /** Lets the others go on until a condition holds. */
   static void waitUntil(const std::function<bool()>& condition);
 
+  /** Sleeps, as `sleep` does, or until a condition holds. @return whether it holds */
+  static bool sleepUntil(const std::function<bool()>& condition);
+
   /** A condition: the threads of the run have gone to sleep so often from now on. */
   static std::function<bool()> sleepsAgain(std::size_t times);
 
@@ -56,6 +59,10 @@ class Scheduler {
   int lock(pthread_mutex_t* mutex, LockFunction original);
   int tryLock(pthread_mutex_t* mutex, LockFunction original);
   int unlock(pthread_mutex_t* mutex, LockFunction original);
+
+  /** Releases a mutex until a condition variable has been notified. */
+  void waitFor(const pthread_cond_t* condition, pthread_mutex_t* mutex);
+  void notify(const pthread_cond_t* condition);
 
   using CreateFunction = int (*)(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*);
   int startThread(CreateFunction original, pthread_t* thread, void* (*start)(void*), void* argument);
@@ -76,6 +83,7 @@ class Scheduler {
     bool ended = false;
     bool asleep = false;
     int wokenUp = 0;
+    const std::function<bool()>* alarm = nullptr;  ///< what ends its sleep early
     const std::function<bool()>* condition = nullptr;
   };
 
@@ -102,6 +110,7 @@ class Scheduler {
   Schedule* schedule_ = nullptr;
   std::vector<std::unique_ptr<Actor>> actors_;
   std::map<const pthread_mutex_t*, Ownership> ownerships_;
+  std::map<const pthread_cond_t*, unsigned> notifications_;
   Phase phase_ = Phase::Prologue;
   Actor* running_ = nullptr;
   std::size_t steps_ = 0;

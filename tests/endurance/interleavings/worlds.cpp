@@ -41,7 +41,7 @@ World returning(std::string name, const Action& prologue, const std::vector<Acti
     };
     return made;
   };
-  return {std::move(name), Ending::Returns, script};
+  return {std::move(name), Ending::Returns, script, false};
 }
 
 /** A world in which an actor ends the process while the others are inside the library. */
@@ -57,7 +57,7 @@ World ending(std::string name, Ending ending, const Action& prologue, const std:
     made.epilogue = [fail] { fail("the process did not end"); };
     return made;
   };
-  return {std::move(name), ending, script};
+  return {std::move(name), ending, script, false};
 }
 
 void nothing(Application& /*application*/) {}
@@ -114,7 +114,7 @@ void setUpThatNeverReturns(Application& application) {
   application.setUp();
 }
 
-std::vector<World> makeWorlds() {
+std::vector<World> handlerWorlds() {
   return {
       returning("drop-and-frame", setUpWithRetries, {drop, sendFrame}, Camera::Subscribed),
       returning("drop-and-teardown", setUpWithRetries, {drop, tearDown}, Camera::TornDown),
@@ -136,6 +136,14 @@ std::vector<World> makeWorlds() {
       ending("exit-after-retries", Ending::Exits, setUpWithRetries, {stopAndExitProcess, drop}),
       ending("exit-with-retries", Ending::Aborts, setUpWithRetries, {exitProcess, drop}),
   };
+}
+
+std::vector<World> makeWorlds() {
+  std::vector<World> all = handlerWorlds();
+  for (World& world : cameraWorlds()) {
+    all.push_back(std::move(world));
+  }
+  return all;
 }
 
 }  // namespace

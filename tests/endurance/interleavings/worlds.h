@@ -25,9 +25,14 @@ struct World {
   Ending ending = Ending::Returns;
   /** @param fail  reports what must not be and does not return */
   std::function<Script(const Scheduler::Failure& fail)> script;
+  bool hasCamera = false;  ///< a `Camera`, which makes for many more schedules
 };
 
+/** All worlds. */
 const std::vector<World>& worlds();
+
+/** Those in which a `Camera` ends while others call it. */
+std::vector<World> cameraWorlds();
 
 }  // namespace tarn::test
 
