@@ -33,7 +33,7 @@ void run(const std::string& road, const std::string& sampleName, int frames, int
   const std::vector<Sample> samples = tarn::VOD::bench::samples();
   const Sample& sample = named(samples, sampleName);
   const Walk walk = classes > 0 ? tarn::VOD::bench::wholeRoad(sample, 1, classes)
-                                : named(tarn::VOD::bench::allRoads(), road).prepare(sample);
+                                : named(tarn::VOD::bench::countedRoads(), road).prepare(sample);
   for (int frame = 0; frame < frames; ++frame) {
     walk();
   }

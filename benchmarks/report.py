@@ -19,6 +19,9 @@ import tempfile
 
 SAMPLES = ["3", "12", "100", "12-outlines", "12-long-names", "street"]
 BEGIN, END = "<!-- figures: scripts/benchmark -->", "<!-- end of figures -->"
+CAMERA_SAMPLES = ["0", "3", "12", "street"]
+CAMERA_ROADS = {"frame": "`Handler`, the only thread", "frame-with-retries": "`Handler` with retries", "camera": "`Camera`"}
+CAMERA_LIMIT = 1.02  # of the instructions of a frame of 12 detections through `Handler` with retries
 COUNTER = shlex.split(os.environ.get("COUNTER", ""))
 
 
@@ -97,11 +100,29 @@ def frame_rows(directory, measured):
                    *allocated[f"{road}/{sample}"])
 
 
+def camera_rows(directory):
+    """What a frame costs through each class; fails when a `Camera` adds more than it may."""
+    program = os.path.join(directory, "count_frames")
+    allocated = heap(os.path.join(directory, "count_allocations"))
+    for sample in CAMERA_SAMPLES:
+        counts = {road: per_frame(program, road, sample) for road in CAMERA_ROADS}
+        base = counts["frame-with-retries"]
+        if sample == "12" and counts["camera"] > base * CAMERA_LIMIT:
+            sys.exit(f"a Camera takes {counts['camera']:.0f} instructions for a frame, Handler {base:.0f}")
+        for road, name in CAMERA_ROADS.items():
+            yield (sample, name, f"{counts[road]:.0f}", f"{counts[road] / base:.3f}", *allocated[f"{road}/{sample}"])
+
+
+def camera_table(directory):
+    return table(["sample", "through", "instructions", "to `Handler` with retries", "allocations", "bytes"], camera_rows(directory))
+
+
 def figures(directory):
     program = os.path.join(directory, "count_frames")
     measured = times(os.path.join(directory, "frame_benchmark"))
     lines = table(["sample", "road", "instructions", "to parse", "best µs", "to parse (quartiles)", "allocations",
                    "bytes"], frame_rows(directory, measured))
+    lines += camera_table(directory)
     lines += table(["other than frames", "best µs"],
                    [(name, f"{min(values) / 1000:.1f}") for name, values in measured.items() if "/" not in name])
     lines += table(["requested classes", "instructions of an empty frame"],

@@ -8,6 +8,7 @@
 
 #include <recording/recording.h>
 #include <recording/recording_reader.h>
+#include <tarnvod/camera.h>
 #include <tarnvod/handler.h>
 #include <vod_host.h>
 
@@ -71,6 +72,41 @@ Walk wholeRoadOfAllClasses(const Sample& sample) {
   return wholeRoad(sample, 1, detectorClasses);
 }
 
+void serve(const Sample& sample, int camera) {
+  vod::host::channel(camera - 1).detectorInformation(sample.detector.SerializeAsString());
+}
+
+/** What the service would call for a camera that is set up: the platform's own costs stay out of it. */
+Walk delivery(const Sample& sample, int camera) {
+  const vod::host::Registration registered =
+      vod::host::registration(vod::host::channel(camera - 1).subscriptions().front());
+  return [messages = messagesOf(sample), registered]() mutable {
+    const std::string& bytes = messages.next();
+    registered.detection(reinterpret_cast<const std::uint8_t*>(bytes.data()), static_cast<std::int32_t>(bytes.size()),
+                         registered.userData);
+  };
+}
+
+Walk wholeRoadThroughCamera(const Sample& sample) {
+  constexpr int number = 1;
+  Handler::teardown(number);
+  serve(sample, number);
+  const auto emptyApplication = [](std::unique_ptr<DetectionData> frame) { use(*frame); };
+  const auto camera = std::make_shared<Camera>(number, firstClasses(sample.detector), emptyApplication);
+  if (camera->status().state != CameraState::Receiving) {
+    throw std::runtime_error(camera->status().reason);
+  }
+  return [camera, deliver = delivery(sample, number)] { deliver(); };
+}
+
+/** As an application has it that wants its cameras back after an outage: with the retry thread. */
+Walk wholeRoadWithRetries(const Sample& sample) {
+  constexpr int period = 1;
+  Handler::initialize(period);
+  const std::shared_ptr<void> thread(nullptr, [](void*) { Handler::deinitialize(); });
+  return [thread, deliver = wholeRoadOfAllClasses(sample)] { deliver(); };
+}
+
 std::optional<::VOD::Scene> sceneOf(const vod::recording::NextScene& next) {
   const auto* const recorded = std::get_if<vod::recording::RecordedScene>(&next);
   if (recorded == nullptr) {
@@ -130,20 +166,13 @@ SceneNames namesOf(const ::VOD::DetectorInformation& detector) {
 }
 
 Walk wholeRoad(const Sample& sample, int camera, int classes) {
-  const vod::host::Channel channel = vod::host::channel(camera - 1);
   Handler::teardown(camera);
-  channel.detectorInformation(sample.detector.SerializeAsString());
+  serve(sample, camera);
   const auto emptyApplication = [](std::unique_ptr<DetectionData> frame, int /*camera*/) { use(*frame); };
   if (!Handler::setup(camera, emptyApplication, firstClasses(sample.detector, classes))) {
     throw std::runtime_error("camera " + std::to_string(camera) + " cannot be set up");
   }
-  // What the service would call: the platform's own costs stay out of it.
-  const vod::host::Registration registered = vod::host::registration(channel.subscriptions().front());
-  return [messages = messagesOf(sample), registered]() mutable {
-    const std::string& bytes = messages.next();
-    registered.detection(reinterpret_cast<const std::uint8_t*>(bytes.data()), static_cast<std::int32_t>(bytes.size()),
-                         registered.userData);
-  };
+  return delivery(sample, camera);
 }
 
 std::vector<Road> libraryRoads() {
@@ -155,6 +184,13 @@ std::vector<Road> allRoads() {
   for (Road& road : otherRoads()) {
     roads.push_back(std::move(road));
   }
+  return roads;
+}
+
+std::vector<Road> countedRoads() {
+  std::vector<Road> roads = allRoads();
+  roads.push_back({"frame-with-retries", wholeRoadWithRetries});
+  roads.push_back({"camera", wholeRoadThroughCamera});
   return roads;
 }
 

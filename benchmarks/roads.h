@@ -77,6 +77,9 @@ std::vector<Road> otherRoads();
 /** Both. */
 std::vector<Road> allRoads();
 
+/** All of them, and the whole road through a `Camera`, whose thread makes times vary more than it costs. */
+std::vector<Road> countedRoads();
+
 /** The whole road of a camera that is set up again, with this number of the detector's classes requested. */
 Walk wholeRoad(const Sample& sample, int camera, int classes);
 
