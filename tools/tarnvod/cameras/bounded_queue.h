@@ -4,12 +4,13 @@
 #ifndef TARNVOD_COMMAND_BOUNDED_QUEUE_H
 #define TARNVOD_COMMAND_BOUNDED_QUEUE_H
 
+#include "base/lock.h"
+
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
-#include <mutex>
 #include <optional>
 #include <utility>
 
@@ -28,9 +29,9 @@ class BoundedQueue {
 
   /** Adds a value, or drops it when there is no room. */
   void push(Value value) {
-    std::unique_lock lock(mutex_);
-    const auto hasRoom = [this] { return values_.size() < capacity_; };
-    if (!readerIsBehind_ && !room_.wait_for(lock, patience, hasRoom)) {
+    Lock lock(mutex_);
+    const auto hasRoom = [this]() TARNVOD_REQUIRES(mutex_) { return values_.size() < capacity_; };
+    if (!readerIsBehind_ && !room_.wait_for(lock.forWaiting(), patience, hasRoom)) {
       readerIsBehind_ = true;
     }
     if (!hasRoom()) {
@@ -44,8 +45,8 @@ class BoundedQueue {
 
   /** Takes the oldest value; nothing if none came in time. */
   std::optional<Value> popWithin(std::chrono::milliseconds limit) {
-    std::unique_lock lock(mutex_);
-    if (!filled_.wait_for(lock, limit, [this] { return !values_.empty(); })) {
+    Lock lock(mutex_);
+    if (!filled_.wait_for(lock.forWaiting(), limit, [this]() TARNVOD_REQUIRES(mutex_) { return !values_.empty(); })) {
       return std::nullopt;
     }
     std::optional<Value> value(std::move(values_.front()));
@@ -56,7 +57,7 @@ class BoundedQueue {
 
   /** How many values were dropped. */
   std::uint64_t dropped() const {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     return dropped_;
   }
 
@@ -64,12 +65,12 @@ class BoundedQueue {
   static constexpr std::chrono::milliseconds patience{100};
 
   const std::size_t capacity_;
-  mutable std::mutex mutex_;
+  mutable Mutex mutex_;
   std::condition_variable filled_;
   std::condition_variable room_;
-  std::deque<Value> values_;
-  bool readerIsBehind_ = false;
-  std::uint64_t dropped_ = 0;
+  std::deque<Value> values_ TARNVOD_GUARDED_BY(mutex_);
+  bool readerIsBehind_ TARNVOD_GUARDED_BY(mutex_) = false;
+  std::uint64_t dropped_ TARNVOD_GUARDED_BY(mutex_) = 0;
 };
 
 }  // namespace tarn::command

@@ -16,7 +16,7 @@ EventText makeEvent(const std::string& name, const Json& data, std::int64_t mill
 }
 
 void EventStream::pushFrame(EventText frame) {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   frameBytes_ += frame->size();
   frames_.push_back(std::move(frame));
   while (frames_.size() > capacity_.frames || frameBytes_ > capacity_.bytes) {
@@ -26,19 +26,19 @@ void EventStream::pushFrame(EventText frame) {
 }
 
 void EventStream::setState(EventText state) {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   state_ = std::move(state);
   wake();
 }
 
 void EventStream::close() {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   closed_ = true;
   wake();
 }
 
 std::optional<std::size_t> EventStream::read(char* buffer, std::size_t size) {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   if (closed_) {
     return std::nullopt;
   }
@@ -92,7 +92,7 @@ void EventStream::wake() {
 }
 
 std::shared_ptr<EventStream> EventHub::join(EventWaiter waiter) {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   streams_.erase(std::remove_if(streams_.begin(), streams_.end(), [](const auto& each) { return each.expired(); }),
                  streams_.end());
   if (streams_.size() >= mostBrowsers) {
@@ -113,7 +113,7 @@ std::shared_ptr<EventStream> EventHub::join(EventWaiter waiter) {
 }
 
 std::vector<std::shared_ptr<EventStream>> EventHub::streams() {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   std::vector<std::shared_ptr<EventStream>> present;
   for (const auto& each : streams_) {
     if (auto stream = each.lock()) {
@@ -131,7 +131,7 @@ void EventHub::publishFrame(const EventText& frame) {
 
 void EventHub::publishState(const EventText& state) {
   {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     state_ = state;
   }
   for (const auto& stream : streams()) {
@@ -140,13 +140,13 @@ void EventHub::publishState(const EventText& state) {
 }
 
 void EventHub::setPast(const EventText& past) {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   past_ = past;
 }
 
 void EventHub::close() {
   {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     closed_ = true;
   }
   for (const auto& stream : streams()) {

@@ -10,6 +10,7 @@
 #ifndef TARNVOD_COMMAND_EVENT_HUB_H
 #define TARNVOD_COMMAND_EVENT_HUB_H
 
+#include "base/lock.h"
 #include "records/json.h"
 
 #include <cstddef>
@@ -17,7 +18,6 @@
 #include <deque>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
@@ -63,25 +63,23 @@ class EventStream {
   std::optional<std::size_t> read(char* buffer, std::size_t size);
 
  private:
-  /** The next event; null when there is none. Needs the lock. */
-  EventText next();
-  void dropOldest();
-  void wake();
+  /** The next event; null when there is none. */
+  EventText next() TARNVOD_REQUIRES(mutex_);
+  void dropOldest() TARNVOD_REQUIRES(mutex_);
+  void wake() TARNVOD_REQUIRES(mutex_);
 
   const Capacity capacity_;
   const EventWaiter waiter_;
-  std::mutex mutex_;
-
-  // Guarded by the mutex.
-  std::deque<EventText> frames_;
-  std::size_t frameBytes_ = 0;
-  EventText state_;
-  EventText current_;  ///< partly sent
-  std::size_t currentSent_ = 0;
-  std::uint64_t dropped_ = 0;
-  std::uint64_t droppedReported_ = 0;
-  bool sleeping_ = false;
-  bool closed_ = false;
+  Mutex mutex_;
+  std::deque<EventText> frames_ TARNVOD_GUARDED_BY(mutex_);
+  std::size_t frameBytes_ TARNVOD_GUARDED_BY(mutex_) = 0;
+  EventText state_ TARNVOD_GUARDED_BY(mutex_);
+  EventText current_ TARNVOD_GUARDED_BY(mutex_);  ///< partly sent
+  std::size_t currentSent_ TARNVOD_GUARDED_BY(mutex_) = 0;
+  std::uint64_t dropped_ TARNVOD_GUARDED_BY(mutex_) = 0;
+  std::uint64_t droppedReported_ TARNVOD_GUARDED_BY(mutex_) = 0;
+  bool sleeping_ TARNVOD_GUARDED_BY(mutex_) = false;
+  bool closed_ TARNVOD_GUARDED_BY(mutex_) = false;
 };
 
 /** Publishes events to every browser that listens. Its functions are thread-safe. */
@@ -105,13 +103,11 @@ class EventHub {
   /** Those that are still in use. */
   std::vector<std::shared_ptr<EventStream>> streams();
 
-  std::mutex mutex_;
-
-  // Guarded by the mutex.
-  std::vector<std::weak_ptr<EventStream>> streams_;
-  EventText state_;
-  EventText past_;
-  bool closed_ = false;
+  Mutex mutex_;
+  std::vector<std::weak_ptr<EventStream>> streams_ TARNVOD_GUARDED_BY(mutex_);
+  EventText state_ TARNVOD_GUARDED_BY(mutex_);
+  EventText past_ TARNVOD_GUARDED_BY(mutex_);
+  bool closed_ TARNVOD_GUARDED_BY(mutex_) = false;
 };
 
 }  // namespace tarn::command
