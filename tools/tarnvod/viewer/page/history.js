@@ -12,15 +12,28 @@ export const trailLength = 3;
 /** How long a live object keeps its row, as the service may still report that it is deleted. In seconds. */
 const deletionPatience = 6;
 
-/** Rows of a timeline: tracks of the same time are in different ones. */
+/** Rows of a timeline: tracks of the same time are in different ones while there are rows. */
 export class Lanes {
+  /** More would be lower than a pixel each. */
+  static most = 150;
+
   #lanes = [];
+  #shared = 0;
 
   /** Gives the track the first row that is free when it begins. A track keeps its row to its `end`. */
   place(track) {
     const free = this.#lanes.findIndex((other) => other.end + longestGap < track.first);
-    track.lane = free < 0 ? this.#lanes.length : free;
+    track.lane = free < 0 ? this.#next() : free;
     this.#lanes[track.lane] = track;
+  }
+
+  /** A new row; when there are enough, each of them in turn. */
+  #next() {
+    if (this.#lanes.length < Lanes.most) {
+      return this.#lanes.length;
+    }
+    this.#shared = (this.#shared + 1) % Lanes.most;
+    return this.#shared;
   }
 }
 

@@ -35,6 +35,20 @@ function drawAxis(context, { from, to, zero }, x, height, ink, width) {
   context.textAlign = 'left';
 }
 
+/** The tracks of each object, in their order. */
+function byObject(tracks) {
+  const grouped = new Map();
+  for (const track of tracks) {
+    const others = grouped.get(track.objectId);
+    if (others) {
+      others.push(track);
+    } else {
+      grouped.set(track.objectId, [track]);
+    }
+  }
+  return grouped;
+}
+
 /** Where a track's bar is. */
 function barOf(track, x, laneHeight) {
   const left = x(track.first);
@@ -67,8 +81,8 @@ function drawTrack(context, track, bar, isMarked, ink) {
 }
 
 /** A diamond for a connect, a cross for a delete, in the row of the event's object. */
-function drawEvent(context, event, tracks, x, laneHeight, ink) {
-  const track = tracks.findLast(({ objectId, first }) => objectId === event.objectId && first <= event.at);
+function drawEvent(context, event, tracksOfObject, x, laneHeight, ink) {
+  const track = tracksOfObject.findLast(({ first }) => first <= event.at);
   if (!track) {
     return;
   }
@@ -109,7 +123,8 @@ export function drawTimeline(canvas, { tracks, events, span }, { isClassShown, i
   drawAxis(context, span, x, height, ink, width);
   const bars = shown.map((track) => ({ objectId: track.objectId, area: barOf(track, x, laneHeight), track }));
   bars.forEach(({ objectId, area, track }) => drawTrack(context, track, area, isMarked(objectId), ink));
-  events.forEach((event) => drawEvent(context, event, shown, x, laneHeight, ink));
+  const tracksOf = byObject(shown);
+  events.forEach((event) => drawEvent(context, event, tracksOf.get(event.objectId) ?? [], x, laneHeight, ink));
   if (span.cursor !== undefined) {
     context.fillStyle = ink.mark;
     context.fillRect(x(span.cursor) - 1, 0, 2, height);
