@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 
+#include <cstdint>
 #include <sstream>
 
 using nlohmann::json;
@@ -160,6 +161,20 @@ TEST_F(ViewOfARecording, ThatIsMissingNamesIt) {
   EXPECT_EQ(outcome.exitCode, 1);
   EXPECT_TRUE(test::isOneLine(outcome.errors));
   EXPECT_THAT(outcome.errors, HasSubstr((folder / "missing").string()));
+}
+
+TEST_F(ViewOfARecording, WhichIsLongEndsAtTheFirstSignalWhileItIsRead) {
+  constexpr std::uintmax_t hoursOfEmptyFrames = 64'000'000'000;
+  std::filesystem::resize_file(recording / "scenes.pb", hoursOfEmptyFrames);
+  test::Process process(test::command(), {"view", "--port", "0", "--recording", recording});
+  process.waitUntilOpen(recording / "scenes.pb");
+
+  process.signal(SIGTERM);
+
+  const test::Outcome outcome = process.wait();
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_THAT(outcome.output, testing::IsEmpty()) << "no page yet";
+  EXPECT_EQ(outcome.errors, "tarnvod: stopped by a signal before the result was complete\n");
 }
 
 TEST_F(ViewOfARecording, EndsWhenTold) {
