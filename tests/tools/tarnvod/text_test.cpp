@@ -3,7 +3,6 @@
 
 #include "base/text.h"
 
-#include "cameras/bounded_queue.h"
 #include "drawing/svg.h"
 #include "records/json.h"
 
@@ -13,7 +12,6 @@
 #include <clocale>
 #include <limits>
 
-using tarn::command::BoundedQueue;
 using namespace tarn::command;
 
 namespace {
@@ -89,28 +87,6 @@ TEST_F(Text, OfACountAgreesWithItsNumber) {
 
 TEST_F(Text, InAPictureIsWellFormed) {
   EXPECT_EQ(svg::escaped("<&>'\"\xEF\xBF\xBF"), "&lt;&amp;&gt;&#39;&quot;\uFFFD");
-}
-
-TEST(AFullQueue, DropsAndCountsAfterOneWait) {
-  BoundedQueue<int> queue(1);
-  for (int value = 0; value < 1000; ++value) {
-    queue.push(value);
-  }
-
-  EXPECT_EQ(queue.dropped(), 999U);
-  EXPECT_EQ(queue.popWithin(std::chrono::milliseconds(0)), 0);
-  EXPECT_EQ(queue.popWithin(std::chrono::milliseconds(0)), std::nullopt);
-}
-
-TEST(AFullQueue, TakesValuesAgainOnceThereIsRoom) {
-  BoundedQueue<int> queue(1);
-  queue.push(1);
-  queue.push(2);
-  queue.popWithin(std::chrono::milliseconds(0));
-
-  queue.push(3);
-
-  EXPECT_EQ(queue.popWithin(std::chrono::milliseconds(0)), 3);
 }
 
 }  // namespace

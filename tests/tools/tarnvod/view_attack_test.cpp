@@ -9,6 +9,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstdint>
 #include <thread>
 #include <vector>
 
@@ -154,6 +155,32 @@ TEST_F(AViewerUnderAttack, RefusesWhatIsNotHttp) {
     EXPECT_TRUE(answer.empty() || answer.rfind("HTTP/1.1 4", 0) == 0 || answer.rfind("HTTP/1.1 5", 0) == 0) << answer;
   }
   expectThatAGoodBrowserIsAnswered();
+}
+
+/** A camera whose frames are a megabyte each, because of the names in them, and come as fast as they are taken. */
+class ACameraWithLargeFrames : public test::TwoCameras {
+ protected:
+  ACameraWithLargeFrames() {
+    ::VOD::DetectorInformation detector = test::detector();
+    detector.mutable_object_classes(0)->set_name(std::string(1000, 'h'));
+    test::writeTo(recording / "detector-information.pb", detector.SerializeAsString());
+    ::VOD::Scene crowd = test::scene(1);
+    while (crowd.detections_size() < 1000) {
+      *crowd.add_detections() = crowd.detections(0);
+    }
+    test::writeScenes(recording, crowd, 300);
+    std::filesystem::remove(recording / "scenes.idx");
+  }
+};
+
+TEST_F(ACameraWithLargeFrames, IsViewedInBoundedMemory) {
+  const test::Viewer viewer({"--camera", "1"}, playing("max"));
+
+  viewer.receive([](const test::Event& event) {
+    return event.name == "state" && event.json()["framesDropped"].get<std::uint64_t>() > 600;
+  });
+
+  EXPECT_LT(viewer.peakMemoryKilobytes(), test::viewerMemoryKilobytes);
 }
 
 /** A viewer of a recording whose answers are long. */

@@ -16,21 +16,29 @@
 
 namespace tarn::command {
 
+/** The most that waits in a queue. */
+struct QueueCapacity {
+  std::size_t values;
+  std::size_t bytes;  ///< of all values together; a larger one waits alone
+};
+
 /**
  * Hands values from the service's threads to the main thread.
  *
- * Bounded, so that a slow reader costs frames and not memory. The service's thread waits for
+ * Bounded, so that a slow reader costs frames and not memory, however large the frames are. The service's thread waits for
  * `patience` at most, once: after a wait that timed out, values are dropped at once, and counted, until there is room.
  */
 template <typename Value>
 class BoundedQueue {
  public:
-  explicit BoundedQueue(std::size_t capacity) : capacity_(capacity) {}
+  explicit BoundedQueue(QueueCapacity capacity) : capacity_(capacity) {}
 
-  /** Adds a value, or drops it when there is no room. */
-  void push(Value value) {
+  /** Adds a value, or drops it when there is no room. @param bytes  the memory that the value takes */
+  void push(Value value, std::size_t bytes) {
     Lock lock(mutex_);
-    const auto hasRoom = [this]() TARNVOD_REQUIRES(mutex_) { return values_.size() < capacity_; };
+    const auto hasRoom = [&]() TARNVOD_REQUIRES(mutex_) {
+      return waiting_.empty() || (waiting_.size() < capacity_.values && bytes_ + bytes <= capacity_.bytes);
+    };
     if (!readerIsBehind_ && !room_.wait_for(lock.forWaiting(), patience, hasRoom)) {
       readerIsBehind_ = true;
     }
@@ -39,18 +47,20 @@ class BoundedQueue {
       return;
     }
     readerIsBehind_ = false;
-    values_.push_back(std::move(value));
+    waiting_.push_back({std::move(value), bytes});
+    bytes_ += bytes;
     filled_.notify_one();
   }
 
   /** Takes the oldest value; nothing if none came in time. */
   std::optional<Value> popWithin(std::chrono::milliseconds limit) {
     Lock lock(mutex_);
-    if (!filled_.wait_for(lock.forWaiting(), limit, [this]() TARNVOD_REQUIRES(mutex_) { return !values_.empty(); })) {
+    if (!filled_.wait_for(lock.forWaiting(), limit, [this]() TARNVOD_REQUIRES(mutex_) { return !waiting_.empty(); })) {
       return std::nullopt;
     }
-    std::optional<Value> value(std::move(values_.front()));
-    values_.pop_front();
+    std::optional<Value> value(std::move(waiting_.front().value));
+    bytes_ -= waiting_.front().bytes;
+    waiting_.pop_front();
     room_.notify_one();
     return value;
   }
@@ -64,11 +74,17 @@ class BoundedQueue {
  private:
   static constexpr std::chrono::milliseconds patience{100};
 
-  const std::size_t capacity_;
+  struct Waiting {
+    Value value;
+    std::size_t bytes;
+  };
+
+  const QueueCapacity capacity_;
   mutable Mutex mutex_;
   std::condition_variable filled_;
   std::condition_variable room_;
-  std::deque<Value> values_ TARNVOD_GUARDED_BY(mutex_);
+  std::deque<Waiting> waiting_ TARNVOD_GUARDED_BY(mutex_);
+  std::size_t bytes_ TARNVOD_GUARDED_BY(mutex_) = 0;
   bool readerIsBehind_ TARNVOD_GUARDED_BY(mutex_) = false;
   std::uint64_t dropped_ TARNVOD_GUARDED_BY(mutex_) = 0;
 };

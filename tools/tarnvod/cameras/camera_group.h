@@ -43,7 +43,7 @@ class CameraGroup {
 
  private:
   /** Enough for a short stall of the reader. */
-  static constexpr std::size_t queueCapacity = 256;
+  static constexpr QueueCapacity queueCapacity{256, 16U << 20U};
 
   const std::set<int> numbers_;
   const VOD::CameraRequest request_;

@@ -62,7 +62,9 @@ void RawSubscription::subscribe() {
   const auto onScene = [](const auto* buffer, auto length, void* userData) {
     if (buffer != nullptr && length >= 0) {
       auto& tap = *static_cast<Tap*>(userData);
-      tap.scenes->push({std::string(buffer, buffer + length), vod::recording::arrivalNow(), tap.camera});
+      std::string bytes(buffer, buffer + length);
+      const std::size_t size = bytes.size();
+      tap.scenes->push({std::move(bytes), vod::recording::arrivalNow(), tap.camera}, size);
     }
   };
   const auto onTeardown = [](void* userData) { static_cast<Tap*>(userData)->dropped = true; };

@@ -7,9 +7,11 @@
 #include "cameras/bounded_queue.h"
 #include "cameras/camera_news.h"
 #include "cameras/camera_statistics.h"
+#include "records/record_size.h"
 
 #include <tarnvod/camera.h>
 
+#include <cstddef>
 #include <deque>
 #include <memory>
 
@@ -28,7 +30,8 @@ using ArrivalQueue = BoundedQueue<Arrival>;
 struct WatchedCamera {
   WatchedCamera(int camera, const VOD::CameraRequest& request, ArrivalQueue& queue)
       : number(camera), camera(camera, request, [camera, &queue](std::unique_ptr<VOD::DetectionData> frame) {
-          queue.push({camera, Clock::now(), std::move(frame)});
+          const std::size_t bytes = sizeOf(*frame);
+          queue.push({camera, Clock::now(), std::move(frame)}, bytes);
         }) {}
 
   const int number;

@@ -27,7 +27,7 @@
 namespace tarn::command {
 namespace {
 
-constexpr std::size_t sceneQueueCapacity = 256;
+constexpr QueueCapacity sceneQueueCapacity{256, 64U << 20U};
 constexpr std::chrono::milliseconds sceneWait{50};
 
 struct RecordOptions {
