@@ -3,26 +3,27 @@
 
 #include "base/event_signal.h"
 
+#include <atomic>
 #include <csignal>
 
 namespace tarn::command {
 namespace {
 
-volatile std::sig_atomic_t eventCame = 0;
+// The handler runs on whichever thread the system chooses.
+std::atomic<bool> eventCame = false;
+static_assert(std::atomic<bool>::is_always_lock_free, "may be used in a signal handler");
 
 }  // namespace
 
 void installEventSignal() {
   struct sigaction action {};
-  action.sa_handler = [](int) { eventCame = 1; };
+  action.sa_handler = [](int) { eventCame = true; };
   action.sa_flags = static_cast<int>(SA_RESTART);
   sigaction(SIGUSR1, &action, nullptr);
 }
 
 bool takeEventSignal() {
-  const bool came = eventCame != 0;
-  eventCame = 0;
-  return came;
+  return eventCame.exchange(false);
 }
 
 }  // namespace tarn::command

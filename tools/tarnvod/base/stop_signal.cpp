@@ -5,19 +5,22 @@
 
 #include "base/errors.h"
 
+#include <atomic>
 #include <csignal>
 #include <initializer_list>
 
 namespace tarn::command {
 namespace {
 
-volatile std::sig_atomic_t requested = 0;
+// The handler runs on whichever thread the system chooses.
+std::atomic<bool> requested = false;
+static_assert(std::atomic<bool>::is_always_lock_free, "may be used in a signal handler");
 
 }  // namespace
 
 void installStopSignals() {
   struct sigaction action {};
-  action.sa_handler = [](int) { requested = 1; };
+  action.sa_handler = [](int) { requested = true; };
   // Without SA_RESTART: a write that waits for a reader is interrupted, so that it cannot hold the end up.
   action.sa_flags = static_cast<int>(SA_RESETHAND);
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
@@ -30,7 +33,7 @@ void installStopSignals() {
 }
 
 bool stopRequested() {
-  return requested != 0;
+  return requested;
 }
 
 void throwIfStopRequested() {
