@@ -18,12 +18,18 @@
 
 namespace test {
 
-/** What the viewer may have in memory at most, whatever it is sent. */
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-inline constexpr long viewerMemoryKilobytes = 1024L * 1024L;  // sanitizers keep records of all memory
+inline constexpr bool isSanitized = true;
 #else
-inline constexpr long viewerMemoryKilobytes = 64L * 1024L;
+inline constexpr bool isSanitized = false;
 #endif
+
+/** What the viewer may have in memory at most, whatever it is sent. Sanitizers keep records of all memory. */
+inline constexpr long viewerMemoryKilobytes = (isSanitized ? 1024L : 64L) * 1024L;
+
+/** How many ask for long answers and do not read them: their answers are more than the viewer sends at once. With
+ * a sanitizer, making an answer takes ten times as long. */
+inline constexpr int silentReaders = isSanitized ? 80 : 300;
 
 /** A server-sent event. */
 struct Event {
