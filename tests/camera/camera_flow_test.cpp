@@ -60,6 +60,15 @@ TEST_F(AnEmptyFrame, OfTheSetUpBeforeIsCompleteWhileThatIsRenewed) {
   EXPECT_TRUE(isAccepted(before));
 }
 
+TEST_F(AnEmptyFrame, OfASetUpThatSucceededIsCompleteAlthoughAPauseWasSeenMeanwhile) {
+  const CameraFlow::Setup before = setUp(true);
+  const CameraFlow::Setup renewed = flow_.beginSetup(now_);
+  now_ += CameraFlow::lease;
+  EXPECT_FALSE(isAccepted(before));
+  flow_.endSetup(true, now_);
+  EXPECT_TRUE(isAccepted(renewed));
+}
+
 TEST_F(AnEmptyFrame, IsDoubtfulAfterAPause) {
   const CameraFlow::Setup setup = setUp(true);
   now_ += CameraFlow::lease - 1ms;

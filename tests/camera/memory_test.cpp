@@ -107,5 +107,24 @@ TEST_F(ACameraWithoutMemory, RecoversFromAFailureInARenewal) {
   }
 }
 
+TEST_F(ACameraWithoutMemory, IsReportedOnceThereIsSome) {
+  bool failed = true;
+  for (std::size_t number = 1; failed; ++number) {
+    const TestCamera camera(1, people(), camera_);
+    deliver();
+    SteeredTime::settle();
+    takeServiceDown();
+    {
+      const AllocationFailure failure(number, Threads::All);
+      pass(2s);
+      failed = failure.happened();
+    }
+    pass(2s);
+    const bool wasReportRefused = camera.status().callbackExceptions > 0;  // by the log, which needs memory as well
+    EXPECT_TRUE(wasReportRefused || camera_.takeStates().back() == CameraState::Waiting) << "allocation " << number;
+    vod::host::bringServiceUp();
+  }
+}
+
 }  // namespace
 }  // namespace tarn::test

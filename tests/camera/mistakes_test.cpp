@@ -88,9 +88,9 @@ INSTANTIATE_TEST_SUITE_P(
 
 using AServiceThatCannotBeCreated = CameraTest;
 
-TEST_F(AServiceThatCannotBeCreated, DoesNotAnswer) {
+TEST_F(AServiceThatCannotBeCreated, DoesNotAnswerForItsLastCameraEither) {
   vod::host::plan(Fault(Function::Create).always().failsWith(1));
-  const TestCamera camera(1, people(), camera_);
+  const TestCamera camera(2, people(), camera_);
   EXPECT_EQ(camera.status().state, CameraState::Waiting);
   EXPECT_EQ(camera.status().reason, "the service does not answer");
 }

@@ -75,6 +75,14 @@ TEST_F(ANumberOfTheHandlerToo, IsTakenOverWithTheRegion) {
   EXPECT_EQ(inbox_.size(), 0U);
 }
 
+TEST_F(ANumberOfTheHandlerToo, IsTakenOverAlsoWhenAnUpdateOfItHasFailed) {
+  setUp(1, {"car"});
+  setUp(1, {"unicorn"});
+  vod::host::clearJournal();
+  const TestCamera camera(1, {{"human"}, VOD::VodChannelConfiguration{0, 0, 0.5F, 1}}, camera_);
+  EXPECT_THAT(vod::host::journal(), Contains("set_channel_configuration(channel=0, roi=[0, 0, 0.5, 1])"));
+}
+
 TEST_F(ANumberOfTheHandlerToo, IsTakenBackAfterASilence) {
   const TestCamera camera(1, people(), camera_);
   setUp(1, {"car"});

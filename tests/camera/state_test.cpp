@@ -54,6 +54,11 @@ TEST_F(ACamera, TakesClassesInAnyCase) {
   EXPECT_THAT(camera_.takeFrames(), ElementsAre(ElementsAre("human", "car")));
 }
 
+TEST_F(ACamera, TakesTheFirstAndTheLastLetterInAnyCase) {
+  const TestCamera camera(1, {{"AZ"}, {}}, camera_);
+  EXPECT_THAT(camera.status().refusedClasses, ElementsAre("az"));
+}
+
 TEST_F(ACamera, DeliversFramesWithoutDetections) {
   const TestCamera camera(1, people(), camera_);
   deliver({});
@@ -75,7 +80,10 @@ TEST_F(ACamera, CountsItsFrames) {
 }
 
 TEST_F(ACamera, MeasuresTheLongestCallback) {
-  const TestCamera camera(1, people(), [](auto) { SteeredTime::jump(30ms); });
+  SteeredTime::Duration duration = 30ms;
+  const TestCamera camera(1, people(), [&duration](auto) { SteeredTime::jump(duration); });
+  deliver();
+  duration = 10ms;
   deliver();
   EXPECT_EQ(camera.status().longestCallback, 30ms);
 }
@@ -245,6 +253,20 @@ TEST_F(AnUnansweringService, ThatRefusesTheSubscriptionIsReported) {
   EXPECT_EQ(camera.status().state, CameraState::Waiting);
   EXPECT_EQ(camera.status().reason,
             "the service refuses the subscription (it allows 2 at a time); the system log says why");
+}
+
+TEST_F(AnUnansweringService, ThatAnswersButRefusesIsReportedAgain) {
+  takeServiceDown();
+  const TestCamera camera(1, people(), camera_);
+  SteeredTime::settle();
+  vod::host::plan(Fault(Function::Subscribe).always().failsWith(1));
+  vod::host::bringServiceUp();
+  pass(1s);
+  const auto reports = camera_.reports();
+  ASSERT_THAT(reports, SizeIs(2));
+  EXPECT_EQ(reports[0].reason, "the service does not answer");
+  EXPECT_EQ(reports[1].state, CameraState::Waiting);
+  EXPECT_THAT(reports[1].reason, HasSubstr("refuses the subscription"));
 }
 
 TEST_F(AnUnansweringService, ThatRefusesARegionIsReported) {
