@@ -17,7 +17,7 @@ from mutations import PROJECT, Mutation
 PATTERNS = ["src/*.cpp", "src/*.h", "platform/host/*.cpp", "platform/recording/*.cpp", "tools/tarnvod/*.cpp",
             "include/tarnvod/camera*.h", "include/tarnvod/detail/*.h", "include/tarnvod/frame_queue.h"]
 
-# What is replaced in a line, the replacement, and what that is called. Spaces tell operators from templates and shifts.
+# What is replaced in a line, the replacement, and what that is called. Spaces distinguish operators from templates and shifts.
 REPLACEMENTS = [
     (r" == ", " != ", "equal becomes unequal"),
     (r" != ", " == ", "unequal becomes equal"),
