@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-// Prints how many blocks, and how many bytes in them, each road of each sample allocates for a frame; on the average of
-// a sample's scenes.
+// Prints the number of blocks and of bytes that each pipeline allocates for a frame of each sample, as an average over the
+// sample's scenes.
 
-#include "roads.h"
+#include "pipelines.h"
 
 #include <vod_host.h>
 
@@ -18,9 +18,9 @@ namespace {
 thread_local long blocks = 0;
 thread_local long allocatedBytes = 0;
 
-void take(const tarn::VOD::bench::Walk& walk, long frames) {
+void run(const tarn::VOD::bench::ProcessFrame& processFrame, long frames) {
   for (long frame = 0; frame < frames; ++frame) {
-    walk();
+    processFrame();
   }
 }
 
@@ -60,14 +60,14 @@ int main() {
   try {
     vod::host::reset();
     for (const auto& sample : tarn::VOD::bench::samples()) {
-      for (const auto& road : tarn::VOD::bench::countedRoads()) {
-        const auto walk = road.prepare(sample);
+      for (const auto& pipeline : tarn::VOD::bench::countedPipelines()) {
+        const auto processFrame = pipeline.prepare(sample);
         const auto frames = static_cast<long>(sample.scenes.size());
-        take(walk, frames);  // what is made once, such as a parser's buffers, is no cost of a frame
+        run(processFrame, frames);  // buffers that are allocated once, such as a parser's, are not a cost of each frame
         blocks = 0;
         allocatedBytes = 0;
-        take(walk, frames);
-        std::cout << road.name << '/' << sample.name << ' ' << perFrame(blocks, frames) << ' '
+        run(processFrame, frames);
+        std::cout << pipeline.name << '/' << sample.name << ' ' << perFrame(blocks, frames) << ' '
                   << perFrame(allocatedBytes, frames) << '\n';
       }
     }

@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-// Takes one road so many times and ends: for tools that count what a program does. The difference between two numbers
-// of frames, divided by the difference of the numbers, is what one frame costs, whatever the tool.
+// Passes N frames through one pipeline, for tools that count what a program does. The counts of two runs with different N,
+// subtracted and divided by the difference of N, are the cost of one frame.
 
-#include "roads.h"
+#include "pipelines.h"
 
 #include <vod_host.h>
 
@@ -15,9 +15,9 @@
 
 namespace {
 
-using tarn::VOD::bench::Road;
+using tarn::VOD::bench::Pipeline;
+using tarn::VOD::bench::ProcessFrame;
 using tarn::VOD::bench::Sample;
-using tarn::VOD::bench::Walk;
 
 template <typename Item>
 const Item& named(const std::vector<Item>& items, const std::string& name) {
@@ -26,16 +26,16 @@ const Item& named(const std::vector<Item>& items, const std::string& name) {
       return item;
     }
   }
-  throw std::invalid_argument("there is no \"" + name + "\"");
+  throw std::invalid_argument("unknown name \"" + name + "\"");
 }
 
-void run(const std::string& road, const std::string& sampleName, int frames, int classes) {
+void run(const std::string& pipeline, const std::string& sampleName, int frames, int classes) {
   const std::vector<Sample> samples = tarn::VOD::bench::samples();
   const Sample& sample = named(samples, sampleName);
-  const Walk walk = classes > 0 ? tarn::VOD::bench::wholeRoad(sample, 1, classes)
-                                : named(tarn::VOD::bench::countedRoads(), road).prepare(sample);
+  const ProcessFrame processFrame = classes > 0 ? tarn::VOD::bench::framePipeline(sample, 1, classes)
+                                                : named(tarn::VOD::bench::countedPipelines(), pipeline).prepare(sample);
   for (int frame = 0; frame < frames; ++frame) {
-    walk();
+    processFrame();
   }
 }
 
@@ -43,7 +43,7 @@ void run(const std::string& road, const std::string& sampleName, int frames, int
 
 int main(int argc, char** argv) {
   if (argc != 4 && argc != 5) {
-    std::cerr << "usage: " << argv[0] << " ROAD SAMPLE FRAMES [REQUESTED-CLASSES]\n";
+    std::cerr << "usage: " << argv[0] << " PIPELINE SAMPLE FRAMES [REQUESTED-CLASSES]\n";
     return 2;
   }
   try {

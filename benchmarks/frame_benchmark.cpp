@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-// Time: each road of each sample, from the detector's information to the model, and the set-up of a camera.
+// Times each pipeline with each sample, the conversion of the detector's information, and the set-up of a camera.
 
-#include "roads.h"
+#include "pipelines.h"
 #include "sample_scenes.h"
 
 #include <benchmark/benchmark.h>
@@ -16,10 +16,10 @@
 namespace tarn::VOD::bench {
 namespace {
 
-void takeRoad(benchmark::State& state, const Road& road, const Sample& sample) {
-  const Walk walk = road.prepare(sample);
+void timePipeline(benchmark::State& state, const Pipeline& pipeline, const Sample& sample) {
+  const ProcessFrame processFrame = pipeline.prepare(sample);
   for (auto _ : state) {
-    walk();
+    processFrame();
   }
 }
 
@@ -45,9 +45,10 @@ void setUpCamera(benchmark::State& state) {
 
 void registerAll() {
   for (const Sample& sample : samples()) {
-    for (const Road& road : allRoads()) {
-      benchmark::RegisterBenchmark((road.name + '/' + sample.name).c_str(),
-                                   [road, sample](benchmark::State& state) { takeRoad(state, road, sample); });
+    for (const Pipeline& pipeline : allPipelines()) {
+      benchmark::RegisterBenchmark(
+          (pipeline.name + '/' + sample.name).c_str(),
+          [pipeline, sample](benchmark::State& state) { timePipeline(state, pipeline, sample); });
     }
   }
   benchmark::RegisterBenchmark("model", makeModel);

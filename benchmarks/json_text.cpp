@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "other_roads.h"
+#include "other_formats.h"
 
 #include <sstream>
 

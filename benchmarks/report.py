@@ -20,7 +20,7 @@ import tempfile
 SAMPLES = ["3", "12", "100", "12-outlines", "12-long-names", "street"]
 BEGIN, END = "<!-- figures: scripts/benchmark -->", "<!-- end of figures -->"
 CAMERA_SAMPLES = ["0", "3", "12", "street"]
-CAMERA_ROADS = {"frame": "`Handler`, the only thread", "frame-with-retries": "`Handler` with retries", "camera": "`Camera`"}
+CAMERA_PIPELINES = {"frame": "`Handler`, the only thread", "frame-with-retries": "`Handler` with retries", "camera": "`Camera`"}
 CAMERA_LIMIT = 1.02  # of the instructions of a frame of 12 detections through `Handler` with retries
 COUNTER = shlex.split(os.environ.get("COUNTER", ""))
 
@@ -49,15 +49,15 @@ def instructions(command):
 
 
 def heap(program):
-    """Blocks and bytes that each road of each sample allocates for a frame."""
+    """Blocks and bytes that each pipeline of each sample allocates for a frame."""
     lines = (line.split() for line in output_of([program]).splitlines())
     return {name: (blocks, size) for name, blocks, size in lines}
 
 
-def per_frame(program, road, sample, *classes):
+def per_frame(program, pipeline, sample, *classes):
     """Instructions. Both numbers of frames are multiples of the number of scenes that a sample takes in turn."""
     few, many = 40, 120
-    first, last = (instructions([program, road, sample, str(frames), *map(str, classes)]) for frames in (few, many))
+    first, last = (instructions([program, pipeline, sample, str(frames), *map(str, classes)]) for frames in (few, many))
     return (last - first) / (many - few)
 
 
@@ -78,8 +78,8 @@ def table(head, rows):
     return lines + ["| " + " | ".join(str(cell) for cell in row) + " |" for row in rows] + [""]
 
 
-def roads_of(sample, measured):
-    """Ours in a fixed order, then the others, which know nothing of outlines and are not concerned with long names."""
+def pipelines_of(sample, measured):
+    """The library's own in a fixed order, then other formats, which contain no outlines and do not depend on long names."""
     ours = ["parse", "frame", "convert", "copy"]
     others = sorted({name.split("/")[0] for name in measured if "/" in name} - set(ours))
     return ours + (others if sample.isdigit() or sample == "street" else [])
@@ -91,13 +91,13 @@ def frame_rows(directory, measured):
     for sample in SAMPLES:
         parse = per_frame(program, "parse", sample)
         parse_times = measured[f"parse/{sample}"]
-        for road in roads_of(sample, measured):
-            count = parse if road == "parse" else per_frame(program, road, sample)
-            own = measured[f"{road}/{sample}"]
+        for pipeline in pipelines_of(sample, measured):
+            count = parse if pipeline == "parse" else per_frame(program, pipeline, sample)
+            own = measured[f"{pipeline}/{sample}"]
             quartiles = statistics.quantiles([a / b for a, b in zip(own, parse_times)], n=4)
-            yield (sample, road, f"{count:.0f}", f"{count / parse:.3f}", f"{min(own) / 1000:.2f}",
+            yield (sample, pipeline, f"{count:.0f}", f"{count / parse:.3f}", f"{min(own) / 1000:.2f}",
                    f"{min(own) / min(parse_times):.2f} ({quartiles[0]:.2f}–{quartiles[2]:.2f})",
-                   *allocated[f"{road}/{sample}"])
+                   *allocated[f"{pipeline}/{sample}"])
 
 
 def camera_rows(directory):
@@ -105,12 +105,12 @@ def camera_rows(directory):
     program = os.path.join(directory, "count_frames")
     allocated = heap(os.path.join(directory, "count_allocations"))
     for sample in CAMERA_SAMPLES:
-        counts = {road: per_frame(program, road, sample) for road in CAMERA_ROADS}
+        counts = {pipeline: per_frame(program, pipeline, sample) for pipeline in CAMERA_PIPELINES}
         base = counts["frame-with-retries"]
         if sample == "12" and counts["camera"] > base * CAMERA_LIMIT:
             sys.exit(f"a Camera takes {counts['camera']:.0f} instructions for a frame, Handler {base:.0f}")
-        for road, name in CAMERA_ROADS.items():
-            yield (sample, name, f"{counts[road]:.0f}", f"{counts[road] / base:.3f}", *allocated[f"{road}/{sample}"])
+        for pipeline, name in CAMERA_PIPELINES.items():
+            yield (sample, name, f"{counts[pipeline]:.0f}", f"{counts[pipeline] / base:.3f}", *allocated[f"{pipeline}/{sample}"])
 
 
 def camera_table(directory):
@@ -120,7 +120,7 @@ def camera_table(directory):
 def figures(directory):
     program = os.path.join(directory, "count_frames")
     measured = times(os.path.join(directory, "frame_benchmark"))
-    lines = table(["sample", "road", "instructions", "to parse", "best µs", "to parse (quartiles)", "allocations",
+    lines = table(["sample", "pipeline", "instructions", "to parse", "best µs", "to parse (quartiles)", "allocations",
                    "bytes"], frame_rows(directory, measured))
     lines += camera_table(directory)
     lines += table(["other than frames", "best µs"],
@@ -131,9 +131,9 @@ def figures(directory):
     lines += table(["cameras, each on a thread", "frames per second", "to one", "frames per processor second, to one"],
                    [(row[1], f"{float(row[2]):.0f}", f"{float(row[3]):.2f}", f"{float(row[4]):.2f}")
                     for row in scaling if row[0] == "scaling"])
-    lines += table(["requested classes", "lock held, median ns with one look at the clock"],
+    lines += table(["requested classes", "lock held, median ns including one clock reading"],
                    [(row[1], row[2]) for row in scaling if row[0] == "lock"])
-    lines += [f"One look at the clock took {row[1]} ns on the average." for row in scaling if row[0] == "clock"]
+    lines += [f"One clock reading took {row[1]} ns on average." for row in scaling if row[0] == "clock"]
     return "\n".join(lines)
 
 

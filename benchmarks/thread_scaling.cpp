@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: MIT
 
 // How many frames one, two and eight cameras deliver at once, each on a thread of its own, and how long a frame holds
-// the handler's lock. The counts of threads take turns; of each the best round counts, since other programs disturb.
+// the handler's lock. The numbers of threads take turns, and the best round of each counts, because other programs interfere.
 
-#include "roads.h"
+#include "pipelines.h"
 
 #include <dlfcn.h>
 #include <pthread.h>
@@ -23,7 +23,7 @@
 namespace {
 
 using Clock = std::chrono::steady_clock;
-using tarn::VOD::bench::Walk;
+using tarn::VOD::bench::ProcessFrame;
 
 std::atomic<bool> timesLock{false};
 thread_local Clock::time_point lockedSince;
@@ -37,7 +37,7 @@ MutexFunction original(const char* name) {
 
 }  // namespace
 
-// The library's calls of these two end here first. A frame takes no other lock.
+// These two intercept the library's calls. A frame takes no other lock.
 extern "C" int pthread_mutex_lock(pthread_mutex_t* mutex) noexcept {
   static const MutexFunction lock = original("pthread_mutex_lock");
   const int result = lock(mutex);
@@ -57,7 +57,7 @@ extern "C" int pthread_mutex_unlock(pthread_mutex_t* mutex) noexcept {
 
 namespace {
 
-/** Frames by the clock on the wall and by the processor time that they took. */
+/** Frames per second of wall-clock time and of processor time. */
 struct Rate {
   double perSecond = 0;
   double perProcessorSecond = 0;
@@ -69,7 +69,7 @@ double processorSeconds() {
   return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
 }
 
-Rate measure(const std::vector<Walk>& cameras, std::size_t count) {
+Rate measure(const std::vector<ProcessFrame>& cameras, std::size_t count) {
   constexpr auto duration = std::chrono::milliseconds(200);
   std::atomic<bool> running{true};
   std::mutex mutex;
@@ -78,10 +78,10 @@ Rate measure(const std::vector<Walk>& cameras, std::size_t count) {
   std::vector<std::thread> threads;
   const auto begin = Clock::now();
   for (std::size_t camera = 0; camera < count; ++camera) {
-    threads.emplace_back([&, &walk = cameras[camera]] {
+    threads.emplace_back([&, &processFrame = cameras[camera]] {
       long own = 0;
       for (; running.load(std::memory_order_relaxed); ++own) {
-        walk();
+        processFrame();
       }
       const std::lock_guard<std::mutex> lock(mutex);
       frames += static_cast<double>(own);
@@ -96,7 +96,7 @@ Rate measure(const std::vector<Walk>& cameras, std::size_t count) {
   return {frames / std::chrono::duration<double>(Clock::now() - begin).count(), frames / seconds};
 }
 
-void printScaling(const std::vector<Walk>& cameras) {
+void printScaling(const std::vector<ProcessFrame>& cameras) {
   constexpr int rounds = 25;
   std::map<std::size_t, Rate> best{{1, {}}, {2, {}}, {8, {}}};
   for (int round = 0; round < rounds; ++round) {
@@ -112,13 +112,13 @@ void printScaling(const std::vector<Walk>& cameras) {
   }
 }
 
-/** The median, in nanoseconds; includes one look at the clock. */
-long lockHeld(const Walk& walk) {
+/** The median, in nanoseconds; includes one clock reading. */
+long lockHeld(const ProcessFrame& processFrame) {
   constexpr int frames = 20000;
   std::vector<Clock::duration> held;
   timesLock = true;
   for (int frame = 0; frame < frames; ++frame) {
-    walk();
+    processFrame();
     held.push_back(lockedFor);
   }
   timesLock = false;
@@ -128,11 +128,11 @@ long lockHeld(const Walk& walk) {
 
 long clockCost() {
   const auto begin = Clock::now();
-  constexpr int looks = 100000;
-  for (int look = 0; look < looks; ++look) {
+  constexpr int readings = 100000;
+  for (int reading = 0; reading < readings; ++reading) {
     static_cast<void>(Clock::now());
   }
-  return static_cast<long>(std::chrono::nanoseconds((Clock::now() - begin) / looks).count());
+  return static_cast<long>(std::chrono::nanoseconds((Clock::now() - begin) / readings).count());
 }
 
 void run() {
@@ -140,13 +140,13 @@ void run() {
   const std::vector<Sample> all = samples();
   const Sample& twelve =
       *std::find_if(all.begin(), all.end(), [](const Sample& sample) { return sample.name == "12"; });
-  std::vector<Walk> cameras;
+  std::vector<ProcessFrame> cameras;
   for (int camera = 1; camera <= 8; ++camera) {
-    cameras.push_back(wholeRoad(twelve, camera, 80));
+    cameras.push_back(framePipeline(twelve, camera, 80));
   }
   printScaling(cameras);
   for (const int classes : {1, 80}) {
-    std::cout << "lock " << classes << ' ' << lockHeld(wholeRoad(twelve, 1, classes)) << '\n';
+    std::cout << "lock " << classes << ' ' << lockHeld(framePipeline(twelve, 1, classes)) << '\n';
   }
   std::cout << "clock " << clockCost() << '\n';
 }

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#ifndef TARNVOD_BENCHMARKS_ROADS_H
-#define TARNVOD_BENCHMARKS_ROADS_H
+#ifndef TARNVOD_BENCHMARKS_PIPELINES_H
+#define TARNVOD_BENCHMARKS_PIPELINES_H
 
 #include "detection-data/scene_names.h"
 
@@ -16,7 +16,7 @@
 
 namespace tarn::VOD::bench {
 
-/** Scenes to be measured in turn, and the detector that names what is in them. */
+/** Scenes to be measured in turn, and the detector that names their contents. */
 struct Sample {
   std::string name;
   std::vector<::VOD::Scene> scenes;
@@ -29,7 +29,7 @@ struct Sample {
  */
 std::vector<Sample> samples();
 
-/** Gives one item after the other, after the last the first again. */
+/** Returns its items in turn; the first follows the last. */
 template <typename Item>
 class Cycle {
  public:
@@ -46,7 +46,7 @@ class Cycle {
   std::size_t place_ = 0;
 };
 
-/** What a function makes of each scene of a sample. */
+/** The results of a function for each scene of a sample. */
 template <typename Make>
 auto ofEachScene(const Sample& sample, const Make& make) {
   std::vector<std::decay_t<decltype(make(sample.scenes.front()))>> items;
@@ -59,29 +59,29 @@ auto ofEachScene(const Sample& sample, const Make& make) {
 /** The names of all classes and attributes that the detector knows. */
 SceneNames namesOf(const ::VOD::DetectorInformation& detector);
 
-/** Does once, each time that it is called, what a road does with a frame. */
-using Walk = std::function<void()>;
+/** Passes the next frame of a sample through a pipeline. */
+using ProcessFrame = std::function<void()>;
 
-/** One way from a frame's bytes to the application, or a part of one. */
-struct Road {
+/** A way from a frame's bytes to the application, or a part of it. */
+struct Pipeline {
   std::string name;
-  std::function<Walk(const Sample&)> prepare;
+  std::function<ProcessFrame(const Sample&)> prepare;
 };
 
-/** This library's: the whole road, the parse alone, the conversion alone, copying the bytes. */
-std::vector<Road> libraryRoads();
+/** The library's own: the whole pipeline, the parse alone, the conversion alone, a copy of the bytes. */
+std::vector<Pipeline> libraryPipelines();
 
-/** What there would be instead: the same frame in other formats, into the same records. Those that were found. */
-std::vector<Road> otherRoads();
+/** The same frame in other formats, converted to the same records. Only formats whose library was found. */
+std::vector<Pipeline> otherFormatPipelines();
 
-/** Both. */
-std::vector<Road> allRoads();
+/** The library's own and those of other formats. */
+std::vector<Pipeline> allPipelines();
 
-/** All of them, and the whole road through a `Camera`, whose thread makes times vary more than it costs. */
-std::vector<Road> countedRoads();
+/** All of them, and the whole pipeline through a `Camera`, whose thread makes the times too irregular to compare. */
+std::vector<Pipeline> countedPipelines();
 
-/** The whole road of a camera that is set up again, with this number of the detector's classes requested. */
-Walk wholeRoad(const Sample& sample, int camera, int classes);
+/** Sets the camera up again, requesting this number of the detector's classes. Returns its whole pipeline. */
+ProcessFrame framePipeline(const Sample& sample, int camera, int classes);
 
 }  // namespace tarn::VOD::bench
 

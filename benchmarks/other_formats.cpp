@@ -1,20 +1,20 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "other_roads.h"
+#include "other_formats.h"
 
 namespace tarn::VOD::bench {
 
-std::vector<Road> otherRoads() {
+std::vector<Pipeline> otherFormatPipelines() {
   return {
 #ifdef TARNVOD_BENCHMARK_NLOHMANN_JSON
-      {"nlohmann-json", nlohmannJsonRoad},
+      {"nlohmann-json", nlohmannJsonPipeline},
 #endif
 #ifdef TARNVOD_BENCHMARK_SIMDJSON
-      {"simdjson", simdjsonRoad},
+      {"simdjson", simdjsonPipeline},
 #endif
 #ifdef TARNVOD_BENCHMARK_FLATBUFFERS
-      {"flatbuffers", flatbuffersRoad},
+      {"flatbuffers", flatbuffersPipeline},
 #endif
   };
 }

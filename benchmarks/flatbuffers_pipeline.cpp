@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "other_roads.h"
+#include "other_formats.h"
 #include "scene_generated.h"
 
 #include <stdexcept>
@@ -85,7 +85,7 @@ std::unique_ptr<DetectionData> convert(const flat::Scene& scene, const SceneName
 
 }  // namespace
 
-Walk flatbuffersRoad(const Sample& sample) {
+ProcessFrame flatbuffersPipeline(const Sample& sample) {
   return [messages = ofEachScene(sample, bytesOf), names = namesOf(sample.detector)]() mutable {
     const std::string& bytes = messages.next();
     // What comes from another process is verified before it is read.

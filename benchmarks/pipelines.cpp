@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "roads.h"
+#include "pipelines.h"
 
 #include "detection-data/scene_conversion.h"
 #include "sample_scenes.h"
@@ -45,7 +45,7 @@ Cycle<std::string> messagesOf(const Sample& sample) {
   return ofEachScene(sample, [](const ::VOD::Scene& scene) { return scene.SerializeAsString(); });
 }
 
-Walk parseAlone(const Sample& sample) {
+ProcessFrame parseAlone(const Sample& sample) {
   return [messages = messagesOf(sample)]() mutable {
     ::VOD::Scene scene;
     parse(scene, messages.next());
@@ -53,13 +53,13 @@ Walk parseAlone(const Sample& sample) {
   };
 }
 
-Walk convertAlone(const Sample& sample) {
+ProcessFrame convertAlone(const Sample& sample) {
   return [scenes = Cycle(sample.scenes), names = namesOf(sample.detector)]() mutable {
     use(*convertScene(scenes.next(), names, ignoreMissingType));
   };
 }
 
-Walk copyBytes(const Sample& sample) {
+ProcessFrame copyBytes(const Sample& sample) {
   return [messages = messagesOf(sample), target = std::string()]() mutable {
     const std::string& bytes = messages.next();
     target.resize(bytes.size());
@@ -68,8 +68,8 @@ Walk copyBytes(const Sample& sample) {
   };
 }
 
-Walk wholeRoadOfAllClasses(const Sample& sample) {
-  return wholeRoad(sample, 1, detectorClasses);
+ProcessFrame framePipelineOfAllClasses(const Sample& sample) {
+  return framePipeline(sample, 1, detectorClasses);
 }
 
 void serve(const Sample& sample, int camera) {
@@ -77,7 +77,7 @@ void serve(const Sample& sample, int camera) {
 }
 
 /** What the service would call for a camera that is set up: the platform's own costs stay out of it. */
-Walk delivery(const Sample& sample, int camera) {
+ProcessFrame delivery(const Sample& sample, int camera) {
   const vod::host::Registration registered =
       vod::host::registration(vod::host::channel(camera - 1).subscriptions().front());
   return [messages = messagesOf(sample), registered]() mutable {
@@ -87,7 +87,7 @@ Walk delivery(const Sample& sample, int camera) {
   };
 }
 
-Walk wholeRoadThroughCamera(const Sample& sample) {
+ProcessFrame cameraPipeline(const Sample& sample) {
   constexpr int number = 1;
   Handler::teardown(number);
   serve(sample, number);
@@ -100,11 +100,11 @@ Walk wholeRoadThroughCamera(const Sample& sample) {
 }
 
 /** As an application has it that wants its cameras back after an outage: with the retry thread. */
-Walk wholeRoadWithRetries(const Sample& sample) {
+ProcessFrame framePipelineWithRetries(const Sample& sample) {
   constexpr int period = 1;
   Handler::initialize(period);
   const std::shared_ptr<void> thread(nullptr, [](void*) { Handler::deinitialize(); });
-  return [thread, deliver = wholeRoadOfAllClasses(sample)] { deliver(); };
+  return [thread, deliver = framePipelineOfAllClasses(sample)] { deliver(); };
 }
 
 std::optional<::VOD::Scene> sceneOf(const vod::recording::NextScene& next) {
@@ -165,7 +165,7 @@ SceneNames namesOf(const ::VOD::DetectorInformation& detector) {
           std::make_shared<const AttributeClassNames>(std::move(values))};
 }
 
-Walk wholeRoad(const Sample& sample, int camera, int classes) {
+ProcessFrame framePipeline(const Sample& sample, int camera, int classes) {
   Handler::teardown(camera);
   serve(sample, camera);
   const auto emptyApplication = [](std::unique_ptr<DetectionData> frame, int /*camera*/) { use(*frame); };
@@ -175,23 +175,23 @@ Walk wholeRoad(const Sample& sample, int camera, int classes) {
   return delivery(sample, camera);
 }
 
-std::vector<Road> libraryRoads() {
-  return {{"frame", wholeRoadOfAllClasses}, {"parse", parseAlone}, {"convert", convertAlone}, {"copy", copyBytes}};
+std::vector<Pipeline> libraryPipelines() {
+  return {{"frame", framePipelineOfAllClasses}, {"parse", parseAlone}, {"convert", convertAlone}, {"copy", copyBytes}};
 }
 
-std::vector<Road> allRoads() {
-  std::vector<Road> roads = libraryRoads();
-  for (Road& road : otherRoads()) {
-    roads.push_back(std::move(road));
+std::vector<Pipeline> allPipelines() {
+  std::vector<Pipeline> pipelines = libraryPipelines();
+  for (Pipeline& pipeline : otherFormatPipelines()) {
+    pipelines.push_back(std::move(pipeline));
   }
-  return roads;
+  return pipelines;
 }
 
-std::vector<Road> countedRoads() {
-  std::vector<Road> roads = allRoads();
-  roads.push_back({"frame-with-retries", wholeRoadWithRetries});
-  roads.push_back({"camera", wholeRoadThroughCamera});
-  return roads;
+std::vector<Pipeline> countedPipelines() {
+  std::vector<Pipeline> pipelines = allPipelines();
+  pipelines.push_back({"frame-with-retries", framePipelineWithRetries});
+  pipelines.push_back({"camera", cameraPipeline});
+  return pipelines;
 }
 
 }  // namespace tarn::VOD::bench

@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#ifndef TARNVOD_BENCHMARKS_OTHER_ROADS_H
-#define TARNVOD_BENCHMARKS_OTHER_ROADS_H
+#ifndef TARNVOD_BENCHMARKS_OTHER_FORMATS_H
+#define TARNVOD_BENCHMARKS_OTHER_FORMATS_H
 
-#include "roads.h"
+#include "pipelines.h"
 
 #include <tarnvod/detection_data.h>
 
@@ -13,9 +13,9 @@
 
 namespace tarn::VOD::bench {
 
-Walk nlohmannJsonRoad(const Sample& sample);
-Walk simdjsonRoad(const Sample& sample);
-Walk flatbuffersRoad(const Sample& sample);
+ProcessFrame nlohmannJsonPipeline(const Sample& sample);
+ProcessFrame simdjsonPipeline(const Sample& sample);
+ProcessFrame flatbuffersPipeline(const Sample& sample);
 
 /** The sample's scene with the schema's field names, ids as numbers; without outlines, which no record holds. */
 std::string jsonOf(const ::VOD::Scene& scene);
@@ -24,7 +24,7 @@ inline std::optional<std::string> copyName(const std::string* name) {
   return name != nullptr ? std::optional<std::string>(*name) : std::nullopt;
 }
 
-/** Lets the record go as the application does that the library's road is measured with. */
+/** Destroys the record as the application of the library's own pipeline does. */
 inline void deliver(std::unique_ptr<DetectionData> frame) {
   asm volatile("" : : "r"(frame.get()) : "memory");
 }

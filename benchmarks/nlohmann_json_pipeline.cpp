@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "other_roads.h"
+#include "other_formats.h"
 
 #include <nlohmann/json.hpp>
 
@@ -65,7 +65,7 @@ std::unique_ptr<DetectionData> convert(const json& scene, const SceneNames& name
 
 }  // namespace
 
-Walk nlohmannJsonRoad(const Sample& sample) {
+ProcessFrame nlohmannJsonPipeline(const Sample& sample) {
   return [texts = ofEachScene(sample, jsonOf), names = namesOf(sample.detector)]() mutable {
     deliver(convert(json::parse(texts.next()), names));
   };

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "other_roads.h"
+#include "other_formats.h"
 
 #include <simdjson.h>
 
@@ -84,7 +84,7 @@ std::unique_ptr<DetectionData> convert(simdjson::ondemand::document& scene, cons
 
 }  // namespace
 
-Walk simdjsonRoad(const Sample& sample) {
+ProcessFrame simdjsonPipeline(const Sample& sample) {
   const auto parser = std::make_shared<simdjson::ondemand::parser>();
   const auto paddedText = [](const ::VOD::Scene& scene) {
     return std::make_shared<const simdjson::padded_string>(jsonOf(scene));
