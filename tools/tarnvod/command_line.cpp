@@ -54,7 +54,7 @@ std::string onOneLine(std::string text) {
 }
 
 int complain(const std::string& problem, ExitCode code) {
-  tellUser("tarnvod: " + onOneLine(problem));
+  printMessage("tarnvod: " + onOneLine(problem));
   return code;
 }
 

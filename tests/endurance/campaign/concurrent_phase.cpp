@@ -23,7 +23,7 @@ using VOD::Handler;
 namespace {
 
 constexpr int cameras = 4;
-constexpr int lives = 20;  // of each camera
+constexpr int lifetimesPerCamera = 20;
 
 std::string ending(int camera) {
   return " of camera " + std::to_string(camera);
@@ -100,12 +100,12 @@ const std::set<std::string>& classesOf(int camera) {
 }
 
 /**
- * Lives for one camera, one after the other, each ended by its own teardown once it has seen a frame: it does, however
+ * Lifetimes of one camera, one after another, each ended by its own teardown once it has seen a frame: it does, however
  * often the camera is dropped meanwhile.
  */
-void liveAndDie(int camera, const std::shared_ptr<Tally>& tally, std::uint32_t seed) {
+void runLifetimes(int camera, const std::shared_ptr<Tally>& tally, std::uint32_t seed) {
   std::minstd_rand generator(seed);
-  for (int i = 0; i < lives; ++i) {
+  for (int i = 0; i < lifetimesPerCamera; ++i) {
     const auto life = std::make_shared<Life>();
     life->camera = camera;
     Handler::setup(camera, callbackOf(life, tally), classesOf(camera));
@@ -171,15 +171,15 @@ int everythingAtOnce(const Choose& choose) {
   for (int i = 0; i < 2; ++i) {
     disturbances.push_back(start([&, seed = choose(1000) + 1] { disturb(scenes, seed, stopped); }));
   }
-  std::vector<std::future<void>> cameraLives;
+  std::vector<std::future<void>> cameraLifetimes;
   for (int camera = 1; camera <= cameras; ++camera) {
-    cameraLives.push_back(start([=, seed = choose(1000) + 1] { liveAndDie(camera, tally, seed); }));
+    cameraLifetimes.push_back(start([=, seed = choose(1000) + 1] { runLifetimes(camera, tally, seed); }));
   }
-  for (const auto& life : cameraLives) {
-    life.wait();
+  for (const auto& task : cameraLifetimes) {
+    task.wait();
   }
   stopped = true;
-  for (auto* const tasks : {&disturbances, &cameraLives}) {
+  for (auto* const tasks : {&disturbances, &cameraLifetimes}) {
     for (auto& task : *tasks) {
       task.get();
     }

@@ -4,7 +4,7 @@
 #ifndef TARNVOD_TESTS_ENDURANCE_CAMPAIGN_CONCURRENT_PHASE_H
 #define TARNVOD_TESTS_ENDURANCE_CAMPAIGN_CONCURRENT_PHASE_H
 
-#include "endurance/campaign/scenery.h"
+#include "endurance/campaign/test_data.h"
 
 namespace tarn::test {
 

@@ -6,7 +6,7 @@
 
 #include "endurance/campaign/arrivals.h"
 #include "endurance/campaign/registry_model.h"
-#include "endurance/campaign/scenery.h"
+#include "endurance/campaign/test_data.h"
 #include "support/retry_sleep.h"
 
 #include <functional>

@@ -47,13 +47,13 @@ TEST_F(ASlowReader, IsNotTakenForASilentCamera) {
   vod::host::clearJournal();
 
   sendForTwoSeconds(folder / "recording", group);
-  std::vector<std::string> news;
+  std::vector<std::string> changes;
   for (int frame = 0; frame < framesOfTwoSeconds; ++frame) {
     ASSERT_TRUE(group.next());
-    group.tellNews([&news](const std::string& text) { news.push_back(text); });
+    group.reportStatusChanges([&changes](const std::string& text) { changes.push_back(text); });
   }
 
-  EXPECT_THAT(news, IsEmpty());
+  EXPECT_THAT(changes, IsEmpty());
   EXPECT_THAT(vod::host::journal(), IsEmpty());
 }
 

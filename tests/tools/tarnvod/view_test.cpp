@@ -247,12 +247,12 @@ TEST_F(View, TellsAnOutageAndItsEnd) {
   json state;
   viewer.receive([&](const test::Event& event) {
     state = event.name == "state" ? event.json() : state;
-    return state.is_object() && state["cameras"][0]["state"] == "receiving" && !state["news"].empty() &&
-           state["news"].back()["text"].get<std::string>().find("frames are back") != std::string::npos;
+    return state.is_object() && state["cameras"][0]["state"] == "receiving" && !state["statusChanges"].empty() &&
+           state["statusChanges"].back()["text"].get<std::string>().find("frames are back") != std::string::npos;
   });
   EXPECT_EQ(state["cameras"][0]["problem"], "");
   EXPECT_EQ(state["cameras"][0]["interruptions"], 1);
-  EXPECT_THAT(state["news"].back()["text"].get<std::string>(), StartsWith("camera 1: frames are back after "));
+  EXPECT_THAT(state["statusChanges"].back()["text"].get<std::string>(), StartsWith("camera 1: frames are back after "));
 }
 
 TEST_F(View, GoesOnForOthersWhenABrowserDoesNotRead) {

@@ -120,7 +120,7 @@ describe('two cameras that are seen live', () => {
     viewer.switchService('up');
     await cameraOf(page, 1).locator('.pill', { hasText: 'receiving' }).waitFor();
     await veil.waitFor({ state: 'hidden' });
-    await page.locator('#news').getByText(/camera 1: frames are back after \d/).waitFor();
+    await page.locator('#status-changes').getByText(/camera 1: frames are back after \d/).waitFor();
     await takePicture(page, 'back-1280-light');
   });
 

@@ -61,7 +61,7 @@ Output& standardOutput() {
   return output;
 }
 
-void tellUser(const std::string& line) {
+void printMessage(const std::string& line) {
   try {
     Output(STDERR_FILENO).writeText(line + '\n');
   } catch (const OutputClosed&) {

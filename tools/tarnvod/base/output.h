@@ -34,7 +34,7 @@ class Output {
 Output& standardOutput();
 
 /** Writes one line of text to standard error. A failure is ignored: there is nowhere to report it. */
-void tellUser(const std::string& line);
+void printMessage(const std::string& line);
 
 }  // namespace tarn::command
 

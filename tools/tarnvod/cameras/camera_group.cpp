@@ -27,10 +27,10 @@ WatchedCamera& CameraGroup::cameraOf(const Arrival& arrival) {
                        [&](const WatchedCamera& each) { return each.number == arrival.camera; });
 }
 
-void CameraGroup::tellNews(const std::function<void(const std::string&)>& tell) {
+void CameraGroup::reportStatusChanges(const std::function<void(const std::string&)>& report) {
   for (WatchedCamera& camera : cameras_) {
-    if (const auto news = camera.news.next(camera.camera.status(), Clock::now())) {
-      tell(*news);
+    if (const auto change = camera.statusChanges.next(camera.camera.status(), Clock::now())) {
+      report(*change);
     }
   }
 }

@@ -34,7 +34,7 @@ class CameraGroup {
   WatchedCamera& cameraOf(const Arrival& arrival);
 
   /** Reports what has changed since the last call: one line, which names its camera. */
-  void tellNews(const std::function<void(const std::string&)>& tell);
+  void reportStatusChanges(const std::function<void(const std::string&)>& report);
 
   const WatchedCameras& cameras() const { return cameras_; }
 

@@ -5,8 +5,8 @@
 #define TARNVOD_COMMAND_WATCHED_CAMERA_H
 
 #include "cameras/bounded_queue.h"
-#include "cameras/camera_news.h"
 #include "cameras/camera_statistics.h"
+#include "cameras/status_changes.h"
 #include "records/record_size.h"
 
 #include <tarnvod/camera.h>
@@ -36,7 +36,7 @@ struct WatchedCamera {
 
   const int number;
   CameraStatistics statistics;
-  CameraNews news;
+  StatusChanges statusChanges;
   const VOD::Camera camera;  // last, so that it ends first
 };
 

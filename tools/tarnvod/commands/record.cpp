@@ -107,7 +107,7 @@ class CameraRecorder {
 
   void report(ProgressBar& bar, const std::string& what) const {
     bar.hide();
-    tellUser("tarnvod: camera " + std::to_string(camera_) + ": " + what);
+    printMessage("tarnvod: camera " + std::to_string(camera_) + ": " + what);
   }
 
   const int camera_;

@@ -44,10 +44,10 @@ class Watch {
   /** Prints what was seen. @throw Failure  when a camera sent no frame */
   void summarize() {
     for (const WatchedCamera& camera : group_.cameras()) {
-      display_->tellAtEnd(watchSummary(camera, elapsed_));
+      display_->printAtEnd(watchSummary(camera, elapsed_));
     }
     if (group_.dropped() > 0) {
-      display_->tellAtEnd(counted(group_.dropped(), "frame") + " could not be shown: the output took too long");
+      display_->printAtEnd(counted(group_.dropped(), "frame") + " could not be shown: the output took too long");
     }
     display_.reset();
     for (const WatchedCamera& camera : group_.cameras()) {
@@ -80,19 +80,19 @@ class Watch {
     if (hasEnough(camera)) {
       return;
     }
-    tellNews();
+    reportStatusChanges();
     camera.statistics.add(*arrival.frame, arrival.at);
     display_->showFrame(*arrival.frame, arrival.camera);
   }
 
   void tick() {
     const Clock::time_point now = Clock::now();
-    tellNews();
+    reportStatusChanges();
     display_->refresh(group_.cameras(), now);
   }
 
-  void tellNews() {
-    group_.tellNews([this](const std::string& news) { display_->tell(news); });
+  void reportStatusChanges() {
+    group_.reportStatusChanges([this](const std::string& change) { display_->printStatusChange(change); });
   }
 
   const Limits limits_;

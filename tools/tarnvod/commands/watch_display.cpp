@@ -26,10 +26,10 @@ class LineDisplay : public WatchDisplay {
       standardOutput().writeText(frameLine(frame, camera));
     }
   }
-  void tell(const std::string& news) override { tellUser("tarnvod: " + news); }
+  void printStatusChange(const std::string& change) override { printMessage("tarnvod: " + change); }
   bool endRequested() override { return false; }
   void refresh(const WatchedCameras& /*cameras*/, Clock::time_point /*now*/) override {}
-  void tellAtEnd(const std::string& line) override { tellUser("tarnvod: " + line); }
+  void printAtEnd(const std::string& line) override { printMessage("tarnvod: " + line); }
 
  private:
   const bool json_;
@@ -41,7 +41,7 @@ class TableDisplay : public WatchDisplay {
   TableDisplay() : screen_(std::in_place, standardOutput()) {}
 
   void showFrame(const VOD::DetectionData& /*frame*/, int /*camera*/) override {}
-  void tell(const std::string& /*news*/) override {}
+  void printStatusChange(const std::string& /*change*/) override {}
   bool endRequested() override { return keyboard_.wasPressed('q'); }
   void refresh(const WatchedCameras& cameras, Clock::time_point now) override {
     if (now - drawnAt_ >= redrawPeriod) {
@@ -49,7 +49,7 @@ class TableDisplay : public WatchDisplay {
       drawnAt_ = now;
     }
   }
-  void tellAtEnd(const std::string& line) override {
+  void printAtEnd(const std::string& line) override {
     screen_.reset();
     standardOutput().writeText(line + '\n');
   }

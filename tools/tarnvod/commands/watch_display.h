@@ -17,13 +17,13 @@ class WatchDisplay {
   virtual ~WatchDisplay() = default;
   virtual void showFrame(const VOD::DetectionData& frame, int camera) = 0;
   /** A camera's frames stay away, or are back. */
-  virtual void tell(const std::string& news) = 0;
+  virtual void printStatusChange(const std::string& change) = 0;
   /** Whether somebody has asked, at the display, for the end. */
   virtual bool endRequested() = 0;
   /** Time has passed. */
   virtual void refresh(const WatchedCameras& cameras, Clock::time_point now) = 0;
   /** After the last frame: one line. */
-  virtual void tellAtEnd(const std::string& line) = 0;
+  virtual void printAtEnd(const std::string& line) = 0;
 };
 
 /** The live table on a terminal; otherwise, or with `json`, one line a frame. */

@@ -187,12 +187,12 @@ svg::Drawing drawTracks(const Tracks& tracks, const std::string& title, const Dr
     lines += drawStretches(track, canvas);
     ends += drawEnds(track, canvas);
   }
-  const svg::Drawing lives = drawLives(tracks);
+  const svg::Drawing timeline = drawTimeline(tracks);
   const std::string position = "translate(" + number(canvas.x(1) + margin) + " " + number(canvas.top) + ")";
   const std::string content =
       drawCanvas(canvas, style, title, note, imageOpacity) + clipped(canvas, drawConnections(tracks, canvas) + lines) +
-      ends + drawLabels(tracks, canvas) + element("g", {{"transform", position}}, "\n" + lives.content);
-  return {drawingWidth, headHeight + std::max(canvas.height, lives.height) + margin, content};
+      ends + drawLabels(tracks, canvas) + element("g", {{"transform", position}}, "\n" + timeline.content);
+  return {drawingWidth, headHeight + std::max(canvas.height, timeline.height) + margin, content};
 }
 
 }  // namespace tarn::command

@@ -77,7 +77,7 @@ Tracks collectTracks(const std::string& folder, const SceneNames& names, const B
 svg::Drawing drawTracks(const Tracks& tracks, const std::string& title, const DrawingStyle& style);
 
 /** When objects were seen, to the right of the tracks: a row each, with a bar along the recording's time. */
-svg::Drawing drawLives(const Tracks& tracks);
+svg::Drawing drawTimeline(const Tracks& tracks);
 
 svg::Drawing drawFrame(const ::VOD::Scene& scene, const SceneNames& names, const std::string& title,
                        const DrawingStyle& style);

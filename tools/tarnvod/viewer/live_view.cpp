@@ -15,7 +15,7 @@ namespace {
 
 /** Often enough that nobody takes an old state for the present one; also finds out which browsers are gone. */
 constexpr std::chrono::milliseconds statePeriod{500};
-constexpr std::size_t newsKept = 50;
+constexpr std::size_t statusChangesKept = 50;
 
 float secondsBetween(Clock::time_point from, Clock::time_point to) {
   return std::chrono::duration<float>(to - from).count();
@@ -53,7 +53,7 @@ void LiveView::run() {
       show(*arrival);
     }
     const Clock::time_point now = Clock::now();
-    tellNews(now);
+    reportStatusChanges(now);
     if (now - publishedAt_ >= statePeriod) {
       publishState(now);
     }
@@ -67,12 +67,12 @@ void LiveView::show(const Arrival& arrival) {
   hub_.publishFrame(makeEvent("frame", toJson(*arrival.frame, arrival.camera), millisecondsOf(arrival.at)));
 }
 
-void LiveView::tellNews(Clock::time_point now) {
-  group_.tellNews([&](const std::string& text) {
-    tellUser("tarnvod: " + text);
-    news_.push_back({now, text});
-    if (news_.size() > newsKept) {
-      news_.pop_front();
+void LiveView::reportStatusChanges(Clock::time_point now) {
+  group_.reportStatusChanges([&](const std::string& text) {
+    printMessage("tarnvod: " + text);
+    statusChanges_.push_back({now, text});
+    if (statusChanges_.size() > statusChangesKept) {
+      statusChanges_.pop_front();
     }
     publishedAt_ = {};
   });
@@ -89,11 +89,13 @@ Json LiveView::state(Clock::time_point now) const {
   for (const WatchedCamera& camera : group_.cameras()) {
     cameras.push_back(stateOf(camera, now));
   }
-  Json news = Json::array();
-  for (const News& each : news_) {
-    news.push_back({{"secondsAgo", secondsBetween(each.at, now)}, {"text", each.text}});
+  Json statusChanges = Json::array();
+  for (const StatusChange& change : statusChanges_) {
+    statusChanges.push_back({{"secondsAgo", secondsBetween(change.at, now)}, {"text", change.text}});
   }
-  return {{"cameras", std::move(cameras)}, {"news", std::move(news)}, {"framesDropped", group_.dropped()}};
+  return {{"cameras", std::move(cameras)},
+          {"statusChanges", std::move(statusChanges)},
+          {"framesDropped", group_.dropped()}};
 }
 
 Json LiveView::past(Clock::time_point now) {

@@ -28,13 +28,13 @@ class LiveView {
 
  private:
   /** A line about a camera that went away or came back. */
-  struct News {
+  struct StatusChange {
     Clock::time_point at;
     std::string text;
   };
 
   void show(const Arrival& arrival);
-  void tellNews(Clock::time_point now);
+  void reportStatusChanges(Clock::time_point now);
   void publishState(Clock::time_point now);
   Json state(Clock::time_point now) const;
   /** What joining pages are sent of the last minute. */
@@ -42,7 +42,7 @@ class LiveView {
 
   CameraGroup group_;
   EventHub& hub_;
-  std::deque<News> news_;
+  std::deque<StatusChange> statusChanges_;
   std::map<int, LiveHistory> histories_;  ///< by camera
   Clock::time_point publishedAt_;
 };

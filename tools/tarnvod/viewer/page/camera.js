@@ -21,7 +21,7 @@ export class CameraView {
   #filters;
   #selection;
   #pill = make('p', { className: 'pill' });
-  #facts = make('p', { className: 'facts' });
+  #summary = make('p', { className: 'summary' });
   #picture = new Canvas(() => this.drawPicture());
   #timeline = new Canvas(() => this.#drawTimeline());
   #veilTitle = make('strong');
@@ -75,11 +75,11 @@ export class CameraView {
   }
 
   /** One word for its state, and details. */
-  setState(state, text, facts) {
+  setState(state, text, summary) {
     this.section.dataset.state = state;
     this.#pill.dataset.state = state;
     this.#pill.textContent = text;
-    this.#facts.replaceChildren(...facts.map((fact) => make('span', {}, fact)));
+    this.#summary.replaceChildren(...summary.map((item) => make('span', {}, item)));
   }
 
   /** The problem, over the picture, which is not up to date then; nothing when `problem` is empty. */
@@ -187,7 +187,7 @@ export class CameraView {
     this.#picture.element.style.aspectRatio = aspect;
     picture.append(this.#picture.element, this.#veil);
     return make('section', { className: 'camera', ariaLabel: title },
-      make('header', {}, make('h2', {}, title), this.#pill, this.#facts),
+      make('header', {}, make('h2', {}, title), this.#pill, this.#summary),
       make('div', { className: 'content' },
         picture,
         make('div', { className: 'side' },

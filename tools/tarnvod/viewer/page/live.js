@@ -20,7 +20,7 @@ export class LivePage {
   #past = null;
   #statesSeen = 0;
   #dropped = 0;
-  #newsShown = '';
+  #statusChangesShown = '';
   #paused = false;
 
   constructor(setup) {
@@ -95,19 +95,19 @@ export class LivePage {
     this.#past = { cameras: [] };
   }
 
-  #setState({ cameras, news }) {
+  #setState({ cameras, statusChanges }) {
     this.#statesSeen += 1;
     if (this.#statesSeen > 1) {
       this.#takeOverPast();
     }
     this.#setConnection('receiving', 'connected');
     cameras.forEach((state) => this.#cameras.get(state.camera).setState(state));
-    const texts = JSON.stringify(news.map(({ text }) => text));
-    if (texts !== this.#newsShown) {
-      this.#newsShown = texts;
-      byId('news-section').hidden = news.length === 0;
+    const texts = JSON.stringify(statusChanges.map(({ text }) => text));
+    if (texts !== this.#statusChangesShown) {
+      this.#statusChangesShown = texts;
+      byId('status-changes-section').hidden = statusChanges.length === 0;
       const now = clock();
-      listEntries(byId('news'), news.map(({ secondsAgo, text }) => ({ when: clockText(now - secondsAgo), text })).reverse());
+      listEntries(byId('status-changes'), statusChanges.map(({ secondsAgo, text }) => ({ when: clockText(now - secondsAgo), text })).reverse());
     }
   }
 

@@ -77,7 +77,7 @@ export class LiveCamera {
   refresh() {
     this.#history.forget(clock());
     const [state, text] = this.#stateText();
-    this.view.setState(state, text, this.#facts());
+    this.view.setState(state, text, this.#summary());
     const problem = this.#connected ? this.#state?.problem ?? '' : 'Reconnecting…';
     this.view.setProblem(this.#connected ? 'No frames' : 'No connection to tarnvod view', problem);
     this.#choose();
@@ -107,21 +107,21 @@ export class LiveCamera {
     return state ? [state, texts[state]] : ['connecting', 'connecting'];
   }
 
-  #facts() {
+  #summary() {
     if (!this.#state) {
       return [];
     }
     const { frames, framesPerSecond, interruptions } = this.#state;
-    const facts = [`${framesPerSecond.toFixed(1)} frames/s`, this.#ageText(), counted(frames, 'frame')];
+    const summary = [`${framesPerSecond.toFixed(1)} frames/s`, this.#ageText(), counted(frames, 'frame')];
     if (interruptions > 0) {
-      facts.push(counted(interruptions, 'interruption'));
+      summary.push(counted(interruptions, 'interruption'));
     }
     if (this.#pausedAt !== null) {
-      facts.push(`paused, ${counted(this.#passed, 'frame')} since`);
+      summary.push(`paused, ${counted(this.#passed, 'frame')} since`);
     } else if (this.#delay() > longestDelay) {
-      facts.push(`picture ${seconds(this.#delay())} behind`);
+      summary.push(`picture ${seconds(this.#delay())} behind`);
     }
-    return facts;
+    return summary;
   }
 
   /** How far the last picture was behind when it was drawn. In seconds. */

@@ -63,7 +63,7 @@ export class RecordingPage {
     this.#playing = !this.#playing;
     byId('pause').textContent = this.#playing ? 'Pause' : 'Play';
     this.#markStart();
-    this.#showFacts();
+    this.#showSummary();
     if (this.#playing) {
       requestAnimationFrame(() => this.#advance());
     } else {
@@ -187,7 +187,7 @@ export class RecordingPage {
 
   async #show() {
     const index = this.#index;
-    this.#showFacts();
+    this.#showSummary();
     if (this.#times.length === 0) {
       return;
     }
@@ -223,7 +223,7 @@ export class RecordingPage {
     }
   }
 
-  #showFacts() {
+  #showSummary() {
     const { seconds: duration, framesPerSecond } = this.#overview;
     const place = `frame ${this.#times.length === 0 ? 0 : this.#index + 1} of ${this.#times.length}`;
     const time = `${(this.#times[this.#index] ?? 0).toFixed(1)} of ${seconds(duration)}`;

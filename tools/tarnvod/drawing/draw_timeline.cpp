@@ -77,7 +77,7 @@ std::string drawBars(const Track& track, const Tracks& tracks, double top, doubl
 
 }  // namespace
 
-svg::Drawing drawLives(const Tracks& tracks) {
+svg::Drawing drawTimeline(const Tracks& tracks) {
   constexpr double preferredHeight = 700;
   const double count = static_cast<double>(std::max<std::size_t>(1, tracks.tracks.size()));
   const double rowHeight = std::clamp((preferredHeight - axisHeight) / count, smallestRow, greatestRow);

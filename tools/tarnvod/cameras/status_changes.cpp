@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "cameras/camera_news.h"
+#include "cameras/status_changes.h"
 
 #include "base/text.h"
 #include "cameras/service.h"
@@ -40,7 +40,7 @@ std::string problemOf(const VOD::CameraStatus& status, Clock::time_point now) {
   return silence + status.reason + "; trying again every 1 s";
 }
 
-std::optional<std::string> CameraNews::next(const VOD::CameraStatus& status, Clock::time_point now) {
+std::optional<std::string> StatusChanges::next(const VOD::CameraStatus& status, Clock::time_point now) {
   // To be set up is not enough: all is well again once a frame has come.
   const bool isBack = status.state == VOD::CameraState::Receiving;
   if (isSame(status) || (isBack && status.lastFrame == lastFrame_)) {
@@ -52,7 +52,7 @@ std::optional<std::string> CameraNews::next(const VOD::CameraStatus& status, Clo
   return "camera " + std::to_string(status.camera) + ": " + (isBack ? framesAreBack(status) : problemOf(status, now));
 }
 
-bool CameraNews::isSame(const VOD::CameraStatus& status) const {
+bool StatusChanges::isSame(const VOD::CameraStatus& status) const {
   return status.state == state_ && status.reason == reason_;
 }
 

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#ifndef TARNVOD_COMMAND_CAMERA_NEWS_H
-#define TARNVOD_COMMAND_CAMERA_NEWS_H
+#ifndef TARNVOD_COMMAND_STATUS_CHANGES_H
+#define TARNVOD_COMMAND_STATUS_CHANGES_H
 
 #include "base/clock.h"
 
@@ -17,7 +17,7 @@ namespace tarn::command {
 std::string problemOf(const VOD::CameraStatus& status, Clock::time_point now);
 
 /** Notices changes of a camera's state and reports each once. */
-class CameraNews {
+class StatusChanges {
  public:
   /** One line, when something has changed since the last call. */
   std::optional<std::string> next(const VOD::CameraStatus& status, Clock::time_point now);

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "endurance/campaign/scenery.h"
+#include "endurance/campaign/test_data.h"
 
 #include <tarnvod/video_object_detection.pb.h>
 

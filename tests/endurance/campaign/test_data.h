@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#ifndef TARNVOD_TESTS_ENDURANCE_CAMPAIGN_SCENERY_H
-#define TARNVOD_TESTS_ENDURANCE_CAMPAIGN_SCENERY_H
+#ifndef TARNVOD_TESTS_ENDURANCE_CAMPAIGN_TEST_DATA_H
+#define TARNVOD_TESTS_ENDURANCE_CAMPAIGN_TEST_DATA_H
 
 #include <cstdint>
 #include <functional>
