@@ -4,10 +4,10 @@
 #ifndef TARNVOD_COMMAND_DRAWING_H
 #define TARNVOD_COMMAND_DRAWING_H
 
-#include "drawing/box.h"
 #include "drawing/svg.h"
 #include "recordings/detector.h"
 #include "recordings/recording_scan.h"
+#include "records/box.h"
 
 #include <cstdint>
 #include <map>

@@ -64,7 +64,7 @@ std::string_view replacementOf(char character) {
   }
 }
 
-/** U+FFFE and U+FFFF are no characters in XML. */
+/** U+FFFE and U+FFFF are not valid characters in XML. */
 bool startsWithNonCharacter(std::string_view text) {
   return text.substr(0, 3) == "\xEF\xBF\xBE" || text.substr(0, 3) == "\xEF\xBF\xBF";
 }
