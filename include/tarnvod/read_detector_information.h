@@ -23,7 +23,7 @@ namespace tarn::VOD {
  *
  * @param subscriber  a handle that stays the caller's; it need not be subscribed
  * @return what the service said; an empty message, and a warning in the system log, when it did not answer. Bytes that
- * are not a valid message are no error: the result holds what could be read of them
+ * are not a valid message are not an error: the result holds what could be read of them
  * @throw std::bad_alloc  when memory runs out; nothing else
  */
 TARNVOD_EXPORT ::VOD::DetectorInformation readDetectorInformation(video_object_detection_subscriber_st* subscriber);

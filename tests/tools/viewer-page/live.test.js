@@ -83,7 +83,7 @@ describe('two cameras that are seen live', () => {
     await page.locator('#pause').click();
   });
 
-  test('tell their frames per second and the age of the last frame', async () => {
+  test('show their frames per second and the age of the last frame', async () => {
     await cameraOf(page, 1).getByText(/^(9|10|11)\.\d frames\/s$/).waitFor();
     await cameraOf(page, 1).getByText(/^last frame 0\.\d s ago$/).waitFor();
   });

@@ -16,7 +16,7 @@ import { chromium } from 'playwright-core';
 const { TARNVOD_BUILD: build, TARNVOD_RECORDINGS: recordings, SCREENSHOTS: screenshots } = process.env;
 export const street = join(recordings, 'street');
 
-/** `tarnvod view` beside a service that can be taken down and brought up. */
+/** `tarnvod view` and a service that can be taken down and brought up. */
 export class Viewer {
   static start(...words) {
     return Viewer.startAt('0', ...words);
@@ -111,7 +111,7 @@ export async function look(viewer, { width = 1280, height = 860, address = '', .
 
 export const cameraOf = (page, camera) => page.locator(`.camera[data-camera="${camera}"]`);
 
-/** What is drawn of a camera at this moment: the canvas's size, the frame's time stamp, the rows beside it. */
+/** What is drawn of a camera at this moment: the canvas's size, the frame's time stamp, the rows next to it. */
 export function drawn(page, camera) {
   return cameraOf(page, camera).evaluate((section) => ({
     timestamp: Number(section.dataset.timestamp),

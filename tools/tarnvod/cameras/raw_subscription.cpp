@@ -43,7 +43,7 @@ RawSubscription::RawSubscription(int camera, std::shared_ptr<SceneQueue> scenes)
 }
 
 RawSubscription::~RawSubscription() {
-  // The results say nothing that could be acted on: the process is about to end or to subscribe anew.
+  // The results say nothing that could be acted on: the process is about to end or to subscribe again.
   if (!tap_->dropped) {
     video_object_detection_subscriber_unsubscribe(subscriber_);
   }

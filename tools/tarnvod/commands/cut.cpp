@@ -64,16 +64,15 @@ int cut(const CutOptions& options) {
 Action defineCut(CLI::App& command) {
   const auto options = std::make_shared<CutOptions>();
   command.add_option("recording", options->folder, "The recording's folder")->type_name("DIR")->required();
-  command.add_option("--from", options->from, "The first moment, in seconds from the first frame; default: its start")
+  command.add_option("--from", options->from, "Start, in seconds from the first frame; default: the first frame")
       ->type_name("S")
       ->check(CLI::NonNegativeNumber);
   command
-      .add_option("--to", options->to, "The first moment that is left out, in seconds; default: none, up to the end")
+      .add_option("--to", options->to,
+                  "End, exclusive, in seconds from the first frame; default: the end of the recording")
       ->type_name("S")
       ->check(CLI::NonNegativeNumber);
-  command.add_option("--output", options->output, "The folder that becomes the new recording")
-      ->type_name("DIR")
-      ->required();
+  command.add_option("--output", options->output, "Folder of the new recording")->type_name("DIR")->required();
   return [options] { return cut(*options); };
 }
 

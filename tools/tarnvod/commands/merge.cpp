@@ -59,9 +59,7 @@ Action defineMerge(CLI::App& command) {
   command.add_option("recordings", options->folders, "The recordings' folders, in order")
       ->type_name("DIR ...")
       ->required();
-  command.add_option("--output", options->output, "The folder that becomes the new recording")
-      ->type_name("DIR")
-      ->required();
+  command.add_option("--output", options->output, "Folder of the new recording")->type_name("DIR")->required();
   return [options] { return merge(*options); };
 }
 

@@ -215,10 +215,12 @@ int record(const RecordOptions& options) {
 
 void addKeeping(CLI::App& command, Keeping& keeping) {
   addDuration(command, "--keep", keeping.microseconds,
-              "Keep so much recorded time, like 24h, in segments; the oldest go first");
-  addByteSize(command, "--max-size", keeping.bytes, "Keep so many bytes, like 256M, in segments; the oldest go first");
-  addDuration(command, "--ring", keeping.ring, "Keep only what is around events: so much time before each, like 60s");
-  addDuration(command, "--after", keeping.after, "How long to go on after an event; default 10s");
+              "Keep at most this much recorded time, such as 24h, in segments; the oldest are deleted first");
+  addByteSize(command, "--max-size", keeping.bytes,
+              "Keep at most this many bytes, such as 256M, in segments; the oldest are deleted first");
+  addDuration(command, "--ring", keeping.ring,
+              "Keep only what surrounds events: this much time before each, such as 60s");
+  addDuration(command, "--after", keeping.after, "How long to continue after an event; default 10s");
   command
       .add_option("--on", keeping.events,
                   "The events for --ring: class:NAME, deleted, connected, silence:TIME, signal (SIGUSR1)")
@@ -229,12 +231,11 @@ void addKeeping(CLI::App& command, Keeping& keeping) {
 
 Action defineRecord(CLI::App& command) {
   const auto options = std::make_shared<RecordOptions>();
-  takesCameraNumbers(
-      *command.add_option("--camera", options->cameras, "The cameras, counted from 1; several get a folder each")
-           ->required());
-  command.add_option("--output", options->folder, "The folder that becomes the recording")
-      ->type_name("DIR")
-      ->required();
+  takesCameraNumbers(*command
+                          .add_option("--camera", options->cameras,
+                                      "Cameras, counted from 1; each of several gets a folder of its own")
+                          ->required());
+  command.add_option("--output", options->folder, "Folder of the new recording")->type_name("DIR")->required();
   addLimits(command, options->limits, "End after N frames");
   addKeeping(command, options->keeping);
   return [options] { return record(*options); };

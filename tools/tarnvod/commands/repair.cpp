@@ -88,9 +88,7 @@ Action defineRepair(CLI::App& command) {
   command.add_option("recording", options->folder, "The recording's folder, which stays as it is")
       ->type_name("DIR")
       ->required();
-  command.add_option("--output", options->output, "The folder that becomes the new recording")
-      ->type_name("DIR")
-      ->required();
+  command.add_option("--output", options->output, "Folder of the new recording")->type_name("DIR")->required();
   return [options] { return repair(*options); };
 }
 

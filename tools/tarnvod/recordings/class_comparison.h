@@ -4,7 +4,7 @@
 #ifndef TARNVOD_COMMAND_CLASS_COMPARISON_H
 #define TARNVOD_COMMAND_CLASS_COMPARISON_H
 
-#include "drawing/box.h"
+#include "records/box.h"
 
 #include <cstdint>
 #include <map>

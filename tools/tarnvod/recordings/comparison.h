@@ -4,9 +4,9 @@
 #ifndef TARNVOD_COMMAND_COMPARISON_H
 #define TARNVOD_COMMAND_COMPARISON_H
 
-#include "drawing/box.h"
 #include "recordings/class_comparison.h"
 #include "recordings/recording_scan.h"
+#include "records/box.h"
 #include "records/json.h"
 
 #include <cstdint>

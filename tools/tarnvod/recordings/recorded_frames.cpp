@@ -29,7 +29,7 @@ SceneNames namesOf(const std::filesystem::path& folder) {
   try {
     return SceneNames(vod::recording::readDetectorInformation(folder));
   } catch (const vod::recording::RecordingError&) {
-    return {};  // the overview tells of it as damage; objects then have the numbers of their classes
+    return {};  // the overview lists it as damage; objects are then labelled with class numbers
   }
 }
 
@@ -69,7 +69,7 @@ void RecordedFrames::scan() {
     return places_.size() < mostFrames && !stopRequested();
   };
   parts_ = vod::recording::partsOf(folder_);
-  DamageList damage;  // the overview tells of it
+  DamageList damage;  // listed by the overview
   scanRecording(folder_, visit, damage);
   overview_["frameSeconds"] = std::move(seconds);
   overview_["eventList"] = std::move(events);

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "drawing/box.h"
+#include "records/box.h"
 
 #include "base/errors.h"
 #include "base/options.h"
@@ -47,12 +47,12 @@ void BoxOptions::addTo(CLI::App& command) {
   command
       .add_option_function<std::string>(
           "--box", [this, forms](const std::string& name) { form_ = forms.at(name); },
-          "What the four numbers of a box are: 'corners' (left, top, right, bottom; the default) or 'size' (left, top, "
+          "Meaning of a box's four numbers: 'corners' (left, top, right, bottom; the default) or 'size' (left, top, "
           "width, height)")
       ->type_name("corners|size")
       ->check(CLI::IsMember({"corners", "size"}));
   addFourNumbers(command, "--range", range_,
-                 "The numbers that stand for the picture's left, upper, right and lower edge; default 0,0,1,1");
+                 "The numbers of the picture's left, upper, right and lower edge; default 0,0,1,1");
 }
 
 BoxConvention BoxOptions::convention() const {

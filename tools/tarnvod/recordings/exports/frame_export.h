@@ -5,9 +5,9 @@
 #define TARNVOD_COMMAND_FRAME_EXPORT_H
 
 #include "base/replaced_file.h"
-#include "drawing/box.h"
 #include "recordings/detector.h"
 #include "recordings/recording_scan.h"
+#include "records/box.h"
 
 #include <cstdint>
 #include <memory>

@@ -56,7 +56,7 @@ export function eventText({ action, objectId, objectIds }, classOf) {
     `${name(objectId)} is ${objectIds.map(name).join(', ')} again`;
 }
 
-/** A list's new entries, each with its time; those of an object can be told by its number. */
+/** A list's new entries, each with its time; those of an object are identified by its number. */
 export function listEntries(list, entries) {
   list.replaceChildren(...entries.map(({ when, text, objectId }) => {
     const entry = make('li', {}, make('time', {}, when), ` ${text}`);
