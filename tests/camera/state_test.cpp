@@ -4,8 +4,8 @@
 // What a camera reports of itself.
 
 #include "camera/camera_test.h"
+#include "support/printed.h"
 
-#include <sstream>
 #include <stdexcept>
 
 namespace tarn::test {
@@ -18,13 +18,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using testing::SizeIs;
-
-template <typename Value>
-std::string printed(const Value& value) {
-  std::ostringstream text;
-  text << value;
-  return text.str();
-}
 
 using ACamera = CameraTest;
 

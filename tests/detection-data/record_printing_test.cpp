@@ -1,20 +1,15 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+#include "support/printed.h"
+
 #include <gtest/gtest.h>
 #include <tarnvod/detection_data.h>
-
-#include <sstream>
 
 namespace tarn::VOD {
 namespace {
 
-template <typename Value>
-std::string printed(const Value& value) {
-  std::ostringstream out;
-  out << value;
-  return out.str();
-}
+using test::printed;
 
 TEST(AnEventAction, PrintsItsNameOrItsNumber) {
   EXPECT_EQ(printed(EventAction::Delete), "Delete");

@@ -1,21 +1,16 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+#include "support/printed.h"
+
 #include <gtest/gtest.h>
 #include <tarnvod/detector_information.h>
 #include <tarnvod/video_object_detection.pb.h>
 
-#include <sstream>
-
 namespace tarn::VOD {
 namespace {
 
-template <typename Value>
-std::string printed(const Value& value) {
-  std::ostringstream out;
-  out << value;
-  return out.str();
-}
+using test::printed;
 
 TEST(AComputeChip, PrintsItsNameOrItsNumber) {
   const char* const names[] = {"CHIP_UNKNOWN",
