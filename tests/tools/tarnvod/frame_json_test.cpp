@@ -35,18 +35,20 @@ Data detectionNamed(const std::string& name) {
 }
 
 void expectTheTextOfValues(const DetectionData& frame) {
-  EXPECT_EQ(frameJson(frame, 3) + '\n', oneLine(toJson(frame, 3)));
+  const std::string schema = R"({"schema":"tarnvod.frame/1",)";
+  EXPECT_EQ(frameJson(frame, 3) + '\n', schema + oneLine(toJson(frame, 3)).substr(1));
 }
 
 TEST(AFrameWrittenDirectly, HasAllFieldsInTheirOrder) {
   const DetectionData frame{100000, {detectionNamed("car")}, {{EventAction::Connect, 7, {9, -1}}}};
 
-  EXPECT_EQ(frameJson(frame, 1),
-            R"({"camera":1,"timestamp":100000,"detections":[{"coord1":0.0,"coord2":0.0,"coord3":0.0,"coord4":0.0,)"
-            R"("objectId":7,"className":"car","score":80,"status":"Untracked","attributes":[{"typeName":"car",)"
-            R"("className":"car","score":5},{"typeName":"hat","className":null,"score":null}],)"
-            R"("classifications":[{"className":"car","score":null}]}],)"
-            R"("events":[{"action":"Connect","objectId":7,"objectIds":[9,-1]}]})");
+  EXPECT_EQ(
+      frameJson(frame, 1),
+      R"({"schema":"tarnvod.frame/1","camera":1,"timestamp":100000,"detections":[{"coord1":0.0,)"
+      R"("coord2":0.0,"coord3":0.0,"coord4":0.0,"objectId":7,"className":"car","score":80,"status":"Untracked","attributes":[{"typeName":"car",)"
+      R"("className":"car","score":5},{"typeName":"hat","className":null,"score":null}],)"
+      R"("classifications":[{"className":"car","score":null}]}],)"
+      R"("events":[{"action":"Connect","objectId":7,"objectIds":[9,-1]}]})");
   expectTheTextOfValues(frame);
 }
 
@@ -66,6 +68,19 @@ TEST(AFrameWrittenDirectly, HasTheTextsOfValues) {
 
 TEST(AFrameWrittenDirectly, MayBeEmpty) {
   expectTheTextOfValues({0, {}, {}});
+}
+
+TEST(AFrameInAnEnvelope, GainsFieldsAndKeepsTheOthers) {
+  const DetectionData frame{100000, {detectionNamed("car")}, {}};
+  const std::string plain = frameJson(frame, 2);
+
+  const std::string text = frameJson(frame, {"north", "gate", "0123456789abcdef"}, {2, 7, 1700000000000001, true});
+
+  const std::string head = R"({"schema":"tarnvod.frame/1",)";
+  EXPECT_EQ(text, head +
+                      R"("site":"north","device":"gate","start":"0123456789abcdef","sequence":7,)"
+                      R"("arrival":1700000000000001,"clockSet":true,)" +
+                      plain.substr(head.size()));
 }
 
 }  // namespace

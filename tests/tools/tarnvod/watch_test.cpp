@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+#include "schema_check.h"
 #include "situations.h"
 
 #include <gmock/gmock.h>
@@ -47,6 +48,7 @@ TEST_F(Watch, AsJsonShowsTheRecordsFieldByField) {
 
   EXPECT_EQ(outcome.exitCode, 0);
   const json frame = json::parse(outcome.output);
+  EXPECT_EQ(frame["schema"], "tarnvod.frame/1");
   EXPECT_EQ(frame["camera"], 2);
   EXPECT_EQ(frame["timestamp"], 0);
   EXPECT_EQ(frame["events"], json::array());
@@ -74,6 +76,22 @@ TEST_F(Watch, AsJsonShowsNumbersThatReadBackAsTheSame) {
   }
   EXPECT_THAT(lines[0], HasSubstr("\"coord1\":0.1,"));
   EXPECT_EQ(json::parse(lines[10])["events"], (json{{{"action", "Connect"}, {"objectId", 7}, {"objectIds", {9}}}}));
+}
+
+TEST_F(Watch, AsJsonPrintsWhatTheSchemaSays) {
+  const test::Outcome outcome = test::run({"watch", "--camera", "1", "--frames", "20", "--json"}, playing("20"));
+
+  EXPECT_TRUE(test::matchSchemas(outcome.output));
+}
+
+TEST(TheSchemaOfFrames, RejectsOneThatLacksAField) {
+  EXPECT_FALSE(test::matchSchemas(R"({"schema":"tarnvod.frame/1","camera":1,"timestamp":1,"detections":[]})"));
+}
+
+TEST(TheSchemaOfFrames, RejectsAnEnvelopeThatLacksAField) {
+  const std::string start = R"({"schema":"tarnvod.frame/1","camera":1,"timestamp":1,"detections":[],"events":[])";
+  EXPECT_TRUE(test::matchSchemas(start + "}"));
+  EXPECT_FALSE(test::matchSchemas(start + R"(,"sequence":1})"));
 }
 
 TEST_F(Watch, OfSeveralCamerasShowsEach) {

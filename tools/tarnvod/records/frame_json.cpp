@@ -101,17 +101,44 @@ void write(Writer& writer, const Record& record) {
   writer.EndObject();
 }
 
-}  // namespace
+template <typename Value>
+void write(Writer& writer, const char* name, const Value& value) {
+  writer.Key(name);
+  write(writer, value);
+}
 
-std::string frameJson(const VOD::DetectionData& frame, int camera) {
+/** A frame's object; `writeHead` adds members behind the schema. */
+template <typename WriteHead>
+std::string frameObject(const VOD::DetectionData& frame, int camera, WriteHead writeHead) {
   rapidjson::StringBuffer buffer;
   Writer writer(buffer);
   writer.StartObject();
-  writer.Key("camera");
-  write(writer, camera);
+  writer.Key("schema");
+  writer.String(frameSchema);
+  writeHead(writer);
+  write(writer, "camera", camera);
   writeMembers(writer, frame);
   writer.EndObject();
   return {buffer.GetString(), buffer.GetSize()};
+}
+
+}  // namespace
+
+std::string frameJson(const VOD::DetectionData& frame, int camera) {
+  return frameObject(frame, camera, [](Writer&) {});
+}
+
+std::string frameJson(const VOD::DetectionData& frame, const Origin& origin, const Envelope& envelope) {
+  return frameObject(frame, envelope.camera, [&](Writer& writer) {
+    write(writer, "site", origin.site);
+    write(writer, "device", origin.device);
+    write(writer, "start", origin.start);
+    write(writer, "sequence", envelope.sequence);
+    writer.Key("arrival");
+    writer.Int64(envelope.arrival);
+    writer.Key("clockSet");
+    writer.Bool(envelope.clockSet);
+  });
 }
 
 }  // namespace tarn::command
