@@ -1,15 +1,16 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "base/errors.h"
+#include "base/database.h"
 #include "base/text.h"
 #include "recordings/exports/frame_export.h"
 #include "recordings/scene_record.h"
 
-#include <sqlite3.h>
-
+#include <cstdint>
+#include <memory>
 #include <optional>
-#include <type_traits>
+#include <string>
+#include <vector>
 
 namespace tarn::command {
 namespace {
@@ -39,67 +40,6 @@ CREATE INDEX eventsByFrame ON events (frame);
 COMMIT;
 )";
 
-/** One connection to a database. Failures name the file as the user knows it. */
-class Database {
- public:
-  Database(const std::string& file, std::string name) : name_(std::move(name)) {
-    check(sqlite3_open_v2(file.c_str(), &handle_, SQLITE_OPEN_READWRITE, nullptr));
-  }
-  ~Database() { sqlite3_close(handle_); }
-  Database(const Database&) = delete;
-  Database& operator=(const Database&) = delete;
-
-  void run(const char* statements) { check(sqlite3_exec(handle_, statements, nullptr, nullptr, nullptr)); }
-
-  void check(int result) const {
-    if (result != SQLITE_OK && result != SQLITE_DONE) {
-      throw Failure(name_ + ": " + (handle_ != nullptr ? sqlite3_errmsg(handle_) : sqlite3_errstr(result)));
-    }
-  }
-
-  sqlite3* handle() const { return handle_; }
-
- private:
-  const std::string name_;
-  sqlite3* handle_ = nullptr;
-};
-
-/** A prepared statement that is run with one row of values after the other. */
-class Insertion {
- public:
-  Insertion(const Database& database, const char* statement) : database_(database) {
-    database.check(sqlite3_prepare_v2(database.handle(), statement, -1, &statement_, nullptr));
-  }
-  ~Insertion() { sqlite3_finalize(statement_); }
-  Insertion(const Insertion&) = delete;
-  Insertion& operator=(const Insertion&) = delete;
-
-  template <typename... Values>
-  void add(const Values&... values) {
-    int position = 0;
-    (database_.check(bind(++position, values)), ...);
-    database_.check(sqlite3_step(statement_));
-    database_.check(sqlite3_reset(statement_));
-  }
-
- private:
-  template <typename Number>
-  std::enable_if_t<std::is_integral_v<Number>, int> bind(int position, Number number) {
-    return sqlite3_bind_int64(statement_, position, static_cast<sqlite3_int64>(number));
-  }
-  int bind(int position, float number) { return sqlite3_bind_double(statement_, position, number); }
-  int bind(int position, const std::string& text) {
-    return sqlite3_bind_text(statement_, position, text.data(), static_cast<int>(text.size()), SQLITE_TRANSIENT);
-  }
-  template <typename Value>
-  int bind(int position, const std::optional<Value>& value) {
-    return value ? bind(position, *value) : sqlite3_bind_null(statement_, position);
-  }
-
-  const Database& database_;
-  sqlite3_stmt* statement_ = nullptr;
-};
-
 class SqliteExport : public FrameExport {
  public:
   SqliteExport(const std::string& path, const SceneNames& names)
@@ -120,12 +60,12 @@ class SqliteExport : public FrameExport {
       wallClock = scanned.arrival->wallClock;
       monotonic = scanned.arrival->monotonic;
     }
-    frames_->add(scanned.number, frame.timestamp, wallClock, monotonic);
+    frames_->run(scanned.number, frame.timestamp, wallClock, monotonic);
     for (const VOD::Data& detection : frame.detections) {
       add(scanned.number, detection);
     }
     for (const VOD::VodEvent& event : frame.events) {
-      events_->add(scanned.number, nameOf(event.action), event.objectId, listOf(event.objectIds));
+      events_->run(scanned.number, nameOf(event.action), event.objectId, listOf(event.objectIds));
     }
   }
 
@@ -137,13 +77,13 @@ class SqliteExport : public FrameExport {
  private:
   void add(std::uint64_t frame, const VOD::Data& detection) {
     ++number_;
-    detections_->add(number_, frame, detection.objectId, detection.className, detection.score, nameOf(detection.status),
+    detections_->run(number_, frame, detection.objectId, detection.className, detection.score, nameOf(detection.status),
                      detection.coord1, detection.coord2, detection.coord3, detection.coord4);
     for (const VOD::Attribute& attribute : detection.attributes) {
-      attributes_->add(number_, attribute.typeName, attribute.className, attribute.score);
+      attributes_->run(number_, attribute.typeName, attribute.className, attribute.score);
     }
     for (const VOD::Classification& classification : detection.classifications) {
-      classifications_->add(number_, classification.className, classification.score);
+      classifications_->run(number_, classification.className, classification.score);
     }
   }
 
@@ -159,11 +99,11 @@ class SqliteExport : public FrameExport {
   const SceneNames& names_;
   ReplacedFile file_;
   Database database_;
-  std::optional<Insertion> frames_;
-  std::optional<Insertion> detections_;
-  std::optional<Insertion> attributes_;
-  std::optional<Insertion> classifications_;
-  std::optional<Insertion> events_;
+  std::optional<Statement> frames_;
+  std::optional<Statement> detections_;
+  std::optional<Statement> attributes_;
+  std::optional<Statement> classifications_;
+  std::optional<Statement> events_;
   std::int64_t number_ = 0;
 };
 
