@@ -5,8 +5,9 @@
 
 # The packages to build the library, the host platform and the command; and those to build everything, with tests and fuzzers.
 readonly command_packages=(cmake ninja-build g++ pkgconf protobuf-compiler libprotobuf-dev libcli11-dev libmicrohttpd-dev
-  libfmt-dev libsqlite3-dev libutfcpp-dev nlohmann-json3-dev rapidjson-dev zlib1g-dev)
-readonly build_packages=("${command_packages[@]}" libgtest-dev libgmock-dev python3 python3-jsonschema)
+  libfmt-dev libmosquitto-dev libsqlite3-dev libutfcpp-dev nlohmann-json3-dev rapidjson-dev zlib1g-dev)
+readonly build_packages=("${command_packages[@]}" libgtest-dev libgmock-dev mosquitto python3
+  python3-jsonschema)
 
 is_installed() {
   [[ $(dpkg-query --show --showformat='${db:Status-Status}' "$1" 2>/dev/null) == installed ]]

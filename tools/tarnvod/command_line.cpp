@@ -44,6 +44,11 @@ constexpr Subcommand subcommands[] = {
 #ifdef TARNVOD_WITH_VIEWER
     {"view", "Show what cameras see, or a recording, in a browser", defineView},
 #endif
+#ifdef TARNVOD_WITH_FLEET
+    {"publish", "Send what cameras see to a message broker", definePublish},
+    {"collect", "Store what the cameras of a fleet send in a database", defineCollect},
+    {"audit", "Account for every frame of a fleet: stored, dropped, missing, late", defineAudit},
+#endif
 };
 
 using Actions = std::map<const CLI::App*, Action>;

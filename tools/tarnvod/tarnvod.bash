@@ -24,10 +24,13 @@ _tarnvod() {
     [repair]="--output --help"
     [render]="--output --frame --box --range --aspect --background --detector --help"
     [view]="--camera --class --all-classes --roi --recording --background --port --address --box --range --aspect --help"
+    [publish]="--site --device --spool --spool-size --until-stored --every --changes --camera --class --all-classes --roi --frames --seconds --host --port --cafile --cert --key --user --password-file --keepalive --help"
+    [collect]="--site --name --host --port --cafile --cert --key --user --password-file --keepalive --help"
+    [audit]="--json --late --from-first --help"
   )
   COMPREPLY=()
   if [[ $COMP_CWORD -eq 1 ]]; then
-    mapfile -t COMPREPLY < <(compgen -W "info watch record inspect export cut merge repair compare render view --help --version" -- "$current")
+    mapfile -t COMPREPLY < <(compgen -W "info watch record inspect export cut merge repair compare render view publish collect audit --help --version" -- "$current")
     return
   fi
   case $previous in
@@ -47,20 +50,20 @@ _tarnvod() {
       mapfile -t COMPREPLY < <(compgen -W "$(_tarnvod_cameras)" -- "$current")
       return
       ;;
-    --file | --output | --background | --detector | --recording)
+    --file | --output | --spool | --cafile | --cert | --key | --password-file | --background | --detector | --recording)
       compopt -o filenames
       mapfile -t COMPREPLY < <(compgen -f -- "$current")
       return
       ;;
-    --class | --roi | --from | --to | --keep | --max-size | --ring | --after | --iou | --tolerance | --mota | --idf1 | --size | --frames | --seconds | --frame | --range | --aspect | --port | --address)
+    --class | --roi | --from | --to | --keep | --max-size | --ring | --after | --iou | --tolerance | --mota | --idf1 | --size | --frames | --seconds | --frame | --range | --aspect | --port | --address | --site | --device | --name | --spool-size | --every | --late | --host | --user | --keepalive)
       return
       ;;
   esac
   if [[ $current == -* ]]; then
     mapfile -t COMPREPLY < <(compgen -W "${options[${COMP_WORDS[1]}]:-}" -- "$current")
-  elif [[ ${COMP_WORDS[1]} == watch ]]; then
+  elif [[ ${COMP_WORDS[1]} == @(watch|publish) ]]; then
     mapfile -t COMPREPLY < <(compgen -W "$(_tarnvod_cameras)" -- "$current")
-  elif [[ " inspect export cut merge repair compare render view " == *" ${COMP_WORDS[1]} "* ]]; then
+  elif [[ " inspect export cut merge repair compare render view collect audit " == *" ${COMP_WORDS[1]} "* ]]; then
     compopt -o filenames
     mapfile -t COMPREPLY < <(compgen -f -- "$current")
   fi

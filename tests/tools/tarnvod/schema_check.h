@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#ifndef TARNVOD_TESTS_COMMAND_SCHEMA_CHECK_H
-#define TARNVOD_TESTS_COMMAND_SCHEMA_CHECK_H
+#ifndef TARNVOD_TESTS_TOOLS_TARNVOD_SCHEMA_CHECK_H
+#define TARNVOD_TESTS_TOOLS_TARNVOD_SCHEMA_CHECK_H
 
 #include <gtest/gtest.h>
 

@@ -29,7 +29,7 @@ def main():
         if name not in validators:
             validators[name] = validator_for(folder, name)
         for error in validators[name].iter_errors(message):
-            sys.exit(f"{error.message}\nin: {line}")
+            sys.exit(f"{error.message} in {line}")
         count += 1
     print(count)
 

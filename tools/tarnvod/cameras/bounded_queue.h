@@ -33,8 +33,8 @@ class BoundedQueue {
  public:
   explicit BoundedQueue(QueueCapacity capacity) : capacity_(capacity) {}
 
-  /** Adds a value, or drops it when there is no room. @param bytes  the memory that the value takes */
-  void push(Value value, std::size_t bytes) {
+  /** Adds a value, or drops it when there is no room; returns whether it was added. @param bytes  the memory of the value */
+  bool push(Value value, std::size_t bytes) {
     Lock lock(mutex_);
     const auto hasRoom = [&]() TARNVOD_REQUIRES(mutex_) {
       return waiting_.empty() || (waiting_.size() < capacity_.values && bytes_ + bytes <= capacity_.bytes);
@@ -44,12 +44,13 @@ class BoundedQueue {
     }
     if (!hasRoom()) {
       ++dropped_;
-      return;
+      return false;
     }
     readerIsBehind_ = false;
     waiting_.push_back({std::move(value), bytes});
     bytes_ += bytes;
     filled_.notify_one();
+    return true;
   }
 
   /** Takes the oldest value; nothing if none came in time. */

@@ -31,6 +31,10 @@ Action defineCompare(CLI::App& command);
 Action defineRender(CLI::App& command);
 /** Only where the viewer was built. */
 Action defineView(CLI::App& command);
+/** Only where the fleet was built, like the next two. */
+Action definePublish(CLI::App& command);
+Action defineCollect(CLI::App& command);
+Action defineAudit(CLI::App& command);
 
 }  // namespace tarn::command
 

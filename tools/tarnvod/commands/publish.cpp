@@ -1,0 +1,222 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#include "base/errors.h"
+#include "base/options.h"
+#include "base/output.h"
+#include "base/service_manager.h"
+#include "base/stop_signal.h"
+#include "base/unit_options.h"
+#include "base/wall_clock.h"
+#include "cameras/camera_options.h"
+#include "cameras/service.h"
+#include "commands/subcommands.h"
+#include "fleet/broker_options.h"
+#include "fleet/fleet_options.h"
+#include "fleet/published_camera.h"
+#include "fleet/sender.h"
+#include "records/frame_json.h"
+
+#include <CLI/CLI.hpp>
+#include <recording/recording.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdint>
+#include <deque>
+#include <iterator>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace tarn::command {
+namespace {
+
+constexpr std::uint64_t usualSpool = 64U << 20U;
+constexpr std::uint64_t smallestSpool = 64U << 10U;
+constexpr std::chrono::milliseconds tickPeriod{50};
+constexpr std::chrono::seconds statusPeriod{10};
+/** Enough for a short stall of the disk. */
+constexpr QueueCapacity queueCapacity{256, 16U << 20U};
+
+struct PublishOptions {
+  CameraOptions cameras;
+  Limits limits;
+  BrokerOptions broker;
+  std::string site;
+  std::string device;
+  std::string spool;
+  std::optional<std::uint64_t> spoolLimit;
+  SelectionOptions selection;
+  bool keepUntilStored = false;
+};
+
+/** Numbers the frames of a device's cameras and puts them into the spool, from which they are sent. */
+class Publisher {
+ public:
+  explicit Publisher(const PublishOptions& options)
+      : options_(options),
+        origin_{options.site, options.device, newStartId()},
+        spoolLimit_(options.spoolLimit.value_or(usualSpool)),
+        numbers_(chosenCameras(options.cameras.cameras)),
+        spool_(options.spool, spoolLimit_),
+        sender_(spool_, origin_, options.broker, options.keepUntilStored) {}
+
+  void run() {
+    for (const int number : numbers_) {
+      cameras_.emplace_back(number, options_.cameras.request(), options_.selection, frames_);
+    }
+    manager_.reportReady();
+    while (!stopRequested() && !options_.limits.reachedBy(Clock::now() - start_) && !hasEnough()) {
+      keepFrames();
+      tick();
+    }
+    end();
+  }
+
+ private:
+  bool hasEnough() const {
+    return options_.limits.frames && std::all_of(cameras_.begin(), cameras_.end(), [this](const auto& camera) {
+             return camera.report().numbered >= *options_.limits.frames;
+           });
+  }
+
+  /** Waits for a frame, a tick at most, and keeps all that have come. */
+  void keepFrames() {
+    auto numbered = frames_.popWithin(tickPeriod);
+    const bool isSome = numbered.has_value();
+    for (; numbered; numbered = frames_.popWithin(std::chrono::milliseconds(0))) {
+      keep(*numbered);
+    }
+    if (isSome) {
+      sender_.wake();
+    }
+  }
+
+  void keep(const NumberedFrame& numbered) {
+    const Envelope& envelope = numbered.envelope;
+    const FrameRange range{envelope.camera, origin_.start, envelope.sequence, envelope.sequence};
+    try {
+      spool_.append({SpoolEntry::Kind::Frame, range, frameJson(*numbered.frame, origin_, envelope)});
+      cameraOf(envelope.camera).noteKept(envelope.sequence);
+      spoolProblem_.clear();
+    } catch (const vod::recording::RecordingError& error) {
+      reportSpoolProblem(error.what());
+      cameraOf(envelope.camera).noteOverflow(envelope.sequence);
+    }
+  }
+
+  PublishedCamera& cameraOf(int number) {
+    return cameras_[static_cast<std::size_t>(std::distance(numbers_.begin(), numbers_.find(number)))];
+  }
+
+  /** Each problem once, until frames can be kept again. */
+  void reportSpoolProblem(const std::string& problem) {
+    if (problem != spoolProblem_) {
+      spoolProblem_ = problem;
+      printMessage("tarnvod: " + problem + "; frames are lost until there is room");
+    }
+  }
+
+  void tick() {
+    const Clock::time_point now = Clock::now();
+    manager_.reportAlive(now);
+    noteOverflow();
+    const auto updates = std::count_if(cameras_.begin(), cameras_.end(), [](auto& camera) { return camera.update(); });
+    if (updates > 0 || now - statusAt_ >= statusPeriod) {
+      statusAt_ = now;
+      sender_.setStatus(status("running"));
+    }
+  }
+
+  void noteOverflow() {
+    for (PublishedCamera& camera : cameras_) {
+      for (FrameRange range : camera.takeOverflow()) {
+        range.start = origin_.start;
+        addRange(overflow_, range);
+      }
+    }
+    try {
+      for (; !overflow_.empty(); overflow_.erase(overflow_.begin())) {
+        spool_.append({SpoolEntry::Kind::Dropped, overflow_.front(), ""});
+      }
+    } catch (const vod::recording::RecordingError& error) {
+      reportSpoolProblem(error.what());
+    }
+  }
+
+  std::string status(const std::string& state) const {
+    PublisherReport report;
+    report.state = state;
+    report.startedAt = startedAt_;
+    for (const PublishedCamera& camera : cameras_) {
+      report.cameras.push_back(camera.report());
+    }
+    report.spool = spool_.figures();
+    report.spoolLimit = spoolLimit_;
+    report.connections = sender_.connections();
+    report.keepsUntilStored = options_.keepUntilStored;
+    return statusJson(origin_, report);
+  }
+
+  void end() {
+    for (PublishedCamera& camera : cameras_) {
+      camera.end();
+    }
+    keepFrames();
+    noteOverflow();
+    sender_.finish([this] { return status("stopped"); });
+  }
+
+  const PublishOptions& options_;
+  const Origin origin_;
+  const std::uint64_t spoolLimit_;
+  const std::set<int> numbers_;
+  const Clock::time_point start_ = Clock::now();
+  const std::int64_t startedAt_ = wallTimeNow().microseconds;
+  Spool spool_;
+  Sender sender_;
+  ServiceManager manager_;
+  Clock::time_point statusAt_;
+  std::string spoolProblem_;
+  std::vector<FrameRange> overflow_;
+  NumberedFrames frames_{queueCapacity};
+  std::deque<PublishedCamera> cameras_;  // after the queue, which their frames go to
+};
+
+int publish(const PublishOptions& options) {
+  if (options.spoolLimit && *options.spoolLimit < smallestSpool) {
+    throw UsageError("--spool-size: the spool needs at least 64K");
+  }
+  Publisher(options).run();
+  return success;
+}
+
+}  // namespace
+
+Action definePublish(CLI::App& command) {
+  const auto options = std::make_shared<PublishOptions>();
+  addFleetName(command, "--site", options->site, "Name of the site, for topics and messages")->required();
+  addFleetName(command, "--device", options->device, "Name of the device, different from all others of the site")
+      ->required();
+  command.add_option("--spool", options->spool, "Folder for frames that have not been sent")
+      ->type_name("DIR")
+      ->required();
+  addByteSize(command, "--spool-size", options->spoolLimit,
+              "Bytes that the folder may take, like 256M (default 64M); the oldest frames go first");
+  command.add_flag("--until-stored", options->keepUntilStored,
+                   "Keep each frame until a collector has reported that it is stored");
+  CLI::Option* changes = command.add_flag("--changes", options->selection.changesOnly,
+                                          "Only frames with events or other objects than the one sent before");
+  CLI::Option* every = command.add_option("--every", options->selection.every, "Only one of N frames");
+  takesFrameNumbers(*every);
+  every->excludes(changes);
+  addBrokerOptions(command, options->broker);
+  addCameraOptions(command, options->cameras, "camera,--camera");
+  addLimits(command, options->limits, "End after N frames of each camera");
+  return [options] { return publish(*options); };
+}
+
+}  // namespace tarn::command

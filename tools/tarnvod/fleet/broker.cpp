@@ -1,0 +1,197 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#include "fleet/broker.h"
+
+#include "base/clock.h"
+
+#include <mosquitto.h>
+#include <poll.h>
+
+#include <array>
+#include <cerrno>
+#include <system_error>
+#include <utility>
+
+namespace tarn::command {
+namespace {
+
+constexpr int qualityOfService = 1;
+constexpr std::chrono::seconds answerTime{10};
+constexpr std::chrono::milliseconds step{50};
+
+/** The library's own state, which all connections share. */
+void initializeLibrary() {
+  struct Library {
+    Library() { mosquitto_lib_init(); }
+    ~Library() { mosquitto_lib_cleanup(); }
+  };
+  static const Library library;
+}
+
+std::string textOf(int result) {
+  return result == MOSQ_ERR_ERRNO ? std::generic_category().message(errno) : mosquitto_strerror(result);
+}
+
+}  // namespace
+
+/** What the library calls; an exception must not pass through it. */
+struct Broker::Callbacks {
+  static Broker& of(void* object) { return *static_cast<Broker*>(object); }
+
+  static void onConnect(mosquitto* /*client*/, void* object, int answer) {
+    if (answer == 0) {
+      of(object).isConnected_ = true;
+    } else {
+      of(object).problem_ = mosquitto_connack_string(answer);
+    }
+  }
+  static void onDisconnect(mosquitto* /*client*/, void* object, int reason) {
+    Broker& broker = of(object);
+    broker.isConnected_ = false;
+    if (broker.problem_.empty()) {
+      broker.problem_ = reason == 0 ? "disconnected" : textOf(reason);
+    }
+  }
+  static void onSubscribe(mosquitto* /*client*/, void* object, int /*id*/, int count, const int* granted) {
+    for (int index = 0; index < count; ++index) {
+      if (granted[index] > 2) {
+        of(object).problem_ = "the subscription is refused";
+      }
+    }
+    of(object).isSubscribed_ = true;
+  }
+  static void onPublish(mosquitto* /*client*/, void* object, int id) {
+    of(object).guarded([&] { of(object).onTaken_(id); });
+  }
+  static void onMessage(mosquitto* /*client*/, void* object, const mosquitto_message* message) {
+    const std::string_view payload(static_cast<const char*>(message->payload),
+                                   static_cast<std::size_t>(message->payloadlen));
+    of(object).guarded([&] { of(object).onMessage_({message->topic, payload}); });
+  }
+};
+
+Broker::Broker(const BrokerOptions& options, const BrokerClient& client, OnMessage onMessage, OnTaken onTaken)
+    : name_(options.name()), options_(options), onMessage_(std::move(onMessage)), onTaken_(std::move(onTaken)) {
+  initializeLibrary();
+  client_ = mosquitto_new(client.id.c_str(), !client.keepsSession, this);
+  if (client_ == nullptr) {
+    throw Failure(name_ + ": " + textOf(MOSQ_ERR_ERRNO));
+  }
+  // The sender of messages bounds them.
+  mosquitto_int_option(client_, MOSQ_OPT_SEND_MAXIMUM, 65535);
+  if (const auto password = options.password(); options.user) {
+    check(mosquitto_username_pw_set(client_, options.user->c_str(), password ? password->c_str() : nullptr), "--user");
+  }
+  setUpTls(options);
+  if (const auto& will = client.will) {
+    check(mosquitto_will_set(client_, will->topic.c_str(), static_cast<int>(will->payload.size()), will->payload.data(),
+                             qualityOfService, true),
+          "the last will");
+  }
+  mosquitto_connect_callback_set(client_, Callbacks::onConnect);
+  mosquitto_disconnect_callback_set(client_, Callbacks::onDisconnect);
+  mosquitto_subscribe_callback_set(client_, Callbacks::onSubscribe);
+  mosquitto_publish_callback_set(client_, Callbacks::onPublish);
+  mosquitto_message_callback_set(client_, Callbacks::onMessage);
+}
+
+Broker::~Broker() {
+  mosquitto_destroy(client_);
+}
+
+void Broker::setUpTls(const BrokerOptions& options) {
+  if (!options.authorities) {
+    return;
+  }
+  const auto text = [](const std::optional<std::string>& value) { return value ? value->c_str() : nullptr; };
+  check(mosquitto_tls_set(client_, options.authorities->c_str(), nullptr, text(options.certificate), text(options.key),
+                          nullptr),
+        "a file of --cafile, --cert or --key cannot be read");
+}
+
+void Broker::check(int result, const std::string& what) const {
+  if (result != MOSQ_ERR_SUCCESS) {
+    throw BrokerProblem(name_ + ": " + what + ": " + textOf(result));
+  }
+}
+
+void Broker::guarded(const std::function<void()>& call) {
+  try {
+    call();
+  } catch (...) {
+    thrown_ = std::current_exception();
+  }
+}
+
+void Broker::connect(const std::function<bool()>& isCancelled) {
+  check(mosquitto_connect_async(client_, options_.host.c_str(), options_.usedPort(), options_.keepAlive),
+        "cannot connect");
+  waitUntil([this] { return isConnected_; }, isCancelled, "cannot connect");
+}
+
+void Broker::subscribe(const std::vector<std::string>& topics, const std::function<bool()>& isCancelled) {
+  for (const std::string& topic : topics) {
+    isSubscribed_ = false;
+    check(mosquitto_subscribe(client_, nullptr, topic.c_str(), qualityOfService), "cannot subscribe");
+    waitUntil([this] { return isSubscribed_; }, isCancelled, "cannot subscribe to " + topic);
+  }
+}
+
+void Broker::waitUntil(const std::function<bool()>& condition, const std::function<bool()>& isCancelled,
+                       const std::string& what) {
+  const auto deadline = Clock::now() + answerTime;
+  while (!condition() && !isCancelled()) {
+    wait(step);
+    if (problem_.empty() && Clock::now() > deadline) {
+      problem_ = "no answer";
+    }
+    if (!problem_.empty()) {
+      throw BrokerProblem(name_ + ": " + what + ": " + problem_);
+    }
+  }
+}
+
+int Broker::publish(const std::string& topic, std::string_view payload, bool isRetained) {
+  int id = 0;
+  check(mosquitto_publish(client_, &id, topic.c_str(), static_cast<int>(payload.size()), payload.data(),
+                          qualityOfService, isRetained),
+        "cannot publish");
+  return id;
+}
+
+void Broker::wait(std::chrono::milliseconds limit, int wakeUp) {
+  const int socket = mosquitto_socket(client_);
+  if (socket < 0) {
+    handle();
+    return;
+  }
+  const bool wantsWrite = mosquitto_want_write(client_);
+  std::array<pollfd, 2> ends{
+      {{socket, static_cast<short>(wantsWrite ? POLLIN | POLLOUT : POLLIN), 0}, {wakeUp, POLLIN, 0}}};
+  poll(ends.data(), ends.size(), static_cast<int>(limit.count()));
+  handle();
+}
+
+void Broker::handle() {
+  const int result = mosquitto_loop(client_, 0, 1);
+  if (thrown_) {
+    std::rethrow_exception(std::exchange(thrown_, nullptr));
+  }
+  if (result != MOSQ_ERR_SUCCESS) {
+    isConnected_ = false;
+    if (problem_.empty()) {
+      problem_ = textOf(result);
+    }
+  }
+}
+
+void Broker::disconnect() {
+  mosquitto_disconnect(client_);
+  for (const auto deadline = Clock::now() + step; mosquitto_want_write(client_) && Clock::now() < deadline;) {
+    mosquitto_loop(client_, 1, 1);
+  }
+  isConnected_ = false;
+}
+
+}  // namespace tarn::command

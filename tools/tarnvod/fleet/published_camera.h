@@ -1,0 +1,77 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#ifndef TARNVOD_COMMAND_PUBLISHED_CAMERA_H
+#define TARNVOD_COMMAND_PUBLISHED_CAMERA_H
+
+#include "cameras/bounded_queue.h"
+#include "cameras/status_changes.h"
+#include "fleet/messages.h"
+#include "fleet/selection.h"
+
+#include <tarnvod/camera.h>
+
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tarn::command {
+
+/** A frame that has its number, on its way to the spool. */
+struct NumberedFrame {
+  Envelope envelope;
+  std::unique_ptr<VOD::DetectionData> frame;
+};
+
+using NumberedFrames = BoundedQueue<NumberedFrame>;
+
+/** One camera of a publisher, from its construction on. Its functions are for one thread. */
+class PublishedCamera {
+ public:
+  PublishedCamera(int number, const VOD::CameraRequest& request, const SelectionOptions& selection,
+                  NumberedFrames& frames);
+
+  /** Looks at the camera's state; returns whether it has changed. Prints changes for the user. */
+  bool update();
+
+  CameraReport report() const;
+
+  /** Ends the subscription; no more frames come. */
+  void end() { camera_.reset(); }
+
+  /** A frame is in the spool. */
+  void noteKept(std::uint64_t sequence) { kept_ = sequence; }
+
+  /** A frame could not be kept. */
+  void noteOverflow(std::uint64_t sequence);
+
+  /** The frames that could not be kept since the last call; without a start. */
+  std::vector<FrameRange> takeOverflow();
+
+ private:
+  /** On a thread of the platform. */
+  void add(std::unique_ptr<VOD::DetectionData> frame);
+
+  const int number_;
+  NumberedFrames& frames_;
+  StatusChanges statusChanges_;
+  VOD::CameraStatus status_;
+  std::int64_t since_ = 0;
+  std::optional<VOD::DetectorInformation> detector_;
+  std::uint64_t kept_ = 0;
+
+  mutable std::mutex mutex_;  ///< guards what follows, but for the camera
+  Selection selection_;
+  std::uint64_t sequence_ = 0;
+  std::uint64_t overflowed_ = 0;
+  std::vector<FrameRange> overflow_;
+
+  std::optional<VOD::Camera> camera_;  // last, so that it ends first
+};
+
+}  // namespace tarn::command
+
+#endif

@@ -1,0 +1,218 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#include "fleet/sender.h"
+
+#include "base/output.h"
+#include "fleet/messages.h"
+#include "fleet/topics.h"
+
+#include <algorithm>
+#include <exception>
+#include <utility>
+
+namespace tarn::command {
+namespace {
+
+/** Entries that are on their way at once; what bounds the memory. */
+constexpr std::size_t window = 200;
+constexpr std::chrono::seconds retryPause{1};
+constexpr std::chrono::seconds shortestPatience{5};
+constexpr std::chrono::seconds longestPatience{60};
+constexpr std::chrono::seconds timeToEnd{3};
+constexpr std::chrono::milliseconds tick{200};
+
+}  // namespace
+
+Sender::Sender(Spool& spool, const Origin& origin, const BrokerOptions& broker, bool keepUntilStored)
+    : spool_(spool), origin_(origin), options_(broker), keepUntilStored_(keepUntilStored), thread_([this] { run(); }) {}
+
+Sender::~Sender() {
+  {
+    const std::lock_guard lock(mutex_);
+    isEnding_ = true;
+  }
+  ending_.notify_all();
+  wake();
+  if (thread_.joinable()) {
+    thread_.join();
+  }
+}
+
+void Sender::setStatus(std::string text) {
+  {
+    const std::lock_guard lock(mutex_);
+    status_ = std::move(text);
+    statusIsNew_ = true;
+  }
+  wake();
+}
+
+void Sender::finish(std::function<std::string()> makeStatus) {
+  {
+    const std::lock_guard lock(mutex_);
+    makeLastStatus_ = std::move(makeStatus);
+    deadline_ = Clock::now() + timeToEnd;
+    isEnding_ = true;
+  }
+  ending_.notify_all();
+  wake();
+  thread_.join();
+}
+
+void Sender::run() {
+  while (!isEnding_) {
+    try {
+      serve();
+    } catch (const std::exception& problem) {
+      report(problem.what());
+    }
+    waitBeforeRetry();
+  }
+}
+
+void Sender::serve() {
+  const auto isCancelled = [this] { return isEnding_.load(); };
+  Broker broker(
+      options_,
+      {"tarnvod-" + origin_.site + "-" + origin_.device, false,
+       BrokerClient::Will{statusTopic(origin_.site, origin_.device), goneJson(origin_)}},
+      [this](const BrokerMessage& message) { onMessage(message); }, [this](int message) { onTaken(message); });
+  broker.connect(isCancelled);
+  if (keepUntilStored_ && !isEnding_) {
+    broker.subscribe({storedTopic(origin_.site, origin_.device)}, isCancelled);
+  }
+  if (!broker.isConnected()) {
+    return;
+  }
+  ++connections_;
+  report(options_.name() + ": connected");
+  untaken_.clear();
+  unstored_.clear();
+  patience_ = shortestPatience;
+  spool_.rewind();
+  sendStatus(broker);
+  while (broker.isConnected() && !isDone()) {
+    sendEntries(broker);
+    sendOverdueAgain();
+    broker.wait(tick, wakeUp_.descriptor());
+    wakeUp_.clear();
+    const std::lock_guard lock(mutex_);
+    if (statusIsNew_ && !isEnding_) {
+      statusIsNew_ = false;
+      broker.publish(statusTopic(origin_.site, origin_.device), status_, true);
+    }
+  }
+  endInOrder(broker);
+}
+
+void Sender::sendStatus(Broker& broker) {
+  const std::lock_guard lock(mutex_);
+  statusIsNew_ = false;
+  if (!status_.empty()) {
+    lastStatus_ = broker.publish(statusTopic(origin_.site, origin_.device), status_, true);
+  }
+}
+
+void Sender::sendEntries(Broker& broker) {
+  while (untaken_.size() < window && unstored_.size() < window) {
+    const auto given = spool_.next();
+    if (!given) {
+      return;
+    }
+    send(broker, *given);
+  }
+}
+
+void Sender::send(Broker& broker, const Spool::Given& given) {
+  const FrameRange& frames = given.entry.frames;
+  const bool isFrame = given.entry.kind == SpoolEntry::Kind::Frame;
+  const std::string topic = isFrame ? framesTopic(origin_.site, origin_.device, frames.camera)
+                                    : droppedTopic(origin_.site, origin_.device, frames.camera);
+  const int message = broker.publish(topic, isFrame ? given.entry.payload : droppedJson(origin_, frames));
+  if (keepUntilStored_) {
+    unstored_[{given.entry.kind, frames.camera, frames.start, frames.first}] = {given.position, Clock::now()};
+  } else {
+    untaken_[message] = given.position;
+  }
+}
+
+/** A message, or the report of a collector, may be lost with a broker that is restarted. */
+void Sender::sendOverdueAgain() {
+  const auto isOverdue = [now = Clock::now(), this](const auto& entry) { return now - entry.second.at > patience_; };
+  if (std::any_of(unstored_.begin(), unstored_.end(), isOverdue)) {
+    unstored_.clear();
+    spool_.rewind();
+    patience_ = std::min<Clock::duration>(2 * patience_, longestPatience);
+  }
+}
+
+void Sender::onTaken(int message) {
+  lastStatusIsTaken_ = lastStatusIsTaken_ || message == lastStatus_;
+  const auto found = untaken_.find(message);
+  if (found != untaken_.end()) {
+    spool_.settle(found->second);
+    untaken_.erase(found);
+  }
+}
+
+void Sender::onMessage(const BrokerMessage& message) {
+  if (const auto stored = parseStored(message.payload)) {
+    for (const FrameRange& frames : stored->frames) {
+      settleStored(SpoolEntry::Kind::Frame, frames);
+    }
+    for (const FrameRange& frames : stored->dropped) {
+      settleStored(SpoolEntry::Kind::Dropped, frames);
+    }
+  }
+}
+
+void Sender::settleStored(SpoolEntry::Kind kind, const FrameRange& frames) {
+  auto entry = unstored_.lower_bound({kind, frames.camera, frames.start, frames.first});
+  const Key last{kind, frames.camera, frames.start, frames.last};
+  while (entry != unstored_.end() && !(last < entry->first)) {
+    spool_.settle(entry->second.position);
+    entry = unstored_.erase(entry);
+    patience_ = shortestPatience;
+  }
+}
+
+/** Whether an orderly end has come to its end, or another one was asked for. */
+bool Sender::isDone() const {
+  if (!isEnding_) {
+    return false;
+  }
+  return Clock::now() > deadline_ || spool_.figures().waiting == 0;
+}
+
+void Sender::endInOrder(Broker& broker) {
+  if (!broker.isConnected()) {
+    report(options_.name() + ": " + broker.problem());
+    return;
+  }
+  lastStatusIsTaken_ = false;
+  {
+    const std::lock_guard lock(mutex_);
+    status_ = makeLastStatus_ ? makeLastStatus_() : status_;
+  }
+  sendStatus(broker);
+  while (broker.isConnected() && !lastStatusIsTaken_ && Clock::now() <= deadline_) {
+    broker.wait(tick);
+  }
+  broker.disconnect();
+}
+
+void Sender::waitBeforeRetry() {
+  std::unique_lock lock(mutex_);
+  ending_.wait_for(lock, retryPause, [this] { return isEnding_.load(); });
+}
+
+/** Prints what has changed, each once. */
+void Sender::report(const std::string& message) {
+  if (message != reported_) {
+    reported_ = message;
+    printMessage("tarnvod: " + message);
+  }
+}
+
+}  // namespace tarn::command

@@ -1,0 +1,293 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#include "fleet/spool.h"
+
+#include "base/errors.h"
+
+#include <recording/recording.h>
+#include <recording/segmented_writer.h>
+#include <recording/segments.h>
+
+#include <algorithm>
+#include <chrono>
+#include <fstream>
+#include <system_error>
+#include <utility>
+
+namespace tarn::command {
+namespace {
+
+namespace fs = std::filesystem;
+using vod::recording::RecordingError;
+using vod::recording::RecordingWriter;
+
+/** A segment that is being made or removed; what is left of it after a crash is of no use. */
+constexpr const char* temporaryName = ".segment-in-work";
+/** How far the spool is settled, as text: segment and number. Written now and then; what is behind it is sent again. */
+constexpr const char* settledName = "settled";
+constexpr std::chrono::seconds savePeriod{1};
+
+fs::path created(fs::path folder) {
+  std::error_code error;
+  fs::create_directories(folder, error);
+  if (error) {
+    throw Failure(folder.string() + ": " + error.message());
+  }
+  return folder;
+}
+
+std::uint64_t bytesIn(const fs::path& folder) {
+  std::uint64_t bytes = 0;
+  for (const auto& file : fs::directory_iterator(folder)) {
+    bytes += file.file_size();
+  }
+  return bytes;
+}
+
+}  // namespace
+
+Spool::Spool(fs::path folder, std::uint64_t limit)
+    : folder_(created(std::move(folder))), limit_(limit), lock_(folder_ / "lock") {
+  std::error_code ignored;  // the writer reports it
+  fs::remove_all(folder_ / temporaryName, ignored);
+  findSegments();
+  readSettled();
+  removeSettledSegments();
+}
+
+Spool::~Spool() {
+  saveSettled();
+}
+
+void Spool::findSegments() {
+  for (const fs::path& part : vod::recording::partsOf(folder_)) {
+    if (const auto number = vod::recording::segmentNumber(part.filename().string())) {
+      segments_.push_back({*number, bytesIn(part), SpoolSegment(part, *number).size()});
+      figures_.waiting += segments_.back().entries;
+      latestSegment_ = *number;
+    }
+  }
+  next_ = {segments_.empty() ? 1 : segments_.front().number, 0};
+}
+
+void Spool::readSettled() {
+  SpoolPosition settled;
+  std::ifstream file(folder_ / settledName);
+  if (!(file >> settled.segment >> settled.number) || settled < next_) {
+    return;
+  }
+  for (const Segment& segment : segments_) {
+    if (segment.number < settled.segment) {
+      figures_.waiting -= segment.entries;
+    } else if (segment.number == settled.segment) {
+      settled.number = std::min(settled.number, segment.entries);
+      figures_.waiting -= settled.number;
+    }
+  }
+  next_ = settled;
+  latestSegment_ = std::max(latestSegment_, settled.segment);  // so that the next segment is behind it
+}
+
+void Spool::append(const SpoolEntry& entry) {
+  const std::lock_guard lock(mutex_);
+  try {
+    write(entry);
+  } catch (const RecordingError&) {
+    if (segments_.size() < 2) {
+      throw;
+    }
+    dropOldest();
+    write(entry);
+  }
+}
+
+void Spool::write(const SpoolEntry& entry) {
+  const std::string bytes = encoded(entry);
+  const std::uint64_t segmentLimit = vod::recording::SegmentLimits{limit_}.segmentBytes();
+  if (!writer_ || segments_.back().bytes + bytes.size() + vod::recording::indexEntrySize > segmentLimit) {
+    beginSegment();
+    appendNotes();
+  }
+  writer_->append(bytes);
+  segments_.back().bytes = writer_->size();
+  ++segments_.back().entries;
+  ++figures_.waiting;
+}
+
+void Spool::beginSegment() {
+  writer_.reset();
+  const std::uint64_t segmentLimit = vod::recording::SegmentLimits{limit_}.segmentBytes();
+  while (!segments_.empty() && bytes() + segmentLimit > limit_) {
+    dropOldest();
+  }
+  const fs::path temporary = folder_ / temporaryName;
+  std::error_code error;
+  fs::remove_all(temporary, error);
+  writer_.emplace(temporary, "");
+  fs::rename(temporary, folderOf(latestSegment_ + 1), error);
+  if (error) {
+    writer_.reset();
+    throw RecordingError(folder_.string() + ": " + error.message());
+  }
+  segments_.push_back({++latestSegment_, writer_->size(), 0});
+}
+
+/** Notes that cannot be written stay, and go to the next segment. */
+void Spool::appendNotes() {
+  while (!notes_.empty()) {
+    writer_->append(encoded({SpoolEntry::Kind::Dropped, notes_.front(), ""}));
+    notes_.erase(notes_.begin());
+    ++segments_.back().entries;
+    ++figures_.waiting;
+  }
+}
+
+void Spool::dropOldest() {
+  const Segment oldest = segments_.front();
+  if (oldest.number == latestSegment_) {
+    writer_.reset();
+  }
+  for (std::uint64_t number = 0; number < oldest.entries; ++number) {
+    const SpoolPosition position{oldest.number, number};
+    const bool isUnsettled = given_.erase(position) > 0 || !(position < next_);
+    if (isUnsettled) {
+      noteDropped(number);
+    }
+  }
+  segments_.pop_front();
+  remove(oldest.number);
+  if (next_.segment <= oldest.number) {
+    next_ = {oldest.number + 1, 0};
+  }
+}
+
+void Spool::noteDropped(std::uint64_t number) {
+  --figures_.waiting;
+  const auto entry = read({segments_.front().number, number});
+  if (entry) {
+    addRange(notes_, entry->frames);
+    figures_.dropped += entry->kind == SpoolEntry::Kind::Frame ? 1U : 0U;
+  } else {
+    ++figures_.damaged;
+  }
+}
+
+std::optional<Spool::Given> Spool::next() {
+  const std::lock_guard lock(mutex_);
+  while (true) {
+    const auto segment = std::find_if(segments_.begin(), segments_.end(),
+                                      [this](const Segment& each) { return each.number >= next_.segment; });
+    if (segment == segments_.end()) {
+      return std::nullopt;
+    }
+    if (segment->number > next_.segment) {
+      next_ = {segment->number, 0};
+    }
+    if (next_.number >= segment->entries) {
+      if (segment->number == latestSegment_ && writer_) {
+        return std::nullopt;
+      }
+      next_ = {segment->number + 1, 0};
+      continue;
+    }
+    const SpoolPosition position = next_;
+    ++next_.number;
+    if (auto entry = read(position)) {
+      given_.insert(position);
+      return Given{position, std::move(*entry)};
+    }
+    ++figures_.damaged;
+    --figures_.waiting;
+  }
+}
+
+std::optional<SpoolEntry> Spool::read(const SpoolPosition& position) {
+  const bool isOpen = reader_ && reader_->number() == position.segment && position.number < reader_->size();
+  if (!isOpen) {
+    reader_.emplace(folderOf(position.segment), position.segment);
+  }
+  const auto bytes = reader_->read(position.number);
+  return bytes ? decodedSpoolEntry(*bytes) : std::nullopt;
+}
+
+void Spool::settle(const SpoolPosition& position) {
+  const std::lock_guard lock(mutex_);
+  if (given_.erase(position) > 0) {
+    --figures_.waiting;
+    removeSettledSegments();
+    if (Clock::now() - savedAt_ >= savePeriod) {
+      saveSettled();
+    }
+  }
+}
+
+void Spool::rewind() {
+  const std::lock_guard lock(mutex_);
+  // What is settled between the lowest entry that is not and the next one is given out again, too, and counts as waiting.
+  const SpoolPosition lowest = lowestUnsettled();
+  std::uint64_t entries = 0;
+  for (const Segment& segment : segments_) {
+    const std::uint64_t from = segment.number == lowest.segment ? std::min(lowest.number, segment.entries) : 0;
+    entries += segment.number < lowest.segment ? 0 : segment.entries - from;
+  }
+  figures_.waiting = entries;
+  next_ = lowest;
+  given_.clear();
+}
+
+SpoolPosition Spool::lowestUnsettled() const {
+  return given_.empty() ? next_ : std::min(*given_.begin(), next_);
+}
+
+void Spool::removeSettledSegments() {
+  const SpoolPosition lowest = lowestUnsettled();
+  const std::size_t before = segments_.size();
+  while (!segments_.empty() && segments_.front().number < lowest.segment &&
+         segments_.front().number != latestSegment_) {
+    remove(segments_.front().number);
+    segments_.pop_front();
+  }
+  if (segments_.size() != before) {
+    saveSettled();
+  }
+}
+
+void Spool::remove(std::uint64_t segment) const {
+  const fs::path temporary = folder_ / temporaryName;
+  std::error_code error;
+  fs::remove_all(temporary, error);
+  fs::rename(folderOf(segment), temporary, error);
+  fs::remove_all(error ? folderOf(segment) : temporary, error);
+  if (error) {
+    throw RecordingError(folderOf(segment).string() + ": " + error.message());
+  }
+}
+
+void Spool::saveSettled() {
+  savedAt_ = Clock::now();
+  const SpoolPosition lowest = lowestUnsettled();
+  // If it cannot be written, entries are sent again after the next start; nothing is lost.
+  std::ofstream(folder_ / settledName) << lowest.segment << ' ' << lowest.number << '\n';
+}
+
+Spool::Figures Spool::figures() const {
+  const std::lock_guard lock(mutex_);
+  Figures figures = figures_;
+  figures.bytes = bytes();
+  return figures;
+}
+
+std::uint64_t Spool::bytes() const {
+  std::uint64_t sum = 0;
+  for (const Segment& segment : segments_) {
+    sum += segment.bytes;
+  }
+  return sum;
+}
+
+fs::path Spool::folderOf(std::uint64_t segment) const {
+  return folder_ / vod::recording::segmentName(segment);
+}
+
+}  // namespace tarn::command

@@ -1,0 +1,121 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+#ifndef TARNVOD_COMMAND_SPOOL_H
+#define TARNVOD_COMMAND_SPOOL_H
+
+#include "base/clock.h"
+#include "fleet/file_lock.h"
+#include "fleet/spool_entry.h"
+#include "fleet/spool_segment.h"
+
+#include <recording/recording_writer.h>
+
+#include <cstdint>
+#include <deque>
+#include <filesystem>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <set>
+#include <tuple>
+#include <vector>
+
+namespace tarn::command {
+
+/** Where an entry is. */
+struct SpoolPosition {
+  std::uint64_t segment = 0;
+  std::uint64_t number = 0;  ///< counted from 0
+};
+
+inline bool operator<(const SpoolPosition& left, const SpoolPosition& right) {
+  return std::tie(left.segment, left.number) < std::tie(right.segment, right.number);
+}
+
+/**
+ * Frames that wait on disk to be sent, in the segments of recordings (`platform/recording`). What `append` has returned
+ * from survives the process, however it ends; what the system had written, a power cut as well. The spool is bounded:
+ * the oldest segment goes first, and a note of its frames takes their place.
+ *
+ * An entry is given out by `next`, in order, and stays until it is settled. All functions are thread-safe.
+ */
+class Spool {
+ public:
+  struct Figures {
+    std::uint64_t bytes = 0;
+    std::uint64_t waiting = 0;  ///< entries that are not settled
+    std::uint64_t dropped = 0;  ///< frames that were dropped since this object was made, for want of room
+    std::uint64_t damaged = 0;  ///< entries that could not be read back
+  };
+
+  struct Given {
+    SpoolPosition position;
+    SpoolEntry entry;
+  };
+
+  /**
+   * Goes on behind what the folder holds, of which all that was not settled is given out again.
+   *
+   * @param limit  of all files, in bytes
+   * @throw Failure, RecordingError  when the folder cannot be used or another spool uses it
+   */
+  Spool(std::filesystem::path folder, std::uint64_t limit);
+  ~Spool();
+  Spool(const Spool&) = delete;
+  Spool& operator=(const Spool&) = delete;
+
+  /** Adds an entry. When the disk is full, the oldest segment makes room. @throw RecordingError when that is not enough */
+  void append(const SpoolEntry& entry);
+
+  /** The next entry; none when all have been given out. */
+  std::optional<Given> next();
+
+  /** An entry need not be kept any more. */
+  void settle(const SpoolPosition& position);
+
+  /** Has everything given out again that is not settled. */
+  void rewind();
+
+  Figures figures() const;
+
+ private:
+  void findSegments();
+  void readSettled();
+  void write(const SpoolEntry& entry);
+  void beginSegment();
+  void dropOldest();
+  void noteDropped(std::uint64_t number);
+  void appendNotes();
+  void removeSettledSegments();
+  void remove(std::uint64_t segment) const;
+  SpoolPosition lowestUnsettled() const;
+  void saveSettled();
+  std::optional<SpoolEntry> read(const SpoolPosition& position);
+  std::uint64_t bytes() const;
+  std::filesystem::path folderOf(std::uint64_t segment) const;
+
+  struct Segment {
+    std::uint64_t number = 0;
+    std::uint64_t bytes = 0;
+    std::uint64_t entries = 0;
+  };
+
+  const std::filesystem::path folder_;
+  const std::uint64_t limit_;
+  mutable std::mutex mutex_;
+  FileLock lock_;
+  std::deque<Segment> segments_;
+  std::uint64_t latestSegment_ = 0;
+  std::optional<vod::recording::RecordingWriter> writer_;  ///< of the last segment; none before the first entry
+  std::optional<SpoolSegment> reader_;
+  SpoolPosition next_;
+  std::set<SpoolPosition> given_;
+  Clock::time_point savedAt_;      ///< when the settled position was last written
+  std::vector<FrameRange> notes_;  ///< of frames that were dropped; to be written to the next segment
+  Figures figures_;
+};
+
+}  // namespace tarn::command
+
+#endif
