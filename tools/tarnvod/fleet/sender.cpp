@@ -19,7 +19,7 @@ constexpr std::size_t window = 200;
 constexpr std::chrono::seconds retryPause{1};
 constexpr std::chrono::seconds shortestPatience{5};
 constexpr std::chrono::seconds longestPatience{60};
-constexpr std::chrono::seconds timeToEnd{3};
+constexpr std::chrono::seconds timeToEnd{5};
 constexpr std::chrono::milliseconds tick{200};
 
 }  // namespace
