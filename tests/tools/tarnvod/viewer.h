@@ -29,7 +29,7 @@ inline constexpr long viewerMemoryKilobytes = (isSanitized ? 1024L : 64L) * 1024
 
 /** How many ask for long answers and do not read them: their answers are more than the viewer sends at once. With
  * a sanitizer, making an answer takes ten times as long. */
-inline constexpr int silentReaders = isSanitized ? 80 : 300;
+inline constexpr int silentReaders = isSanitized ? 48 : 300;
 
 /** A server-sent event. */
 struct Event {
