@@ -35,6 +35,10 @@ std::vector<Sighting> PeopleDetector::detect(const cv::Mat& picture) const {
   cv::Mat enlarged;
   cv::resize(picture, enlarged, {}, enlargement_, enlargement_, cv::INTER_LINEAR);
 
+  if (enlarged.cols < model_.winSize.width || enlarged.rows < model_.winSize.height) {
+    return {};  // nobody of the smallest size fits into the picture
+  }
+
   std::vector<cv::Rect> windows;
   std::vector<double> margins;
   model_.detectMultiScale(enlarged, windows, margins, /*hitThreshold=*/0, /*winStride=*/{8, 8}, /*padding=*/{8, 8},

@@ -4,6 +4,7 @@
 #include "video-recorder/record.h"
 
 #include "recording/recording_writer.h"
+#include "video-recorder/background.h"
 #include "video-recorder/clothing.h"
 #include "video-recorder/messages.h"
 #include "video-recorder/people_detector.h"
@@ -16,6 +17,8 @@
 
 namespace recorder {
 namespace {
+
+constexpr const char* backgroundFileName = "background.jpg";
 
 void updateWardrobe(Wardrobe& wardrobe, const TrackedFrame& frame, const cv::Mat& picture) {
   for (const Reappearance& reappearance : frame.reappeared) {
@@ -53,19 +56,22 @@ int record(const Options& options, const std::atomic<bool>& isStopping) {
   const PeopleDetector detector(options.smallestPerson);
   Tracker tracker;
   Wardrobe wardrobe;
+  Background background;
   Progress progress(framesToRecord(options, video));
   int framesDone = 0;
   while (frame && !isStopping) {
     if (options.isMirrored) {
       cv::flip(frame->picture, frame->picture, 1);
     }
+    background.add(frame->picture);
     const TrackedFrame tracked = tracker.update(detector.detect(frame->picture));
     updateWardrobe(wardrobe, tracked, frame->picture);
-    writer.append(describeFrame(frame->timestamp, tracked, wardrobe).SerializeAsString(), std::nullopt);
+    writer.append(describeFrame(frame->timestamp, tracked, wardrobe).SerializeAsString(), vod::recording::Arrival{});
     progress.show(++framesDone, tracked.people.size());
     const bool isEnough = options.frames > 0 && framesDone >= options.frames;
     frame = isEnough ? std::nullopt : video.next();
   }
+  background.write(options.output / backgroundFileName);
   return framesDone;
 }
 

@@ -6,6 +6,7 @@
 #include "recording/recording_reader.h"
 
 #include <gmock/gmock.h>
+#include <opencv2/imgcodecs.hpp>
 #include <opencv2/videoio.hpp>
 #include <stdlib.h>
 #include <sys/wait.h>
@@ -103,6 +104,33 @@ TEST_F(AVideo, OfNobodyGivesNoDetections) {
   for (const VOD::Scene& scene : scenesOf(output)) {
     EXPECT_THAT(scene.detections(), SizeIs(0));
   }
+}
+
+TEST_F(AVideo, ThatIsSmallerThanThePeopleToFindGivesNoDetections) {
+  ASSERT_EQ(record("--smallest 1024").exitCode, 0);
+  EXPECT_THAT(scenesOf(output), SizeIs(frames));
+}
+
+TEST_F(AVideo, GivesABackgroundWithoutWhatPasses) {
+  const cv::Size size(160, 160);
+  const int street = 90;
+  cv::VideoWriter writer(video.string(), cv::VideoWriter::fourcc('M', 'J', 'P', 'G'), 10, size);
+  for (int frame = 0; frame < 100; ++frame) {
+    cv::Mat picture(size, CV_8UC3, cv::Scalar::all(street));
+    picture.colRange(frame, frame + 30).setTo(cv::Scalar::all(255));
+    writer.write(picture);
+  }
+  writer.release();
+
+  ASSERT_EQ(record().exitCode, 0);
+
+  const cv::Mat background = cv::imread((output / "background.jpg").string());
+  ASSERT_EQ(background.size(), size);
+  double darkest = 0;
+  double lightest = 0;
+  cv::minMaxLoc(background.reshape(1), &darkest, &lightest);
+  EXPECT_NEAR(darkest, street, 5);
+  EXPECT_NEAR(lightest, street, 5);
 }
 
 TEST_F(AVideo, GivesTheSameBytesAgain) {
