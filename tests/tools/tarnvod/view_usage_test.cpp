@@ -37,7 +37,9 @@ TEST_P(AMisuseOfView, EndsWithCodeTwoAndOneLineThatNamesIt) {
 
 INSTANTIATE_TEST_SUITE_P(
     OfTheCommand, AMisuseOfView,
-    testing::Values(ViewMisuse{"WithTwoRecordings", {"a", "b"}, "one recording"},
+    testing::Values(ViewMisuse{"WithSeventeenRecordings",
+                               {"a", "b", "c", "d", "e", "f", "g", "h", "i", "j", "k", "l", "m", "n", "o", "p", "q"},
+                               "up to 16 recordings"},
                     ViewMisuse{"WithARecordingAndACamera", {"a", "1"}, "without options of cameras"},
                     ViewMisuse{"WithOneBackgroundForTwoCameras", {"1", "2", "--background", "x"}, "CAMERA=FILE"},
                     ViewMisuse{"WithCameraAndRecording", {"--camera", "1", "--recording", "x"}, "--recording"},

@@ -91,8 +91,8 @@ export async function openBrowser() {
 
 export const closeBrowser = () => browser.close();
 
-/** Opens the page. What it complains of, and whatever it asks of anybody but its viewer, stands in `complaints`. */
-export async function look(viewer, { width = 1280, height = 860, address = '', ...options } = {}) {
+/** Opens the page, and waits until the camera `shown` is. What it complains of, and whatever it asks of anybody but its viewer, stands in `complaints`. */
+export async function look(viewer, { width = 1280, height = 860, address = '', shown = 1, ...options } = {}) {
   const context = await browser.newContext({ viewport: { width, height }, ...options });
   const page = await context.newPage();
   const complaints = [];
@@ -105,7 +105,7 @@ export async function look(viewer, { width = 1280, height = 860, address = '', .
     }
   });
   await page.goto(viewer.url + address);
-  await page.waitForSelector('.camera[data-timestamp]:not([data-timestamp=""])');
+  await page.waitForSelector(`.camera[data-camera="${shown}"][data-timestamp]:not([data-timestamp=""])`);
   return { page, complaints };
 }
 

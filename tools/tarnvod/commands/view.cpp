@@ -36,13 +36,13 @@ namespace {
 constexpr int defaultPort = 8090;
 constexpr int greatestPort = 65535;
 constexpr std::chrono::milliseconds tickPeriod{50};
-/** A recording is of one camera. */
-constexpr int recordedCamera = 1;
+/** As many recordings are shown in step. */
+constexpr std::size_t mostRecordings = 16;
 
 struct ViewOptions {
-  std::vector<std::string> names;  ///< camera numbers, or a recording's folder
+  std::vector<std::string> names;  ///< camera numbers, or recordings' folders
   CameraOptions cameras;
-  std::optional<std::string> recording;
+  std::vector<std::string> recordings;
   std::string address = "127.0.0.1";
   int port = defaultPort;
   BoxOptions boxes;
@@ -64,6 +64,10 @@ std::string pathOfBackground(int camera) {
   return "/background-" + std::to_string(camera);
 }
 
+std::string pathOfOverview(int recording) {
+  return recording == 1 ? "/recording.json" : "/recording-" + std::to_string(recording) + ".json";
+}
+
 /** The settings that the page needs before it draws anything. */
 SharedText setupText(const ViewOptions& options, const std::set<int>& cameras, const Backgrounds& backgrounds) {
   Json backgroundPaths = Json::object();
@@ -73,7 +77,7 @@ SharedText setupText(const ViewOptions& options, const std::set<int>& cameras, c
   constexpr double usualAspect = 4.0 / 3.0;
   const BoxConvention boxes = options.boxes.convention();
   const double aspect = options.aspect.value_or(boxes.aspect().value_or(usualAspect));
-  return shared(oneLine({{"mode", options.recording ? "recording" : "live"},
+  return shared(oneLine({{"mode", options.recordings.empty() ? "live" : "recording"},
                          {"cameras", cameras},
                          {"boxes", boxesJson(boxes)},
                          {"aspect", static_cast<float>(aspect)},
@@ -122,22 +126,54 @@ int viewCameras(const ViewOptions& options) {
   return success;
 }
 
-/** The picture that was named, or else that of the recording, if it has one. */
-Backgrounds backgroundsOf(const ViewOptions& options) {
-  const std::filesystem::path own = std::filesystem::path(*options.recording) / backgroundFileName;
-  if (options.backgrounds.empty() && std::filesystem::exists(own)) {
-    return {{recordedCamera, readBackground(own)}};
+/** Recordings stand for cameras, numbered from 1 in their order. */
+std::set<int> numbersOf(const std::vector<std::string>& recordings) {
+  std::set<int> numbers;
+  for (std::size_t place = 0; place < recordings.size(); ++place) {
+    numbers.insert(static_cast<int>(place) + 1);
   }
-  return readBackgrounds(options.backgrounds, {recordedCamera});
+  return numbers;
 }
 
-int viewRecording(const ViewOptions& options) {
-  const RecordedFrames recording(*options.recording);
+/** The pictures that were named, or else those that the recordings have. */
+Backgrounds backgroundsOf(const ViewOptions& options) {
+  if (!options.backgrounds.empty()) {
+    return readBackgrounds(options.backgrounds, numbersOf(options.recordings));
+  }
+  Backgrounds backgrounds;
+  for (const int number : numbersOf(options.recordings)) {
+    const std::filesystem::path folder = options.recordings[static_cast<std::size_t>(number) - 1];
+    if (std::filesystem::exists(folder / backgroundFileName)) {
+      backgrounds[number] = readBackground(folder / backgroundFileName);
+    }
+  }
+  return backgrounds;
+}
+
+/** The recording that a request names by its number; the first, when it names none. */
+const RecordedFrames& recordingOf(const std::vector<std::unique_ptr<RecordedFrames>>& recordings,
+                                  const ViewSite::Parameters& parameters) {
+  constexpr const char* name = "recording";
+  const std::uint64_t number = parameters.count(name) == 0 ? 1 : numberIn(parameters, name);
+  if (number < 1 || number > recordings.size()) {
+    throw UsageError("there are " + std::to_string(recordings.size()) + " recordings");
+  }
+  return *recordings[static_cast<std::size_t>(number) - 1];
+}
+
+int viewRecordings(const ViewOptions& options) {
+  std::vector<std::unique_ptr<RecordedFrames>> recordings;
+  for (const std::string& folder : options.recordings) {
+    recordings.push_back(std::make_unique<RecordedFrames>(folder));
+  }
   const Backgrounds backgrounds = backgroundsOf(options);
   ViewServer server(options.address, options.port);
-  addSetup(server.site(), options, {recordedCamera}, backgrounds);
-  server.site().add("/recording.json", shared(oneLine(recording.overview())));
-  server.site().add("/frames.json", [&recording](const ViewSite::Parameters& parameters) {
+  addSetup(server.site(), options, numbersOf(options.recordings), backgrounds);
+  for (std::size_t place = 0; place < recordings.size(); ++place) {
+    server.site().add(pathOfOverview(static_cast<int>(place) + 1), shared(oneLine(recordings[place]->overview())));
+  }
+  server.site().add("/frames.json", [&recordings](const ViewSite::Parameters& parameters) {
+    const RecordedFrames& recording = recordingOf(recordings, parameters);
     return shared(oneLine(recording.frames(numberIn(parameters, "first"), numberIn(parameters, "count"))));
   });
   begin(server);
@@ -154,19 +190,20 @@ std::optional<int> cameraNumber(const std::string& name) {
   return error == std::errc{} && last == end && number > 0 ? std::make_optional(number) : std::nullopt;
 }
 
-/** The options with what was named without one: `view DIR`, `view 1 2`. */
+/** The options with what was named without one: `view DIR DIR`, `view 1 2`. */
 ViewOptions withNames(ViewOptions options) {
   for (const std::string& name : options.names) {
     if (const auto camera = cameraNumber(name)) {
       options.cameras.cameras.push_back(*camera);
-    } else if (options.recording) {
-      throw UsageError("one recording can be viewed at a time");
     } else {
-      options.recording = name;
+      options.recordings.push_back(name);
     }
   }
   const CameraOptions& cameras = options.cameras;
-  if (options.recording && !(cameras.cameras.empty() && cameras.classes.empty() && !cameras.region)) {
+  if (options.recordings.size() > mostRecordings) {
+    throw UsageError("up to " + std::to_string(mostRecordings) + " recordings can be viewed at a time");
+  }
+  if (!options.recordings.empty() && !(cameras.cameras.empty() && cameras.classes.empty() && !cameras.region)) {
     throw UsageError("a recording is viewed without options of cameras");
   }
   return options;
@@ -174,7 +211,7 @@ ViewOptions withNames(ViewOptions options) {
 
 int view(const ViewOptions& given) {
   const ViewOptions options = withNames(given);
-  return options.recording ? viewRecording(options) : viewCameras(options);
+  return options.recordings.empty() ? viewCameras(options) : viewRecordings(options);
 }
 
 }  // namespace
@@ -182,11 +219,12 @@ int view(const ViewOptions& given) {
 Action defineView(CLI::App& command) {
   const auto options = std::make_shared<ViewOptions>();
   const auto cameraOptions = addCameraOptions(command, options->cameras);
-  command.add_option("names", options->names, "A recording's folder, or camera numbers; without, all cameras")
+  command.add_option("names", options->names, "Recordings' folders, or camera numbers; without, all cameras")
       ->type_name("DIR|N");
-  CLI::Option* recording =
-      command.add_option("--recording", options->recording, "A recording's folder instead of cameras")
-          ->type_name("DIR");
+  CLI::Option* recording = command
+                               .add_option("--recording", options->recordings,
+                                           "Recordings' folders instead of cameras; several are shown in step")
+                               ->type_name("DIR");
   for (CLI::Option* option : cameraOptions) {
     recording->excludes(option);
   }
@@ -202,7 +240,7 @@ Action defineView(CLI::App& command) {
       ->type_name("ADDRESS");
   command
       .add_option("--background", options->backgrounds,
-                  "PNG or JPEG image behind the boxes; of several cameras, CAMERA=FILE; a recording's own is "
+                  "PNG or JPEG image behind the boxes; of several cameras or recordings, N=FILE; a recording's own is "
                   "background.jpg in its folder")
       ->type_name("FILE");
   options->boxes.addTo(command);

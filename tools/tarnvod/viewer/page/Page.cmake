@@ -13,17 +13,22 @@ set(page_files
   format.js
   frame_store.js
   history.js
+  kept_frames.js
   labels.js
   live.js
   live_camera.js
+  live_player.js
   main.js
   page.css
   page.html
   picture.js
   recording.js
+  recording_camera.js
+  recording_player.js
   selection.js
   table.js
-  timeline.js)
+  timeline.js
+  wall.js)
 set(page_folder "${CMAKE_CURRENT_SOURCE_DIR}/viewer/page")
 set(page_writer "${page_folder}/write_page.cmake")
 set(TARNVOD_VIEW_PAGE "${CMAKE_CURRENT_BINARY_DIR}/page_files.cpp")

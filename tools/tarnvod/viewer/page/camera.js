@@ -22,6 +22,7 @@ export class CameraView {
   #selection;
   #pill = make('p', { className: 'pill' });
   #summary = make('p', { className: 'summary' });
+  #title;
   #picture = new Canvas(() => this.drawPicture());
   #timeline = new Canvas(() => this.#drawTimeline());
   #veilTitle = make('strong');
@@ -42,6 +43,7 @@ export class CameraView {
     this.#selection = selection;
     this.#table = new ObjectTable((objectId) => selection.hover(number, objectId),
       (objectId) => selection.toggle(number, objectId));
+    this.#title = make('span', {}, title);
     this.#describe(title);
     this.section = this.#build(title);
     this.section.dataset.camera = number;
@@ -87,6 +89,13 @@ export class CameraView {
     this.#veil.hidden = problem === '';
     this.#veilTitle.textContent = title;
     this.#veilText.textContent = problem;
+  }
+
+  /** Makes the title a button that calls back. */
+  makeChoosable(choose) {
+    const button = make('button', { type: 'button', className: 'plain', title: 'Show only this one' }, this.#title.textContent);
+    button.addEventListener('click', choose);
+    this.#title.replaceChildren(button);
   }
 
   /** Calls back with the time that is pointed at in the timeline. */
@@ -186,16 +195,16 @@ export class CameraView {
     }
     this.#picture.element.style.aspectRatio = aspect;
     picture.append(this.#picture.element, this.#veil);
+    const legend = ['◆ seen again', '✕ left', 'solid: tracked with confidence; dashed: without; dotted: not tracked'];
     return make('section', { className: 'camera', ariaLabel: title },
-      make('header', {}, make('h2', {}, title), this.#pill, this.#summary),
+      make('header', {}, make('h2', {}, this.#title), this.#pill, this.#summary),
       make('div', { className: 'content' },
         picture,
+        make('div', { className: 'past' }, this.#timelineBox,
+          make('p', { className: 'legend' }, ...legend.map((text) => make('span', {}, text)))),
         make('div', { className: 'side' },
           make('div', { className: 'objects scroll', tabIndex: 0, role: 'region', ariaLabel: `${title}: objects` },
             this.#table.element),
-          this.#events),
-        make('div', { className: 'past' }, this.#timelineBox,
-          make('p', { className: 'legend' }, make('span', {}, '◆ seen again'), make('span', {}, '✕ left'),
-            make('span', {}, 'solid: tracked with confidence; dashed: without; dotted: not tracked')))));
+          this.#events)));
   }
 }

@@ -56,6 +56,19 @@ export function eventText({ action, objectId, objectIds }, classOf) {
     `${name(objectId)} is ${objectIds.map(name).join(', ')} again`;
 }
 
+/** The last part of a path: what a recording is called. */
+export const shortPath = (path) => path.split('/').filter((part) => part !== '').pop() ?? path;
+
+/** The place of the last of these ordered numbers that is not above the limit; -1 when all are. */
+export function lastNotAfter(numbers, limit) {
+  let [before, after] = [-1, numbers.length];
+  while (after - before > 1) {
+    const middle = Math.floor((before + after) / 2);
+    [before, after] = numbers[middle] > limit ? [before, middle] : [middle, after];
+  }
+  return before;
+}
+
 /** A list's new entries, each with its time; those of an object are identified by its number. */
 export function listEntries(list, entries) {
   list.replaceChildren(...entries.map(({ when, text, objectId }) => {

@@ -18,10 +18,10 @@ export async function fetchJson(path) {
 }
 
 /** Frames of a recording, in as many requests as it takes: an answer holds fewer where frames are large. */
-async function fetchFrames(first, count) {
+async function fetchFrames(recording, first, count) {
   const frames = [];
   for (let isEnd = false; !isEnd && frames.length < count;) {
-    const more = await fetchJson(`frames.json?first=${first + frames.length}&count=${count - frames.length}`);
+    const more = await fetchJson(`frames.json?recording=${recording}&first=${first + frames.length}&count=${count - frames.length}`);
     frames.push(...more);
     isEnd = more.length === 0;
   }
@@ -33,7 +33,13 @@ export class FrameStore {
   static #pieceSize = 100;
   static #piecesKept = 30;
 
+  #recording;
   #pieces = new Map();
+
+  /** @param recording  its number, counted from 1 */
+  constructor(recording) {
+    this.#recording = recording;
+  }
 
   /** Gives the frames from one to another, both included. */
   async between(first, last) {
@@ -51,7 +57,7 @@ export class FrameStore {
 
   #fetch(piece) {
     const size = FrameStore.#pieceSize;
-    const frames = this.#pieces.get(piece) ?? fetchFrames(piece * size, size);
+    const frames = this.#pieces.get(piece) ?? fetchFrames(this.#recording, piece * size, size);
     this.#pieces.delete(piece);
     this.#pieces.set(piece, frames);
     frames.catch(() => this.#pieces.delete(piece));

@@ -88,6 +88,9 @@ export class History {
   /** How much of the past a timeline shows. */
   static window = 60;
 
+  /** How much of the past is kept, to go back to. */
+  static kept = 300;
+
   #lanes = new Lanes();
   #current = new Map();
   trails;
@@ -117,20 +120,15 @@ export class History {
     events.forEach((event) => this.#addEvent(event));
   }
 
-  /** As it is at this time, whatever comes later. */
-  copy(now) {
-    const trails = this.trails.until(now);
-    return {
-      trails: { until: () => trails },
-      tracks: this.tracks.map((track) => ({ ...track })),
-      events: [...this.events],
-    };
+  /** The tracks and events as they are, whatever comes later. */
+  copy() {
+    return { tracks: this.tracks.map((track) => ({ ...track })), events: [...this.events] };
   }
 
   forget(now) {
     this.trails.forget(now);
-    this.tracks = this.tracks.filter(({ last }) => now - last <= History.window);
-    this.events = this.events.filter(({ at }) => now - at <= History.window);
+    this.tracks = this.tracks.filter(({ last }) => now - last <= History.kept);
+    this.events = this.events.filter(({ at }) => now - at <= History.kept);
     for (const [objectId, { last }] of this.#current) {
       if (now - last > longestGap) {
         this.#current.delete(objectId);

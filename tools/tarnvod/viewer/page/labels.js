@@ -12,6 +12,9 @@ const valuesFont = '11px system-ui, "DejaVu Sans", sans-serif';
 /** Longer texts are cut, so that they leave room for others. In units of the page. */
 const widestText = 180;
 
+/** In narrower pictures there is room for short labels only. In units of the page. */
+const narrowest = 320;
+
 /** A label's lines and size. */
 function labelOf(context, name, values) {
   const nameText = fittingText(context, nameFont, name, widestText);
@@ -44,7 +47,7 @@ function placeMarked(context, object, picture, placed) {
 
 /** The whole label, or else the short one, where it covers neither labels nor boxes of others; or else none. */
 function placeIfFree(context, object, picture, placed, objects) {
-  for (const make of [whole, short]) {
+  for (const make of picture.width < narrowest ? [short] : [whole, short]) {
     const label = make(context, object);
     const at = placesFor(label, object.area, picture).find((place) =>
       !placed.some((other) => overlap(place, other.at)) &&

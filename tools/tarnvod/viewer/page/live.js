@@ -6,7 +6,9 @@ import { clock, clockText, ServerClock } from './clock.js';
 import { Filters } from './filters.js';
 import { byId, counted, listEntries } from './format.js';
 import { LiveCamera } from './live_camera.js';
+import { LivePlayer } from './live_player.js';
 import { Selection } from './selection.js';
+import { Wall } from './wall.js';
 
 /** The page while it shows cameras. */
 export class LivePage {
@@ -21,7 +23,8 @@ export class LivePage {
   #statesSeen = 0;
   #dropped = 0;
   #statusChangesShown = '';
-  #paused = false;
+  #wall;
+  #player;
 
   constructor(setup) {
     byId('source').textContent = 'live';
@@ -32,20 +35,27 @@ export class LivePage {
     for (const number of setup.cameras) {
       this.#cameras.set(number, new LiveCamera(number, setup, this.#filters, this.#selection));
     }
-    byId('cameras').append(...[...this.#cameras.values()].map(({ view }) => view.section));
-    setInterval(() => this.#cameras.forEach((camera) => camera.refresh()), LivePage.#refreshPeriod);
+    byId('speeds').hidden = true;
+    this.#wall = new Wall(new Map([...this.#cameras].map(([number, { view }]) => [number, view])), () => this.#choose());
+    this.#wall.choose(Number(address('camera')));
+    this.#player = new LivePlayer(() => [...this.#cameras.values()]);
+    this.#cameras.forEach(({ view }) => view.makeSeekable((time) => this.#player.show(time)));
+    setInterval(() => this.#refresh(), LivePage.#refreshPeriod);
     this.#connect();
     this.#paint();
   }
 
-  togglePause() {
-    this.#paused = !this.#paused;
-    byId('pause').textContent = this.#paused ? 'Resume' : 'Pause';
-    this.#cameras.forEach((camera) => camera.setPaused(this.#paused));
+  get player() {
+    return this.#player;
   }
 
+  /** Selects no object; or shows all cameras, when none was selected. */
   clearSelection() {
-    this.#selection.select();
+    if (this.#selection.text === '') {
+      this.#wall.choose(null);
+    } else {
+      this.#selection.select();
+    }
   }
 
   /** Once for each picture that the browser shows. */
@@ -54,8 +64,13 @@ export class LivePage {
     requestAnimationFrame(() => this.#paint());
   }
 
+  #refresh() {
+    this.#cameras.forEach((camera) => camera.refresh());
+    this.#player.refresh();
+  }
+
   #choose() {
-    writeAddress({ object: this.#selection.text, ...this.#filters.parameters });
+    writeAddress({ camera: this.#wall.chosen ?? '', object: this.#selection.text, ...this.#filters.parameters });
     this.#cameras.forEach((camera) => camera.view.redraw());
   }
 
@@ -63,19 +78,19 @@ export class LivePage {
     const source = new EventSource('events');
     const listen = (name, handle) => source.addEventListener(name, ({ data, lastEventId }) => {
       this.#serverClock.observe(Number(lastEventId));
-      handle(JSON.parse(data), Number(lastEventId));
+      handle(JSON.parse(data), Number(lastEventId), data);
     });
-    listen('frame', (frame, sent) => this.#addFrame(frame, sent));
+    listen('frame', (frame, sent, text) => this.#addFrame(frame, sent, text));
     listen('state', (state) => this.#setState(state));
     listen('past', (past) => this.#setPast(past));
     listen('dropped', ({ dropped }) => this.#reportDropped(dropped));
     source.addEventListener('error', () => this.#loseConnection(source));
   }
 
-  #addFrame(frame, sent) {
+  #addFrame(frame, sent, text) {
     this.#takeOverPast();
     this.#filters.offer(frame.detections.map(({ className }) => className));
-    this.#cameras.get(frame.camera).add(frame, Math.min(clock(), this.#serverClock.toPage(sent)));
+    this.#cameras.get(frame.camera).add(frame, Math.min(clock(), this.#serverClock.toPage(sent)), text);
     frame.events.forEach((event) => this.#selection.follow(frame.camera, event));
   }
 

@@ -5,17 +5,22 @@ import { CameraView } from './camera.js';
 import { clock, clockText } from './clock.js';
 import { counted, seconds } from './format.js';
 import { History } from './history.js';
+import { KeptFrames } from './kept_frames.js';
 
 /** A picture that is older than this is not what happens now. In seconds. */
 const longestDelay = 0.25;
 
-/** A camera that is seen live: keeps what arrives, and draws the newest when it is asked to. */
+/** The memory that a page's cameras share for frames of the past, in characters, and for how long these are kept. */
+const mostKept = 64e6;
+
+/** A camera that is seen live: keeps what arrives, and draws the newest, or a moment of the past. */
 export class LiveCamera {
+  #boxes;
   #history;
-  #shown;
+  #kept;
+  #paused = null;
   #newest = null;
   #drawn = null;
-  #pausedAt = null;
   #passed = 0;
   #state = null;
   #stateAt = 0;
@@ -23,8 +28,9 @@ export class LiveCamera {
   #pictures = 0;
 
   constructor(number, setup, filters, selection) {
+    this.#boxes = setup.boxes;
     this.#history = new History(setup.boxes);
-    this.#shown = this.#history;
+    this.#kept = new KeptFrames(mostKept / setup.cameras.length, History.kept);
     this.view = new CameraView(`Camera ${number}`, number, setup, filters, selection);
     this.refresh();
   }
@@ -34,8 +40,10 @@ export class LiveCamera {
     this.#history.takeOver(tracks, events);
   }
 
-  add(frame, at) {
+  /** Takes a frame, and the text that it came in. */
+  add(frame, at, text) {
     this.#history.add(frame, at);
+    this.#kept.add(text, at);
     this.#newest = { frame, at };
     this.#passed += 1;
   }
@@ -51,18 +59,40 @@ export class LiveCamera {
     this.refresh();
   }
 
-  /** Keeps what is shown as it is, or goes on with the newest. */
-  setPaused(paused) {
-    this.#pausedAt = paused ? clock() : null;
-    this.#shown = paused ? this.#history.copy(this.#pausedAt) : this.#history;
+  /** When the frames arrived that can be shown, in order. */
+  get times() {
+    return (this.#paused?.kept ?? this.#kept).times;
+  }
+
+  get eventTimes() {
+    return (this.#paused?.history ?? this.#history).events.map(({ at }) => at);
+  }
+
+  /** Keeps the past as it is at this time, to show moments of it. */
+  pause(now) {
+    this.#paused = { now, kept: this.#kept.copy(), history: this.#history.copy() };
     this.#passed = 0;
-    this.#drawn = this.#newest;
+    this.showPast(now);
+  }
+
+  /** Shows a moment of the past; only while paused. */
+  showPast(at) {
+    const { kept } = this.#paused;
+    this.#paused.at = at;
+    this.#paused.frame = kept.at(at);
+    this.#paused.trails = kept.trailsAt(at, this.#boxes);
+    this.refresh();
+  }
+
+  /** Goes on with the newest. */
+  resume() {
+    this.#paused = null;
     this.refresh();
   }
 
   /** Draws the newest frame, unless it is drawn already. Called for each picture of the browser. */
   paint() {
-    if (this.#pausedAt !== null || this.#newest === this.#drawn) {
+    if (this.#paused || this.#newest === this.#drawn) {
       return;
     }
     this.#drawn = this.#newest;
@@ -79,21 +109,23 @@ export class LiveCamera {
     const [state, text] = this.#stateText();
     this.view.setState(state, text, this.#summary());
     const problem = this.#connected ? this.#state?.problem ?? '' : 'Reconnecting…';
-    this.view.setProblem(this.#connected ? 'No frames' : 'No connection to tarnvod view', problem);
+    this.view.setProblem(this.#connected ? 'No frames' : 'No connection to tarnvod view', this.#isPast() ? '' : problem);
     this.#choose();
     this.view.redraw();
   }
 
+  #isPast = () => this.#paused !== null && this.#paused.at < this.#paused.now;
+
   #choose() {
-    const now = this.#pausedAt ?? clock();
-    const { trails, tracks, events } = this.#shown;
+    const to = this.#paused?.now ?? clock();
+    const { tracks, events, trails } = this.#paused?.history ?? this.#history;
     this.view.show({
-      frame: this.#drawn?.frame ?? null,
-      trails,
+      frame: this.#paused ? this.#paused.frame : this.#drawn?.frame ?? null,
+      trails: this.#paused?.trails ?? trails,
       tracks,
       events,
-      now,
-      span: { from: now - History.window, to: now, zero: now },
+      now: this.#paused?.at ?? to,
+      span: { from: to - History.window, to, zero: to, cursor: this.#isPast() ? this.#paused.at : undefined },
       timeText: clockText,
     });
   }
@@ -116,7 +148,7 @@ export class LiveCamera {
     if (interruptions > 0) {
       summary.push(counted(interruptions, 'interruption'));
     }
-    if (this.#pausedAt !== null) {
+    if (this.#paused) {
       summary.push(`paused, ${counted(this.#passed, 'frame')} since`);
     } else if (this.#delay() > longestDelay) {
       summary.push(`picture ${seconds(this.#delay())} behind`);

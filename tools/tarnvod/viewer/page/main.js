@@ -6,30 +6,61 @@ import { fetchJson } from './frame_store.js';
 import { LivePage } from './live.js';
 import { RecordingPage } from './recording.js';
 
+const overviewPath = (number) => (number === 1 ? 'recording.json' : `recording-${number}.json`);
+
 async function openPage() {
   const setup = await fetchJson('setup.json');
   return setup.mode === 'live'
     ? new LivePage(setup)
-    : new RecordingPage(setup, await fetchJson('recording.json'));
+    : new RecordingPage(setup, await Promise.all(setup.cameras.map((number) => fetchJson(overviewPath(number)))));
+}
+
+function onPlayerKey(player, event) {
+  const actions = {
+    ' ': () => player.togglePause(),
+    ArrowLeft: () => player.step(event.shiftKey ? -10 : -1),
+    ArrowRight: () => player.step(event.shiftKey ? 10 : 1),
+    Home: () => player.toStart(),
+    End: () => player.toEnd(),
+    n: () => player.stepToEvent(1),
+    p: () => player.stepToEvent(-1),
+  };
+  if (actions[event.key]) {
+    event.preventDefault();
+    actions[event.key]();
+  }
+}
+
+/** Whether a key is for the browser, or for the field that has the focus. */
+function isTaken({ key, target, ctrlKey, altKey, metaKey }) {
+  return ctrlKey || altKey || metaKey || byId('keys').open ||
+    target.matches('input:not([type="checkbox"]), select') ||
+    (key === ' ' && target.matches('button, input, summary'));
 }
 
 function onKey(page, event) {
-  const keys = byId('keys');
-  if (event.key === ' ' && !event.target.matches('button, input, select, summary')) {
-    event.preventDefault();
-    page.togglePause();
-  } else if (event.key === 'Escape') {
+  if (event.key === 'Escape' && !byId('keys').open) {
     page.clearSelection();
-  } else if (event.key === '?' && !event.target.matches('input')) {
-    keys.showModal();
+  } else if (event.key === '?' && !isTaken(event)) {
+    byId('keys').showModal();
+  } else if (!isTaken(event)) {
+    onPlayerKey(page.player, event);
   }
+}
+
+function connectButtons({ player }) {
+  const pause = byId('pause');
+  pause.hidden = false;
+  pause.addEventListener('click', () => player.togglePause());
+  byId('back').addEventListener('click', () => player.step(-1));
+  byId('forward').addEventListener('click', () => player.step(1));
+  byId('previous-event').addEventListener('click', () => player.stepToEvent(-1));
+  byId('next-event').addEventListener('click', () => player.stepToEvent(1));
 }
 
 try {
   const page = await openPage();
-  const pause = byId('pause');
-  pause.hidden = false;
-  pause.addEventListener('click', () => page.togglePause());
+  connectButtons(page);
   byId('show-keys').addEventListener('click', () => byId('keys').showModal());
   document.addEventListener('keydown', (event) => onKey(page, event));
 } catch (error) {

@@ -1,0 +1,93 @@
+// SPDX-FileCopyrightText: 2026 The tarnvod authors
+// SPDX-License-Identifier: MIT
+
+import { clock, clockText } from './clock.js';
+import { byId, durationText } from './format.js';
+
+const scrubberStep = 0.05;
+
+/** The buttons and the scrubber of the live view: from now back over the frames that the page keeps. */
+export class LivePlayer {
+  #cameras;
+  #scrubber = byId('scrubber');
+  #paused = null;
+
+  /** @param cameras  gives the cameras that are shown */
+  constructor(cameras) {
+    this.#cameras = cameras;
+    this.#scrubber.step = scrubberStep;
+    this.#scrubber.max = 0;
+    this.#scrubber.setAttribute('aria-label', 'Seconds before now');
+    this.#scrubber.addEventListener('input', () => this.show(this.#to() + Number(this.#scrubber.value)));
+    this.refresh();
+  }
+
+  togglePause() {
+    if (this.#paused) {
+      this.#paused = null;
+      this.#cameras().forEach((camera) => camera.resume());
+    } else {
+      this.#pause();
+    }
+    this.refresh();
+  }
+
+  /** Shows this moment, or the nearest that there is. In seconds of the page's clock. */
+  show(at) {
+    if (!this.#paused) {
+      this.#pause();
+    }
+    this.#paused.at = Math.min(Math.max(at, this.#from()), this.#paused.now);
+    this.#cameras().forEach((camera) => camera.showPast(this.#paused.at));
+    this.refresh();
+  }
+
+  /** Goes on or back by this many frames. */
+  step(count) {
+    const times = this.#cameras().flatMap((camera) => camera.times);
+    // What is shown is the last frame before this moment, unless one arrived at it: not one to go back to.
+    this.#stepAmong(times, count < 0 && !times.includes(this.#at()) ? count - 1 : count);
+  }
+
+  stepToEvent(direction) {
+    this.#stepAmong(this.#cameras().flatMap(({ eventTimes }) => eventTimes), direction);
+  }
+
+  toStart() {
+    this.show(this.#from());
+  }
+
+  toEnd() {
+    this.show(this.#to());
+  }
+
+  /** Shows where the picture is in time. Called a few times a second. */
+  refresh() {
+    const [from, to, at] = [this.#from(), this.#to(), this.#at()];
+    byId('pause').textContent = this.#paused ? 'Resume' : 'Pause';
+    this.#scrubber.min = Math.min(0, from - to);
+    this.#scrubber.value = at - to;
+    const text = this.#paused ? `${clockText(at)}, ${durationText(clock() - at)} ago` : `${clockText(at)}, live`;
+    this.#scrubber.setAttribute('aria-valuetext', text);
+    byId('position').textContent = text;
+  }
+
+  #pause() {
+    const now = clock();
+    this.#paused = { now, at: now };
+    this.#cameras().forEach((camera) => camera.pause(now));
+  }
+
+  #stepAmong(times, count) {
+    const distinct = [...new Set(times)].sort((a, b) => a - b);
+    const [before, after] = [distinct.filter((each) => each < this.#at()), distinct.filter((each) => each > this.#at())];
+    const target = count > 0 ? after[count - 1] ?? after.at(-1) : before.at(count) ?? before[0];
+    if (target !== undefined) {
+      this.show(target);
+    }
+  }
+
+  #at = () => this.#paused?.at ?? clock();
+  #to = () => this.#paused?.now ?? clock();
+  #from = () => Math.min(this.#to(), ...this.#cameras().map(({ times }) => times[0] ?? Infinity));
+}
