@@ -9,9 +9,11 @@ set(page_files
   canvas.js
   clock.js
   colours.js
+  downloads.js
   filters.js
   format.js
   frame_store.js
+  heat.js
   history.js
   kept_frames.js
   labels.js
@@ -22,12 +24,16 @@ set(page_files
   page.css
   page.html
   picture.js
+  picture_input.js
   recording.js
   recording_camera.js
   recording_player.js
   selection.js
+  shapes.js
   table.js
   timeline.js
+  tools.js
+  viewport.js
   wall.js)
 set(page_folder "${CMAKE_CURRENT_SOURCE_DIR}/viewer/page")
 set(page_writer "${page_folder}/write_page.cmake")

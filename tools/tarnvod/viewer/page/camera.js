@@ -1,13 +1,17 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-import { contains } from './boxes.js';
+import { boxOf, contains, footOf } from './boxes.js';
 import { Canvas } from './canvas.js';
 import { darkScheme } from './colours.js';
+import { savePicture } from './downloads.js';
 import { eventText, listEntries, make, seconds } from './format.js';
 import { drawPicture, objectsOf } from './picture.js';
+import { PictureInput } from './picture_input.js';
+import { CopyLine, shapeText } from './shapes.js';
 import { ObjectTable } from './table.js';
 import { drawTimeline } from './timeline.js';
+import { Viewport } from './viewport.js';
 
 const eventsListed = 5;
 
@@ -20,6 +24,11 @@ export class CameraView {
   #setup;
   #filters;
   #selection;
+  #tools;
+  #viewport = new Viewport();
+  #background = null;
+  #shape = null;
+  #copyLine = new CopyLine(() => this.#setShape(null));
   #pill = make('p', { className: 'pill' });
   #summary = make('p', { className: 'summary' });
   #title;
@@ -36,11 +45,12 @@ export class CameraView {
   #objects = [];
   #bars = [];
 
-  constructor(title, number, setup, filters, selection) {
+  constructor(title, number, setup, filters, selection, tools) {
     this.#number = number;
     this.#setup = { ...setup, background: setup.backgrounds[number] };
     this.#filters = filters;
     this.#selection = selection;
+    this.#tools = tools;
     this.#table = new ObjectTable((objectId) => selection.hover(number, objectId),
       (objectId) => selection.toggle(number, objectId));
     this.#title = make('span', {}, title);
@@ -48,12 +58,16 @@ export class CameraView {
     this.section = this.#build(title);
     this.section.dataset.camera = number;
     this.section.style.setProperty('--aspect', setup.aspect);
+    new PictureInput(this.#picture, this.#viewport, tools, {
+      changed: () => this.#selection.changed(),
+      drawn: (shape, isComplete) => this.#drawn(shape, isComplete),
+    });
     this.#listen();
   }
 
   /**
-   * Takes a moment to be drawn: its `frame`, the `trails` and `tracks` up to it, `events`, the `span` of its timeline, and
-   * `now`. All times are in seconds of one clock.
+   * Takes a moment to be drawn: its `frame`, the `trails` and `tracks` up to it, `events`, the `span` of its timeline,
+   * `now`, and the `heat` map. All times are in seconds of one clock.
    */
   show(moment) {
     this.#moment = moment;
@@ -71,8 +85,47 @@ export class CameraView {
 
   drawPicture() {
     if (this.#moment) {
+      this.#follow();
+      if (this.#background) {
+        this.#viewport.applyTo(this.#background);
+      }
       this.#objects = drawPicture(this.#picture, this.#moment, this.#choice());
       this.section.dataset.timestamp = this.#moment.frame?.timestamp ?? '';
+    }
+  }
+
+  /** Enlarges the picture; 0 shows all of it. */
+  enlarge(factor) {
+    if (factor === 0) {
+      this.#viewport.showAll();
+    } else {
+      this.#viewport.enlarge(factor);
+    }
+    this.#selection.changed();
+  }
+
+  /** Saves what is seen as a PNG image. */
+  savePicture() {
+    savePicture(`camera-${this.#number}.png`, this.#picture.element, this.#background, this.#viewport);
+  }
+
+  get zoomText() {
+    return this.#viewport.text;
+  }
+
+  set zoomText(value) {
+    this.#viewport.text = value;
+  }
+
+  /** The shape's numbers, as shares of the picture; empty without a shape. */
+  get shapeNumbers() {
+    return this.#shape ? this.#shape.map((each) => Number(each.toFixed(3))).join() : '';
+  }
+
+  set shapeNumbers(value) {
+    const numbers = value.split(',').map(Number);
+    if ([1, 4].includes(numbers.length) && numbers.every(Number.isFinite)) {
+      this.#setShape(numbers);
     }
   }
 
@@ -117,10 +170,39 @@ export class CameraView {
     return {
       boxes: this.#setup.boxes,
       onPhotograph: this.#setup.background !== undefined,
+      viewport: this.#viewport,
+      heat: this.#tools.isHeat ? this.#moment.heat : null,
+      shape: this.#shape,
       isShown: this.#filters.isShown,
       isClassShown: this.#filters.isClassShown,
       isMarked: (objectId) => this.#selection.isMarked(this.#number, objectId),
     };
+  }
+
+  #setShape(shape) {
+    this.#shape = shape;
+    this.#copyLine.show(shape ? shapeText(shape, this.#setup.boxes) : '');
+    this.#selection.changed();
+  }
+
+  #drawn(shape, isComplete) {
+    this.#shape = shape;
+    if (isComplete) {
+      this.#tools.draw(null);
+      this.#setShape(shape);
+    } else {
+      this.drawPicture();
+    }
+  }
+
+  /** Keeps the selected object in the middle. */
+  #follow() {
+    const selected = this.#tools.isFollowing &&
+      this.#moment.frame?.detections.find(({ objectId }) => this.#selection.isSelected(this.#number, objectId));
+    const box = selected ? boxOf(selected, this.#setup.boxes) : null;
+    if (box) {
+      this.#viewport.centre(footOf(box));
+    }
   }
 
   #drawTimeline() {
@@ -191,13 +273,14 @@ export class CameraView {
     const { background, aspect } = this.#setup;
     const picture = make('div', { className: 'picture' });
     if (background !== undefined) {
-      picture.append(make('img', { src: background, alt: '', className: 'background' }));
+      this.#background = make('img', { src: background, alt: '', className: 'background' });
+      picture.append(this.#background);
     }
     this.#picture.element.style.aspectRatio = aspect;
     picture.append(this.#picture.element, this.#veil);
     const legend = ['◆ seen again', '✕ left', 'solid: tracked with confidence; dashed: without; dotted: not tracked'];
     return make('section', { className: 'camera', ariaLabel: title },
-      make('header', {}, make('h2', {}, this.#title), this.#pill, this.#summary),
+      make('header', {}, make('h2', {}, this.#title), this.#pill, this.#summary, this.#copyLine.element),
       make('div', { className: 'content' },
         picture,
         make('div', { className: 'past' }, this.#timelineBox,

@@ -8,6 +8,7 @@ import { byId, counted, listEntries } from './format.js';
 import { LiveCamera } from './live_camera.js';
 import { LivePlayer } from './live_player.js';
 import { Selection } from './selection.js';
+import { Tools } from './tools.js';
 import { Wall } from './wall.js';
 
 /** The page while it shows cameras. */
@@ -23,6 +24,7 @@ export class LivePage {
   #statesSeen = 0;
   #dropped = 0;
   #statusChangesShown = '';
+  #tools = new Tools(this.#filters, this.#selection, () => this.#choose());
   #wall;
   #player;
 
@@ -33,8 +35,10 @@ export class LivePage {
     this.#filters.parameters =
       { hide: address('hide'), status: address('status'), score: address('score'), attribute: address('attribute') };
     for (const number of setup.cameras) {
-      this.#cameras.set(number, new LiveCamera(number, setup, this.#filters, this.#selection));
+      this.#cameras.set(number, new LiveCamera(number, setup, this.#filters, this.#selection, this.#tools));
     }
+    this.#tools.cameras = [...this.#cameras.values()];
+    this.#restoreTools(address);
     byId('speeds').hidden = true;
     this.#wall = new Wall(new Map([...this.#cameras].map(([number, { view }]) => [number, view])), () => this.#choose());
     this.#wall.choose(Number(address('camera')));
@@ -43,6 +47,10 @@ export class LivePage {
     setInterval(() => this.#refresh(), LivePage.#refreshPeriod);
     this.#connect();
     this.#paint();
+  }
+
+  get tools() {
+    return this.#tools;
   }
 
   get player() {
@@ -64,13 +72,21 @@ export class LivePage {
     requestAnimationFrame(() => this.#paint());
   }
 
+  #restoreTools(address) {
+    this.#tools.parameters =
+      { heat: address('heat'), follow: address('follow'), zoom: address('zoom'), shape: address('shape') };
+  }
+
   #refresh() {
     this.#cameras.forEach((camera) => camera.refresh());
     this.#player.refresh();
   }
 
   #choose() {
-    writeAddress({ camera: this.#wall.chosen ?? '', object: this.#selection.text, ...this.#filters.parameters });
+    if (!this.#wall) {
+      return; // the page is being opened
+    }
+    writeAddress({ camera: this.#wall.chosen ?? '', object: this.#selection.text, ...this.#filters.parameters, ...this.#tools.parameters });
     this.#cameras.forEach((camera) => camera.view.redraw());
   }
 

@@ -4,6 +4,7 @@
 import { CameraView } from './camera.js';
 import { clock, clockText } from './clock.js';
 import { counted, seconds } from './format.js';
+import { HeatMap } from './heat.js';
 import { History } from './history.js';
 import { KeptFrames } from './kept_frames.js';
 
@@ -18,6 +19,7 @@ export class LiveCamera {
   #boxes;
   #history;
   #kept;
+  #heat;
   #paused = null;
   #newest = null;
   #drawn = null;
@@ -27,11 +29,12 @@ export class LiveCamera {
   #connected = true;
   #pictures = 0;
 
-  constructor(number, setup, filters, selection) {
+  constructor(number, setup, filters, selection, tools) {
     this.#boxes = setup.boxes;
     this.#history = new History(setup.boxes);
+    this.#heat = new HeatMap(setup.boxes);
     this.#kept = new KeptFrames(mostKept / setup.cameras.length, History.kept);
-    this.view = new CameraView(`Camera ${number}`, number, setup, filters, selection);
+    this.view = new CameraView(`Camera ${number}`, number, setup, filters, selection, tools);
     this.refresh();
   }
 
@@ -44,6 +47,7 @@ export class LiveCamera {
   add(frame, at, text) {
     this.#history.add(frame, at);
     this.#kept.add(text, at);
+    this.#heat.add(frame);
     this.#newest = { frame, at };
     this.#passed += 1;
   }
@@ -66,6 +70,17 @@ export class LiveCamera {
 
   get eventTimes() {
     return (this.#paused?.history ?? this.#history).events.map(({ at }) => at);
+  }
+
+  /** The frames that the page keeps, each with its time `at`. */
+  framesToSave() {
+    const kept = this.#paused?.kept ?? this.#kept;
+    return kept.between(kept.times[0] ?? 0, kept.times.at(-1) ?? 0);
+  }
+
+  /** What saved times count from. */
+  get zero() {
+    return (this.#paused?.kept ?? this.#kept).times[0] ?? 0;
   }
 
   /** Keeps the past as it is at this time, to show moments of it. */
@@ -126,6 +141,7 @@ export class LiveCamera {
       events,
       now: this.#paused?.at ?? to,
       span: { from: to - History.window, to, zero: to, cursor: this.#isPast() ? this.#paused.at : undefined },
+      heat: this.#heat,
       timeText: clockText,
     });
   }

@@ -4,7 +4,8 @@
 import { clock, clockText } from './clock.js';
 import { byId, durationText } from './format.js';
 
-const scrubberStep = 0.05;
+/** In seconds; the scrubber's ends are multiples of it. */
+const scrubberStep = 0.1;
 
 /** The buttons and the scrubber of the live view: from now back over the frames that the page keeps. */
 export class LivePlayer {
@@ -65,7 +66,7 @@ export class LivePlayer {
   refresh() {
     const [from, to, at] = [this.#from(), this.#to(), this.#at()];
     byId('pause').textContent = this.#paused ? 'Resume' : 'Pause';
-    this.#scrubber.min = Math.min(0, from - to);
+    this.#scrubber.min = Math.min(-scrubberStep, Math.floor((from - to) / scrubberStep) * scrubberStep).toFixed(1);
     this.#scrubber.value = at - to;
     const text = this.#paused ? `${clockText(at)}, ${durationText(clock() - at)} ago` : `${clockText(at)}, live`;
     this.#scrubber.setAttribute('aria-valuetext', text);

@@ -38,12 +38,21 @@ function isTaken({ key, target, ctrlKey, altKey, metaKey }) {
     (key === ' ' && target.matches('button, input, summary'));
 }
 
+/** Leaves what was entered last: drawing, or the selection, or a single camera. */
+function leave(page) {
+  if (page.tools.drawing !== null) {
+    page.tools.draw(null);
+  } else {
+    page.clearSelection();
+  }
+}
+
 function onKey(page, event) {
   if (event.key === 'Escape' && !byId('keys').open) {
-    page.clearSelection();
+    leave(page);
   } else if (event.key === '?' && !isTaken(event)) {
     byId('keys').showModal();
-  } else if (!isTaken(event)) {
+  } else if (!isTaken(event) && !page.tools.onKey(event.key)) {
     onPlayerKey(page.player, event);
   }
 }

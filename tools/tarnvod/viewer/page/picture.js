@@ -5,6 +5,7 @@ import { areaOf, boxOf } from './boxes.js';
 import { colourOf } from './colours.js';
 import { longestGap, trailLength } from './history.js';
 import { drawLabel, placeLabels } from './labels.js';
+import { drawShape } from './shapes.js';
 
 /** Solid for an object that is tracked with confidence, dashed for one that is tracked without, dotted for others. */
 const dashesOf = (status) => ({ TrackedConfident: [], TrackedUnconfident: [8, 4] })[status] ?? [2, 4];
@@ -38,6 +39,8 @@ function drawTrail(context, { objectId, points }, width, height, now) {
   context.stroke();
 }
 
+const inView = (trail, viewport) => ({ ...trail, points: trail.points.map(viewport.toView) });
+
 function drawTrails(context, trails, width, height, now) {
   context.lineWidth = 2.5;
   context.lineCap = 'round';
@@ -62,27 +65,32 @@ function drawBox(context, { detection, area, isMarked }, onPhotograph) {
 }
 
 /** The detections that are shown, each with its area in the picture; null where it has no box. */
-export function objectsOf(frame, boxes, width, height, { isShown, isMarked }) {
+export function objectsOf(frame, boxes, width, height, { isShown, isMarked, viewport }) {
   return (frame?.detections ?? []).filter(isShown).map((detection) => ({
     detection,
-    area: areaOf(boxOf(detection, boxes), width, height),
+    area: areaOf(viewport.boxOf(boxOf(detection, boxes)), width, height),
     isMarked: isMarked(detection.objectId),
   }));
 }
 
 /**
  * Draws a moment of a camera: `frame`, null before the first, and the `trails` up to the time `now`. Gives the objects
- * that have a box.
+ * that have a box. `heat` and `shape` are drawn below them, where there are any.
  */
-export function drawPicture(canvas, { frame, trails, now }, { boxes, onPhotograph, isClassShown, ...choice }) {
+export function drawPicture(canvas, { frame, trails, now }, { boxes, onPhotograph, isClassShown, viewport, heat, shape, ...choice }) {
   const { context, width, height, ink } = canvas.begin();
   if (onPhotograph) {
     context.clearRect(0, 0, width, height);
   } else {
     drawGrid(context, width, height, ink);
   }
-  drawTrails(context, trails.until(now).filter(({ className }) => isClassShown(className)), width, height, now);
-  const objects = objectsOf(frame, boxes, width, height, choice).filter(({ area }) => area);
+  heat?.draw(context, width, height, viewport, isClassShown);
+  const shownTrails = trails.until(now).filter(({ className }) => isClassShown(className));
+  drawTrails(context, viewport.scale === 1 ? shownTrails : shownTrails.map((trail) => inView(trail, viewport)), width, height, now);
+  if (shape) {
+    drawShape(context, shape, width, height, viewport, ink);
+  }
+  const objects = objectsOf(frame, boxes, width, height, { viewport, ...choice }).filter(({ area }) => area);
   objects.forEach((object) => drawBox(context, object, onPhotograph));
   placeLabels(context, objects, { width, height }).reverse().forEach((label) => drawLabel(context, label));
   return objects;

@@ -7,6 +7,7 @@ import { byId, shortPath } from './format.js';
 import { RecordingCamera } from './recording_camera.js';
 import { RecordingPlayer } from './recording_player.js';
 import { Selection } from './selection.js';
+import { Tools } from './tools.js';
 import { Wall } from './wall.js';
 
 /** The page while it shows a recording, or several in step: by the time since each began. */
@@ -14,8 +15,10 @@ export class RecordingPage {
   #cameras;
   #filters = new Filters(() => this.#choose());
   #selection = new Selection(() => this.#choose());
+  #tools = new Tools(this.#filters, this.#selection, () => this.#choose());
   #wall;
   #player;
+  #isOpen = false;
 
   /** @param overviews  of the recordings, in order */
   constructor(setup, overviews) {
@@ -24,6 +27,9 @@ export class RecordingPage {
     this.#filters.parameters =
       { hide: address('hide'), status: address('status'), score: address('score'), attribute: address('attribute') };
     this.#cameras = overviews.map((overview, place) => this.#open(setup, overview, place + 1, overviews.length));
+    this.#tools.cameras = this.#cameras;
+    this.#tools.parameters =
+      { heat: address('heat'), follow: address('follow'), zoom: address('zoom'), shape: address('shape') };
     this.#filters.offer([...new Set(overviews.flatMap(({ detectionsByClass }) => Object.keys(detectionsByClass)))].sort());
     byId('source').textContent = overviews.map(({ recording }) => shortPath(recording)).join(', ');
     byId('source').title = overviews.map(({ recording }) => recording).join('\n');
@@ -31,9 +37,13 @@ export class RecordingPage {
     this.#player = new RecordingPlayer(this.#cameras, () => this.#choose());
     this.#wall = new Wall(new Map(this.#cameras.map(({ view }, place) => [place + 1, view])), () => this.#choose());
     this.#cameras.forEach(({ view }) => view.makeSeekable((time) => this.#player.show(time)));
-    const frame = Number(address('frame')) || 0;
     this.#wall.choose(Number(address('camera')));
-    this.#player.seek(frame);
+    this.#isOpen = true;
+    this.#player.seek(Number(address('frame')) || 0);
+  }
+
+  get tools() {
+    return this.#tools;
   }
 
   get player() {
@@ -52,18 +62,22 @@ export class RecordingPage {
   #open(setup, overview, number, count) {
     const title = count === 1 ? 'Recording' : shortPath(overview.recording);
     const complain = (text) => this.#complain(count === 1 ? text : `${title}: ${text}`);
-    return new RecordingCamera(number, title, setup, overview, this.#filters, this.#selection, complain);
+    return new RecordingCamera(number, title, setup, overview, this.#filters, this.#selection, this.#tools, complain);
   }
 
   /** Redraws, and puts what is shown into the address. */
   #choose() {
+    if (!this.#isOpen) {
+      return; // the address is being read
+    }
     writeAddress({
       frame: this.#player.index > 0 ? this.#player.index : '',
       camera: this.#wall.chosen ?? '',
       object: this.#selection.text,
       ...this.#filters.parameters,
+      ...this.#tools.parameters,
     });
-    this.#cameras.forEach(({ view }) => view.redraw());
+    this.#cameras.forEach((camera) => camera.refresh());
   }
 
   #complain(text) {

@@ -4,7 +4,13 @@
 import { CameraView } from './camera.js';
 import { counted, durationText, lastNotAfter } from './format.js';
 import { FrameStore } from './frame_store.js';
+import { HeatMap } from './heat.js';
 import { Lanes, trailLength, Trails } from './history.js';
+
+/** Frames are fetched in pieces of so many. */
+const piece = 100;
+/** The frames whose objects are saved from the page. */
+const mostSaved = 20_000;
 
 /** The tracks of a recording's objects, each in a row of the timeline. */
 function placeTracks(objects, events) {
@@ -24,13 +30,17 @@ export class RecordingCamera {
   #tracks;
   #store;
   #complain;
+  #tools;
+  #heat;
+  #heated = 0;
+  #isHeating = false;
   #wanted = 0;
   times;
   events;
   view;
 
   /** @param complain  called with a sentence about what cannot be shown */
-  constructor(number, title, setup, overview, filters, selection, complain) {
+  constructor(number, title, setup, overview, filters, selection, tools, complain) {
     this.#boxes = setup.boxes;
     this.#overview = overview;
     this.#complain = complain;
@@ -38,7 +48,9 @@ export class RecordingCamera {
     this.times = overview.frameSeconds;
     this.events = overview.eventList.map((event) => ({ ...event, at: this.times[event.frame] }));
     this.#tracks = placeTracks(overview.objects, this.events);
-    this.view = new CameraView(title, number, setup, filters, selection);
+    this.view = new CameraView(title, number, setup, filters, selection, tools);
+    this.#tools = tools;
+    this.#heat = new HeatMap(setup.boxes);
     this.#reportProblems();
   }
 
@@ -80,6 +92,7 @@ export class RecordingCamera {
       tracks: this.#tracks,
       events: this.events,
       now,
+      heat: this.#heat,
       span: { from: 0, to: duration, zero: 0, cursor: now },
       timeText: durationText,
     });
@@ -89,6 +102,43 @@ export class RecordingCamera {
       this.#complain(`Frame ${this.#wanted + 1} has ${frame.omittedBytes} bytes, which are too many to be shown.`);
     }
   }
+
+  /** Draws everything; counts what the heat map shows, when it is shown first. */
+  refresh() {
+    this.view.redraw();
+    if (this.#tools.isHeat && !this.#isHeating && this.#heated < this.times.length) {
+      this.#isHeating = true;
+      this.#heatUp().catch((error) => this.#complain(`The heat map is not complete: ${error.message}`))
+        .finally(() => { this.#isHeating = false; });
+    }
+  }
+
+  async #heatUp() {
+    while (this.#tools.isHeat && this.#heated < this.times.length) {
+      const frames = await this.#store.between(this.#heated, Math.min(this.#heated + piece, this.times.length) - 1);
+      frames.forEach((frame) => this.#heat.add(frame));
+      this.#heated += frames.length;
+      this.view.section.dataset.heated = this.#heated;
+      this.view.drawPicture();
+    }
+  }
+
+  /** All frames, each with its time `at`; of a long recording, the first. */
+  async framesToSave() {
+    const count = Math.min(this.times.length, mostSaved);
+    if (count < this.times.length) {
+      this.#complain(`Only the first ${mostSaved} frames are saved; "tarnvod export" saves all.`);
+    }
+    const saved = [];
+    while (saved.length < count) {
+      const frames = await this.#store.between(saved.length, Math.min(saved.length + piece, count) - 1);
+      frames.forEach((frame) => saved.push({ frame, at: this.times[saved.length] }));
+    }
+    return saved;
+  }
+
+  /** What saved times count from. */
+  zero = 0;
 
   #reportProblems() {
     const { frames, damage, damageCount } = this.#overview;

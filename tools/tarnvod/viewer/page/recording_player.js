@@ -63,9 +63,8 @@ export class RecordingPlayer {
 
   stepToEvent(direction) {
     const frames = this.#cameras.flatMap(({ events }) => events.map(({ at }) => this.#indexFrom(at)));
-    const target = direction > 0
-      ? Math.min(...frames.filter((frame) => frame > this.#index))
-      : Math.max(...frames.filter((frame) => frame < this.#index));
+    const nearest = (one, other) => (direction > 0 ? Math.min(one, other) : Math.max(one, other));
+    const target = frames.filter((frame) => direction * (frame - this.#index) > 0).reduce(nearest, direction * Infinity);
     if (Number.isFinite(target)) {
       this.seek(target);
     }

@@ -3,12 +3,13 @@
 
 /** The object that is pointed at, and the one that is selected; among the objects of all cameras. */
 export class Selection {
-  #changed;
+  /** To be called when anything else that is shown was changed. */
+  changed;
   #hovered = null;
   #selected = null;
 
   constructor(changed) {
-    this.#changed = changed;
+    this.changed = changed;
   }
 
   isMarked = (camera, objectId) => this.#is(this.#hovered, camera, objectId) || this.isSelected(camera, objectId);
@@ -20,7 +21,7 @@ export class Selection {
     const hovered = objectId === undefined ? null : { camera, objectId };
     if (this.#hovered?.camera !== hovered?.camera || this.#hovered?.objectId !== hovered?.objectId) {
       this.#hovered = hovered;
-      this.#changed();
+      this.changed();
     }
   }
 
@@ -32,7 +33,7 @@ export class Selection {
   /** Without an object nothing is selected. */
   select(camera, objectId) {
     this.#selected = objectId === undefined ? null : { camera, objectId };
-    this.#changed();
+    this.changed();
   }
 
   /** Follows the selected object to the number that it has from now on. */
