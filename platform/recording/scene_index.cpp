@@ -25,9 +25,9 @@ constexpr std::size_t checkedBytes = 28;
 constexpr std::size_t entriesInBlock = 128;
 
 template <typename Number>
-void put(std::string& bytes, Number number) {
+void put(char*& bytes, Number number) {
   for (std::size_t byte = 0; byte < sizeof(Number); ++byte) {
-    bytes.push_back(static_cast<char>(static_cast<std::uint64_t>(number) >> (8 * byte)));
+    *bytes++ = static_cast<char>(static_cast<std::uint64_t>(number) >> (8 * byte));
   }
 }
 
@@ -40,13 +40,17 @@ Number take(const char*& bytes) {
   return static_cast<Number>(number);
 }
 
-std::string encodedWithoutChecksum(const IndexEntry& entry) {
-  std::string bytes;
-  bytes.reserve(indexEntrySize);
-  put(bytes, entry.offset);
-  put(bytes, entry.arrival.wallClock);
-  put(bytes, entry.arrival.monotonic);
-  put(bytes, entry.length);
+/** The bytes of an entry; its checksum covers all before itself. */
+using EncodedEntry = std::array<char, indexEntrySize>;
+
+EncodedEntry encode(const IndexEntry& entry) {
+  EncodedEntry bytes{};
+  char* end = bytes.data();
+  put(end, entry.offset);
+  put(end, entry.arrival.wallClock);
+  put(end, entry.arrival.monotonic);
+  put(end, entry.length);
+  put(end, entry.checksum);
   return bytes;
 }
 
@@ -67,7 +71,8 @@ std::uint32_t addToChecksum(std::uint32_t checksum, std::string_view bytes) {
 }
 
 std::uint32_t checksumOf(const IndexEntry& entry, std::string_view scene) {
-  return addToChecksum(addToChecksum(0, encodedWithoutChecksum(entry)), scene);
+  const EncodedEntry bytes = encode(entry);
+  return addToChecksum(addToChecksum(0, {bytes.data(), checkedBytes}), scene);
 }
 
 std::int64_t microseconds(clockid_t clock) {
@@ -134,15 +139,15 @@ bool matches(const IndexEntry& entry, std::string_view scene) {
 std::string indexHeader(const BootId& boot) {
   std::string header(magic);
   header.append(boot.data(), boot.size());
-  header.resize(checkedBytes);
-  put(header, addToChecksum(0, header));
+  header.resize(indexEntrySize);
+  char* end = header.data() + checkedBytes;
+  put(end, addToChecksum(0, {header.data(), checkedBytes}));
   return header;
 }
 
 std::string encoded(const IndexEntry& entry) {
-  std::string bytes = encodedWithoutChecksum(entry);
-  put(bytes, entry.checksum);
-  return bytes;
+  const EncodedEntry bytes = encode(entry);
+  return {bytes.data(), bytes.size()};
 }
 
 SceneIndex::SceneIndex(const std::filesystem::path& folder) : name_(folder / indexFileName) {

@@ -4,6 +4,7 @@
 #include "recordings/recording_summary.h"
 
 #include <string>
+#include <unordered_map>
 
 namespace tarn::command {
 namespace {
@@ -30,20 +31,38 @@ class Summarizer {
   }
 
  private:
+  /** A class's name and the number of its detections. */
+  using ClassCount = std::map<std::string, std::uint64_t>::value_type;
+
   void addDetection(const ScannedScene& scanned, const ::VOD::Detection& detection) {
-    if (!names_.knowsClass(detection.class_id()) && unknownClasses_.insert(detection.class_id()).second) {
-      complain(scanned, "holds class id " + std::to_string(detection.class_id()) +
-                            ", which the detector information does not name");
-    }
-    const std::string className = names_.className(detection.class_id());
-    const double now = clock_.seconds();
-    ++summary_.detectionsByClass[className];
-    ObjectLife& life =
-        summary_.objects.try_emplace(detection.object_id(), ObjectLife{className, now, now, 0, scanned.number, 0})
-            .first->second;
-    life.last = now;
+    ClassCount& count = countOf(scanned, detection.class_id());
+    ++count.second;
+    ObjectLife& life = lifeOf(detection.object_id(), count.first, scanned.number);
+    life.last = clock_.seconds();
     life.lastFrame = scanned.number;
     ++life.frames;
+  }
+
+  ClassCount& countOf(const ScannedScene& scanned, std::uint32_t classId) {
+    const auto found = counts_.find(classId);
+    if (found != counts_.end()) {
+      return *found->second;
+    }
+    if (!names_.knowsClass(classId)) {
+      complain(scanned, "holds class id " + std::to_string(classId) + ", which the detector information does not name");
+    }
+    ClassCount& count = *summary_.detectionsByClass.try_emplace(names_.className(classId), 0).first;
+    counts_.emplace(classId, &count);
+    return count;
+  }
+
+  ObjectLife& lifeOf(std::uint32_t objectId, const std::string& className, std::uint64_t frame) {
+    const auto found = summary_.objects.find(objectId);
+    if (found != summary_.objects.end()) {
+      return found->second;
+    }
+    const double now = clock_.seconds();
+    return summary_.objects.emplace(objectId, ObjectLife{className, now, now, 0, frame, 0}).first->second;
   }
 
   void complain(const ScannedScene& scanned, const std::string& what) {
@@ -54,7 +73,8 @@ class Summarizer {
   RecordingSummary& summary_;
   const SceneNames& names_;
   RecordingClock clock_;
-  std::set<std::uint32_t> unknownClasses_;
+  /** By the classes' ids. */
+  std::unordered_map<std::uint32_t, ClassCount*> counts_;
 };
 
 std::string withoutPrefix(const std::string& text, const std::string& prefix) {

@@ -3,7 +3,13 @@
 
 #include "recordings/scene_record.h"
 
-#include <optional>
+#include "base/text.h"
+#include "detection-data/scene_conversion.h"
+
+#include <array>
+#include <cstdint>
+#include <map>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -11,44 +17,43 @@
 namespace tarn::command {
 namespace {
 
-VOD::Attribute attributeOf(const ::VOD::Attribute& attribute, const SceneNames& names) {
-  std::optional<std::string> value;
-  std::optional<std::uint32_t> score;
-  if (attribute.has_class_case() == ::VOD::Attribute::kClass) {
-    value = names.attributeValue(attribute.type(), attribute.class_());
-  }
-  if (attribute.has_score_case() == ::VOD::Attribute::kScore) {
-    score = attribute.score();
-  }
-  return {names.attributeName(attribute.type()), value, score};
-}
+/** Collects a name for every id in a scene, so that the library's conversion leaves no detection and no attribute out. */
+class NamesOfAll {
+ public:
+  explicit NamesOfAll(const SceneNames& names) : names_(names) {}
 
-VOD::Classification classificationOf(const ::VOD::Classification& classification, const SceneNames& names) {
-  std::optional<std::string> name;
-  std::optional<std::uint32_t> score;
-  if (classification.has_class_case() == ::VOD::Classification::kClass) {
-    name = names.className(classification.class_());
+  void add(const ::VOD::Detection& detection) {
+    addClass(detection.class_id());
+    for (const auto& attribute : detection.attributes()) {
+      add(attribute);
+    }
+    for (const auto& classification : detection.classifications()) {
+      addClass(classification.class_());
+    }
   }
-  if (classification.has_score_case() == ::VOD::Classification::kScore) {
-    score = classification.score();
-  }
-  return {name, score};
-}
 
-VOD::Data detectionOf(const ::VOD::Detection& detection, const SceneNames& names) {
-  std::vector<VOD::Attribute> attributes;
-  for (const auto& attribute : detection.attributes()) {
-    attributes.push_back(attributeOf(attribute, names));
+  VOD::SceneNames tables() {
+    return {std::make_shared<VOD::ClassNames>(std::move(classes_)),
+            std::make_shared<VOD::AttributeTypeNames>(std::move(types_)),
+            std::make_shared<VOD::AttributeClassNames>(std::move(values_))};
   }
-  std::vector<VOD::Classification> classifications;
-  for (const auto& classification : detection.classifications()) {
-    classifications.push_back(classificationOf(classification, names));
+
+ private:
+  void addClass(std::uint32_t id) { classes_.emplace(static_cast<std::int32_t>(id), names_.className(id)); }
+
+  void add(const ::VOD::Attribute& attribute) {
+    types_.emplace(attribute.type(), names_.attributeName(attribute.type()));
+    values_.emplace(VOD::AttributeClassId{attribute.type(), attribute.class_()},
+                    names_.attributeValue(attribute.type(), attribute.class_()));
   }
-  return {detection.coord_1(),       detection.coord_2(),   detection.coord_3(),
-          detection.coord_4(),       detection.object_id(), names.className(detection.class_id()),
-          detection.score(),         statusOf(detection),   std::move(attributes),
-          std::move(classifications)};
-}
+
+  const SceneNames& names_;
+  std::map<std::int32_t, std::string> classes_;
+  std::map<std::uint32_t, std::string> types_;
+  std::map<VOD::AttributeClassId, std::string> values_;
+};
+
+void ignore(std::uint32_t /*attributeType*/) {}
 
 }  // namespace
 
@@ -59,33 +64,32 @@ std::uint64_t timestampOf(const std::string& scene) {
 }
 
 VOD::DetectionStatus statusOf(const ::VOD::Detection& detection) {
-  switch (detection.status()) {
-    case ::VOD::Detection::TRACKED_UNCONFIDENT:
-      return VOD::DetectionStatus::TrackedUnconfident;
-    case ::VOD::Detection::TRACKED_CONFIDENT:
-      return VOD::DetectionStatus::TrackedConfident;
-    default:
-      return VOD::DetectionStatus::Untracked;
-  }
+  return ::VOD::Detection_DetectionStatus_IsValid(detection.status())
+             ? static_cast<VOD::DetectionStatus>(detection.status())
+             : VOD::DetectionStatus::Untracked;
+}
+
+const std::string& statusName(const ::VOD::Detection& detection) {
+  static const std::array<std::string, 3> names{nameOf(VOD::DetectionStatus::Untracked),
+                                                nameOf(VOD::DetectionStatus::TrackedUnconfident),
+                                                nameOf(VOD::DetectionStatus::TrackedConfident)};
+  return names.at(static_cast<std::size_t>(statusOf(detection)));
 }
 
 std::vector<VOD::VodEvent> eventsOf(const ::VOD::Scene& scene) {
-  std::vector<VOD::VodEvent> events;
-  for (const auto& event : scene.events()) {
-    if (event.action() == ::VOD::EVENT_DELETE || event.action() == ::VOD::EVENT_CONNECT) {
-      events.emplace_back(static_cast<VOD::EventAction>(event.action()), event.object_id(),
-                          std::vector<int>(event.object_ids().begin(), event.object_ids().end()));
-    }
+  if (scene.events().empty()) {
+    return {};
   }
-  return events;
+  // Without names the detections are left out.
+  return std::move(VOD::convertScene(scene, VOD::SceneNames(), ignore)->events);
 }
 
 VOD::DetectionData recordOf(const ::VOD::Scene& scene, const SceneNames& names) {
-  std::vector<VOD::Data> detections;
+  NamesOfAll all(names);
   for (const auto& detection : scene.detections()) {
-    detections.push_back(detectionOf(detection, names));
+    all.add(detection);
   }
-  return {scene.timestamp(), std::move(detections), eventsOf(scene)};
+  return std::move(*VOD::convertScene(scene, all.tables(), ignore));
 }
 
 }  // namespace tarn::command

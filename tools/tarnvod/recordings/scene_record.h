@@ -9,18 +9,23 @@
 #include <tarnvod/detection_data.h>
 #include <tarnvod/video_object_detection.pb.h>
 
+#include <cstdint>
+#include <string>
 #include <vector>
 
 namespace tarn::command {
 
 VOD::DetectionStatus statusOf(const ::VOD::Detection& detection);
 
+/** The name of a detection's status, as the library prints it. */
+const std::string& statusName(const ::VOD::Detection& detection);
+
 /** The events that applications get: those of known actions. */
 std::vector<VOD::VodEvent> eventsOf(const ::VOD::Scene& scene);
 
 /**
- * A raw scene as the record in which the library would deliver it, except that nothing is left out: what the detector
- * does not name is named by its number.
+ * A raw scene as the record in which the library delivers it to an application that asks for all classes. What the
+ * detector does not name is not left out: it is named by its number.
  */
 VOD::DetectionData recordOf(const ::VOD::Scene& scene, const SceneNames& names);
 

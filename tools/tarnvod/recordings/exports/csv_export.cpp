@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: MIT
 
 #include "base/text.h"
+#include "base/text_buffer.h"
 #include "recordings/exports/frame_export.h"
 #include "recordings/scene_record.h"
 
-#include <charconv>
-#include <map>
+#include <string_view>
 #include <unordered_map>
 #include <utility>
 
@@ -17,84 +17,137 @@ constexpr std::string_view header =
     "frame,timestamp,arrival,objectId,className,score,status,coord1,coord2,coord3,coord4,attributes,classifications,"
     "event,objectIds\n";
 
-/** The text as one field: in quotation marks, where it could be taken for more than one. */
-std::string csvField(const std::string& text) {
-  if (text.find_first_of(",\"\r\n") == std::string::npos) {
-    return text;
-  }
-  std::string result = "\"";
+/** Puts what stands in the buffer from a place on into quotation marks, as one field. */
+void quote(TextBuffer& buffer, std::size_t begin) {
+  const std::string text(buffer.text().substr(begin));
+  buffer.cutTo(begin);
+  buffer.append('"');
   for (const char letter : text) {
-    result += letter == '"' ? "\"\"" : std::string(1, letter);
+    buffer.append(letter == '"' ? "\"\"" : std::string_view(&letter, 1));
   }
-  return result + '"';
+  buffer.append('"');
 }
 
-template <typename Number>
-void append(std::string& line, Number number) {
-  char digits[32];
-  line.append(digits, std::to_chars(digits, digits + sizeof(digits), number).ptr);
-}
+/** A part of a field. */
+struct FieldText {
+  explicit FieldText(std::string contents)
+      : text(std::move(contents)), needsQuotes(text.find_first_of(",\"\r\n") != std::string::npos) {}
 
-/** The fields that are the same in many lines, made once. */
+  std::string text;
+  bool needsQuotes;  ///< it could be taken for more than one field
+};
+
+/** Texts that are the same in many lines, each made once. */
+template <typename Key>
+class FieldTexts {
+ public:
+  /** @param make  returns the text that is not there yet */
+  template <typename Make>
+  const FieldText& find(Key key, const Make& make) {
+    const auto found = texts_.find(key);
+    if (found != texts_.end()) {
+      return found->second;
+    }
+    constexpr std::size_t most = 4096;  // a damaged recording may hold any number of ids
+    if (texts_.size() >= most) {
+      texts_.clear();
+    }
+    return texts_.emplace(key, make()).first->second;
+  }
+
+ private:
+  std::unordered_map<Key, FieldText> texts_;
+};
+
+/** The last field of a line, in the making. */
+class Field {
+ public:
+  explicit Field(TextBuffer& line) : line_(line), begin_(line.size()) {}
+
+  void add(const FieldText& part) {
+    line_.append(part.text);
+    needsQuotes_ = needsQuotes_ || part.needsQuotes;
+  }
+
+  void addScore(bool isThere, std::uint32_t score) {
+    if (isThere) {
+      line_.append(':');
+      line_.append(score);
+    }
+  }
+
+  void separate() {
+    if (line_.size() > begin_) {
+      line_.append(';');
+    }
+  }
+
+  void end() const {
+    if (needsQuotes_) {
+      quote(line_, begin_);
+    }
+    line_.append(',');
+  }
+
+ private:
+  TextBuffer& line_;
+  const std::size_t begin_;
+  bool needsQuotes_ = false;
+};
+
+/** Appends fields with names. */
 class CsvNames {
  public:
   explicit CsvNames(const SceneNames& names) : names_(names) {}
 
-  const std::string& className(std::uint32_t id) {
-    const auto found = classes_.find(id);
-    return found != classes_.end() ? found->second : classes_.emplace(id, csvField(names_.className(id))).first->second;
+  void appendClass(TextBuffer& line, std::uint32_t id) {
+    Field field(line);
+    field.add(className(id));
+    field.end();
   }
 
   /** A detection's attributes: "coat=red:80;hat=yes". */
-  void appendAttributes(std::string& line, const ::VOD::Detection& detection) {
-    text_.clear();
+  void appendAttributes(TextBuffer& line, const ::VOD::Detection& detection) {
+    Field field(line);
     for (const auto& attribute : detection.attributes()) {
-      separate();
-      text_ += attributeText(attribute);
-      appendScore(attribute.has_score_case() == ::VOD::Attribute::kScore, attribute.score());
+      field.separate();
+      field.add(attributeText(attribute));
+      field.addScore(attribute.has_score_case() == ::VOD::Attribute::kScore, attribute.score());
     }
-    line += csvField(text_);
+    field.end();
   }
 
-  void appendClassifications(std::string& line, const ::VOD::Detection& detection) {
-    text_.clear();
+  /** A detection's classifications: "human:80". */
+  void appendClassifications(TextBuffer& line, const ::VOD::Detection& detection) {
+    Field field(line);
     for (const auto& classification : detection.classifications()) {
-      separate();
+      field.separate();
       if (classification.has_class_case() == ::VOD::Classification::kClass) {
-        text_ += names_.className(classification.class_());
+        field.add(className(classification.class_()));
       }
-      appendScore(classification.has_score_case() == ::VOD::Classification::kScore, classification.score());
+      field.addScore(classification.has_score_case() == ::VOD::Classification::kScore, classification.score());
     }
-    line += csvField(text_);
+    field.end();
   }
 
  private:
-  void separate() { text_ += text_.empty() ? "" : ";"; }
-
-  void appendScore(bool isThere, std::uint32_t score) {
-    if (isThere) {
-      text_ += ':';
-      append(text_, score);
-    }
+  const FieldText& className(std::uint32_t id) {
+    return classes_.find(id, [&] { return FieldText(names_.className(id)); });
   }
 
-  const std::string& attributeText(const ::VOD::Attribute& attribute) {
+  const FieldText& attributeText(const ::VOD::Attribute& attribute) {
+    constexpr std::uint32_t noValue = 0xffffffffU;
     const bool hasValue = attribute.has_class_case() == ::VOD::Attribute::kClass;
     const std::uint64_t key = std::uint64_t{attribute.type()} << 32U | (hasValue ? attribute.class_() : noValue);
-    auto found = attributes_.find(key);
-    if (found == attributes_.end()) {
+    return attributes_.find(key, [&] {
       const std::string value = hasValue ? '=' + names_.attributeValue(attribute.type(), attribute.class_()) : "";
-      found = attributes_.emplace(key, names_.attributeName(attribute.type()) + value).first;
-    }
-    return found->second;
+      return FieldText(names_.attributeName(attribute.type()) + value);
+    });
   }
 
-  static constexpr std::uint32_t noValue = 0xffffffffU;
-
   const SceneNames& names_;
-  std::unordered_map<std::uint32_t, std::string> classes_;
-  std::unordered_map<std::uint64_t, std::string> attributes_;
-  std::string text_;
+  FieldTexts<std::uint32_t> classes_;
+  FieldTexts<std::uint64_t> attributes_;
 };
 
 class CsvExport : public FrameExport {
@@ -102,72 +155,69 @@ class CsvExport : public FrameExport {
   CsvExport(const std::string& path, const SceneNames& names) : file_(path), names_(names) { file_.write(header); }
 
   void add(const ScannedScene& scanned) override {
-    frame_.clear();
-    append(frame_, scanned.number);
-    frame_ += ',';
-    append(frame_, scanned.scene.timestamp());
-    frame_ += ',';
-    if (scanned.arrival) {
-      append(frame_, scanned.arrival->wallClock);
-    }
+    beginFrame(scanned);
+    lines_.clear();
     for (const auto& detection : scanned.scene.detections()) {
       add(detection);
     }
     for (const auto& event : eventsOf(scanned.scene)) {
       add(event);
     }
+    file_.write(lines_.text());
   }
 
   void finish() override { file_.commit(); }
 
  private:
-  void add(const ::VOD::Detection& detection) {
-    line_ = frame_;
-    line_ += ',';
-    append(line_, detection.object_id());
-    line_ += ',';
-    line_ += names_.className(detection.class_id());
-    line_ += ',';
-    append(line_, detection.score());
-    line_ += ',';
-    line_ += statusName(detection);
-    for (const float number : {detection.coord_1(), detection.coord_2(), detection.coord_3(), detection.coord_4()}) {
-      line_ += ',';
-      append(line_, number);
+  /** Makes the fields with which all lines of the frame begin. */
+  void beginFrame(const ScannedScene& scanned) {
+    frame_.clear();
+    frame_.append(scanned.number, ',');
+    frame_.append(scanned.scene.timestamp(), ',');
+    if (scanned.arrival) {
+      frame_.append(scanned.arrival->wallClock);
     }
-    line_ += ',';
-    names_.appendAttributes(line_, detection);
-    line_ += ',';
-    names_.appendClassifications(line_, detection);
-    line_ += ",,\n";
-    file_.write(line_);
+    frame_.append(',');
+  }
+
+  template <typename ObjectId>
+  void beginLine(ObjectId object) {
+    lines_.append(frame_.text());
+    lines_.append(object, ',');
+  }
+
+  void add(const ::VOD::Detection& detection) {
+    beginLine(detection.object_id());
+    names_.appendClass(lines_, detection.class_id());
+    lines_.append(detection.score(), ',');
+    lines_.append(statusName(detection));
+    lines_.append(',');
+    for (const float number : {detection.coord_1(), detection.coord_2(), detection.coord_3(), detection.coord_4()}) {
+      lines_.append(number, ',');
+    }
+    names_.appendAttributes(lines_, detection);
+    names_.appendClassifications(lines_, detection);
+    lines_.append(",\n");
   }
 
   void add(const VOD::VodEvent& event) {
-    std::string others;
+    beginLine(event.objectId);
+    lines_.append(",,,,,,,,,");
+    lines_.append(event.action == VOD::EventAction::Delete ? deleted_ : connected_);
+    char separator = ',';
     for (const int id : event.objectIds) {
-      others += (others.empty() ? "" : " ") + std::to_string(id);
+      lines_.append(std::exchange(separator, ' '));
+      lines_.append(id);
     }
-    file_.write(frame_ + ',' + std::to_string(event.objectId) + ",,,,,,,,,," + nameOf(event.action) + ',' + others +
-                '\n');
-  }
-
-  static const std::string& statusName(const ::VOD::Detection& detection) {
-    static const std::map<VOD::DetectionStatus, std::string> names = [] {
-      std::map<VOD::DetectionStatus, std::string> result;
-      for (const auto status : {VOD::DetectionStatus::Untracked, VOD::DetectionStatus::TrackedUnconfident,
-                                VOD::DetectionStatus::TrackedConfident}) {
-        result.emplace(status, nameOf(status));
-      }
-      return result;
-    }();
-    return names.at(statusOf(detection));
+    lines_.append(separator == ',' ? ",\n" : "\n");
   }
 
   ReplacedFile file_;
   CsvNames names_;
-  std::string frame_;
-  std::string line_;
+  const std::string deleted_ = nameOf(VOD::EventAction::Delete);
+  const std::string connected_ = nameOf(VOD::EventAction::Connect);
+  TextBuffer frame_;
+  TextBuffer lines_;
 };
 
 }  // namespace

@@ -1,10 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "base/text.h"
+#include "base/text_buffer.h"
 #include "recordings/exports/frame_export.h"
-
-#include <array>
 
 namespace tarn::command {
 namespace {
@@ -15,26 +13,36 @@ class MotExport : public FrameExport {
       : file_(path), size_(size), boxes_(boxes) {}
 
   void add(const ScannedScene& scanned) override {
+    lines_.clear();
     for (const auto& detection : scanned.scene.detections()) {
-      file_.write(std::to_string(scanned.number) + ',' + std::to_string(detection.object_id()) + ',' +
-                  boxOf(detection) + ',' + std::to_string(detection.score()) + ",-1,-1,-1\n");
+      lines_.append(scanned.number, ',');
+      lines_.append(detection.object_id(), ',');
+      addBox(detection);
+      lines_.append(detection.score());
+      lines_.append(",-1,-1,-1\n");
     }
+    file_.write(lines_.text());
   }
 
   void finish() override { file_.commit(); }
 
  private:
   /** Left, top, width and height in pixels. */
-  std::string boxOf(const ::VOD::Detection& detection) const {
+  void addBox(const ::VOD::Detection& detection) {
     const Box box =
         boxes_.toPicture({detection.coord_1(), detection.coord_2(), detection.coord_3(), detection.coord_4()});
-    return fixed(box.left * size_.width, 2) + ',' + fixed(box.top * size_.height, 2) + ',' +
-           fixed((box.right - box.left) * size_.width, 2) + ',' + fixed((box.bottom - box.top) * size_.height, 2);
+    for (const double pixels : {box.left * size_.width, box.top * size_.height, (box.right - box.left) * size_.width,
+                                (box.bottom - box.top) * size_.height}) {
+      constexpr int digits = 2;
+      lines_.appendFixed(pixels, digits);
+      lines_.append(',');
+    }
   }
 
   ReplacedFile file_;
   const PixelSize size_;
   const BoxConvention boxes_;
+  TextBuffer lines_;
 };
 
 }  // namespace

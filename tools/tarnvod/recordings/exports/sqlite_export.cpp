@@ -53,18 +53,17 @@ class SqliteExport : public FrameExport {
   }
 
   void add(const ScannedScene& scanned) override {
-    const VOD::DetectionData frame = recordOf(scanned.scene, names_);
     std::optional<std::int64_t> wallClock;
     std::optional<std::int64_t> monotonic;
     if (scanned.arrival) {
       wallClock = scanned.arrival->wallClock;
       monotonic = scanned.arrival->monotonic;
     }
-    frames_->run(scanned.number, frame.timestamp, wallClock, monotonic);
-    for (const VOD::Data& detection : frame.detections) {
+    frames_->run(scanned.number, scanned.scene.timestamp(), wallClock, monotonic);
+    for (const auto& detection : scanned.scene.detections()) {
       add(scanned.number, detection);
     }
-    for (const VOD::VodEvent& event : frame.events) {
+    for (const VOD::VodEvent& event : eventsOf(scanned.scene)) {
       events_->run(scanned.number, nameOf(event.action), event.objectId, listOf(event.objectIds));
     }
   }
@@ -75,16 +74,36 @@ class SqliteExport : public FrameExport {
   }
 
  private:
-  void add(std::uint64_t frame, const VOD::Data& detection) {
+  void add(std::uint64_t frame, const ::VOD::Detection& detection) {
     ++number_;
-    detections_->run(number_, frame, detection.objectId, detection.className, detection.score, nameOf(detection.status),
-                     detection.coord1, detection.coord2, detection.coord3, detection.coord4);
-    for (const VOD::Attribute& attribute : detection.attributes) {
-      attributes_->run(number_, attribute.typeName, attribute.className, attribute.score);
+    detections_->run(number_, frame, detection.object_id(), names_.className(detection.class_id()), detection.score(),
+                     statusName(detection), detection.coord_1(), detection.coord_2(), detection.coord_3(),
+                     detection.coord_4());
+    for (const auto& attribute : detection.attributes()) {
+      add(attribute);
     }
-    for (const VOD::Classification& classification : detection.classifications) {
-      classifications_->run(number_, classification.className, classification.score);
+    for (const auto& classification : detection.classifications()) {
+      add(classification);
     }
+  }
+
+  void add(const ::VOD::Attribute& attribute) {
+    std::optional<std::string> value;
+    if (attribute.has_class_case() == ::VOD::Attribute::kClass) {
+      value = names_.attributeValue(attribute.type(), attribute.class_());
+    }
+    const bool hasScore = attribute.has_score_case() == ::VOD::Attribute::kScore;
+    attributes_->run(number_, names_.attributeName(attribute.type()), value,
+                     hasScore ? std::optional(attribute.score()) : std::nullopt);
+  }
+
+  void add(const ::VOD::Classification& classification) {
+    std::optional<std::string> name;
+    if (classification.has_class_case() == ::VOD::Classification::kClass) {
+      name = names_.className(classification.class_());
+    }
+    const bool hasScore = classification.has_score_case() == ::VOD::Classification::kScore;
+    classifications_->run(number_, name, hasScore ? std::optional(classification.score()) : std::nullopt);
   }
 
   /** A JSON array, which the database's own functions read. */
