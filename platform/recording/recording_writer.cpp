@@ -112,7 +112,12 @@ RecordingWriter::RecordingWriter(const std::filesystem::path& folder, std::strin
     }
     scenes_.create(folder / scenesFileName);
   } catch (...) {
-    index_.close();
+    // What has been made would be taken for a recording that is there already.
+    if (index_.descriptor >= 0) {
+      index_.close();
+      ::unlink(index_.path.c_str());
+    }
+    ::unlink((folder / detectorInformationFileName).c_str());
     throw;
   }
 }

@@ -107,6 +107,31 @@ class FileSizeLimit {
   void (*handler_)(int);
 };
 
+TEST_F(ARecordingBeingWritten, LeavesNothingThatBlocksTheFolderWhenItsScenesCannotBeCreated) {
+  std::filesystem::create_directories(folder_ / scenesFileName);
+  EXPECT_THAT([&] { RecordingWriter(folder_, "detector"); },
+              testing::ThrowsMessage<RecordingError>((folder_ / scenesFileName).string() + ": File exists"));
+  EXPECT_FALSE(std::filesystem::exists(folder_ / detectorInformationFileName));
+  EXPECT_FALSE(std::filesystem::exists(folder_ / indexFileName));
+}
+
+TEST_F(ARecordingBeingWritten, LeavesNothingWhenThereIsNoRoomForItsIndex) {
+  {
+    const FileSizeLimit limit(10);
+    EXPECT_THAT([&] { RecordingWriter(folder_, "detector"); },
+                testing::ThrowsMessage<RecordingError>((folder_ / indexFileName).string() + ": File too large"));
+  }
+  EXPECT_TRUE(std::filesystem::is_empty(folder_));
+}
+
+TEST_F(ARecordingBeingWritten, KeepsAnIndexThatIsNotItsOwn) {
+  std::filesystem::create_directories(folder_);
+  std::ofstream(folder_ / indexFileName) << "index";
+  EXPECT_THROW(RecordingWriter(folder_, "detector"), RecordingError);
+  EXPECT_EQ(std::filesystem::file_size(folder_ / indexFileName), 5U);
+  EXPECT_FALSE(std::filesystem::exists(folder_ / detectorInformationFileName));
+}
+
 TEST_F(ARecordingBeingWritten, EndsWithTheMessageBeforeTheOneForWhichThereWasNoRoom) {
   RecordingWriter writer(folder_, "");
   writer.append("one");
