@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <recording/recording_writer.h>
 #include <recording/scene_index.h>
 #include <recording/segments.h>
 #include <signal.h>
@@ -47,10 +48,40 @@ class RecordingThatKeeps : public test::TwoCameras {
 };
 
 TEST_F(RecordingThatKeeps, ASizeNeverExceedsIt) {
-  const test::Outcome outcome = recorded({"--camera", "1", "--max-size", "8K"}, "20", "1", "300");
+  // Fewer frames than the command holds in memory, played once: none is lost, however slow the machine is.
+  constexpr int frames = 240;
+  const auto played = folder / "played";
+  {
+    vod::recording::RecordingWriter writer(played, test::detector().SerializeAsString());
+    for (int number = 0; number < frames; ++number) {
+      writer.append(test::sceneBytes(number));
+    }
+  }
+  const test::Outcome outcome =
+      test::run({"record", "--output", out, "--frames", std::to_string(frames), "--camera", "1", "--max-size", "8K"},
+                {"TARNVOD_HOST_RECORDINGS=" + played.string(), "TARNVOD_HOST_PACE=max", "TARNVOD_HOST_LOOP=0"});
   EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+  EXPECT_GT(bytesIn(played), 9U * 1024U);
   EXPECT_LE(bytesIn(out), 9U * 1024U);
   EXPECT_GT(summaryOf(out)["frames"], 30);
+}
+
+TEST_F(RecordingThatKeeps, SegmentsIsNotContinuedAsAPlainRecording) {
+  ASSERT_EQ(recorded({"--camera", "1", "--keep", "24h"}).exitCode, 0);
+  const test::Outcome outcome = recorded({"--camera", "1"});
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_TRUE(test::isOneLine(outcome.errors));
+  EXPECT_THAT(outcome.errors, HasSubstr(out.string() + ": holds a recording of segments already; go on with --keep"));
+  EXPECT_EQ(summaryOf(out)["frames"], 20);
+}
+
+TEST_F(RecordingThatKeeps, NothingOfTheFirstCameraWhenTheSecondCannotBeRecorded) {
+  vod::recording::RecordingWriter(out / "camera-2", "");
+  const test::Outcome outcome = recorded({"--camera", "1", "2"});
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_TRUE(test::isOneLine(outcome.errors));
+  EXPECT_THAT(outcome.errors, HasSubstr("camera-2: holds a recording already"));
+  EXPECT_FALSE(std::filesystem::exists(out / "camera-1"));
 }
 
 TEST_F(RecordingThatKeeps, ATimeHasSegments) {

@@ -16,6 +16,7 @@
 
 #include <CLI/CLI.hpp>
 #include <recording/recording.h>
+#include <recording/segments.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -43,13 +44,19 @@ std::filesystem::path folderOf(int camera, const RecordOptions& options) {
   return options.cameras.size() == 1 ? folder : folder / ("camera-" + std::to_string(camera));
 }
 
-void checkHoldsNoRecording(const std::filesystem::path& folder) {
+/** Segments go on in a folder of segments; nothing else is written into a folder that holds a recording. */
+void checkMayBeWritten(const std::filesystem::path& folder, const Keeping& keeping) {
   for (const char* name :
        {vod::recording::detectorInformationFileName, vod::recording::scenesFileName, vod::recording::indexFileName}) {
     std::error_code ignored;  // what cannot be looked at cannot be written either, which is reported then
     if (std::filesystem::exists(folder / name, ignored)) {
       throw Failure(folder.string() + ": holds a recording already; name another folder");
     }
+  }
+  if (!keeping.hasSegments() && vod::recording::partsOf(folder) != std::vector{folder}) {
+    throw Failure(folder.string() +
+                  ": holds a recording of segments already; go on with --keep, --max-size or --ring, or name another "
+                  "folder");
   }
 }
 
@@ -58,8 +65,6 @@ class CameraRecorder {
  public:
   CameraRecorder(int camera, const RecordOptions& options, std::shared_ptr<SceneQueue> scenes)
       : camera_(camera), folder_(folderOf(camera, options)), scenes_(std::move(scenes)) {
-    checkHoldsNoRecording(folder_);
-    checkCameraExists(camera_, channelCount());
     subscription_.emplace(camera_, scenes_);
     sink_ = makeSink(folder_, subscription_->readDetectorInformation(), options.keeping);
     subscription_->subscribe();
@@ -123,6 +128,10 @@ class CameraRecorder {
 class Recorder {
  public:
   explicit Recorder(const RecordOptions& options) : options_(options), bar_(options.limits) {
+    for (const int camera : options.cameras) {
+      checkMayBeWritten(folderOf(camera, options), options.keeping);
+      checkCameraExists(camera, channelCount());
+    }
     for (const int camera : options.cameras) {
       cameras_.push_back(std::make_unique<CameraRecorder>(camera, options, scenes_));
     }
