@@ -7,12 +7,16 @@
 
 #include <google/protobuf/io/coded_stream.h>
 
+#include <algorithm>
 #include <istream>
 #include <string_view>
 #include <utility>
 
 namespace vod::recording {
 namespace {
+
+/** A search finds scenes of up to this length: it looks at each byte, and behind it this far. */
+constexpr std::uint32_t longestSearched = 64U << 10U;
 
 std::int64_t prefixSize(std::uint32_t length) {
   return static_cast<std::int64_t>(google::protobuf::io::CodedOutputStream::VarintSize32(length));
@@ -33,7 +37,8 @@ std::optional<Arrival> knownArrival(const IndexEntry& entry) {
 
 }  // namespace
 
-CheckedReader::CheckedReader(const std::filesystem::path& folder) : parts_(partsOf(folder)) {
+CheckedReader::CheckedReader(const std::filesystem::path& folder, LooksLikeScene looksLikeScene)
+    : looksLikeScene_(std::move(looksLikeScene)), parts_(partsOf(folder)) {
   open(0);
 }
 
@@ -73,6 +78,9 @@ void CheckedReader::open(std::size_t part) {
   partHasEnded_ = false;
   index_.emplace(parts_[part]);
   openAt(0);
+  window_.clear();
+  probe_->seekg(0, std::ios::end);
+  fileSize_ = probe_->tellg();
   if (index_->damage()) {
     found_.push_back(*index_->damage());
   }
@@ -99,6 +107,11 @@ void CheckedReader::check(RecordedScene&& scene) {
   const auto size = static_cast<std::uint32_t>(scene.bytes.size());
   if (entry && entry->length != size && !isFollowedBy(scene.offset + prefixSize(size) + size) &&
       resumeAt(scene.offset, "its length disagrees with the index")) {
+    return;
+  }
+  const bool isMisread = looksLikeScene_ && !entry && !looksLikeScene_(scene.bytes) &&
+                         !isStartOfScenes(scene.offset + prefixSize(size) + size);
+  if (isMisread && searchBehind(scene.offset, "this is not a scene")) {
     return;
   }
   ++number_;
@@ -141,7 +154,7 @@ bool CheckedReader::isFollowedBy(std::int64_t offset) {
 }
 
 void CheckedReader::resumeBehind(const Damage& damage) {
-  if (resumeAt(damage.offset, damage.what)) {
+  if (resumeAt(damage.offset, damage.what) || searchBehind(damage.offset, damage.what)) {
     return;
   }
   const std::uint64_t listed = index_->size() - index_->firstFrom(static_cast<std::uint64_t>(damage.offset));
@@ -167,6 +180,57 @@ bool CheckedReader::resumeAt(std::int64_t offset, const std::string& what) {
   }
   cannotResume_ = true;
   return false;
+}
+
+bool CheckedReader::searchBehind(std::int64_t offset, const std::string& what) {
+  for (std::int64_t begin = offset + 1; looksLikeScene_ && begin < fileSize_; ++begin) {
+    if (isStartOfScenes(begin)) {
+      found_.push_back(
+          {fileOf(part_), offset,
+           what + "; " + std::to_string(begin - offset) + " bytes lost, goes on at offset " + std::to_string(begin)});
+      end_ = begin;
+      openAt(begin);
+      return true;
+    }
+  }
+  return false;
+}
+
+bool CheckedReader::isStartOfScenes(std::int64_t offset) {
+  if (offset >= fileSize_) {
+    return true;
+  }
+  const std::string_view bytes = bytesFrom(offset);
+  const auto size = sizeOfScene(bytes);
+  return size &&
+         (offset + static_cast<std::int64_t>(*size) == fileSize_ || sizeOfScene(bytes.substr(*size)).has_value());
+}
+
+std::optional<std::size_t> CheckedReader::sizeOfScene(std::string_view bytes) const {
+  google::protobuf::io::CodedInputStream input(reinterpret_cast<const std::uint8_t*>(bytes.data()),
+                                               static_cast<int>(bytes.size()));
+  std::uint32_t length = 0;
+  if (!input.ReadVarint32(&length) || length == 0 || length > longestSearched) {
+    return std::nullopt;
+  }
+  const auto prefix = static_cast<std::size_t>(input.CurrentPosition());
+  const bool isScene = prefix + length <= bytes.size() && looksLikeScene_(bytes.substr(prefix, length));
+  return isScene ? std::optional(prefix + length) : std::nullopt;
+}
+
+std::string_view CheckedReader::bytesFrom(std::int64_t offset) {
+  constexpr std::int64_t lookAhead = 2 * longestSearched + 10;
+  const std::int64_t windowEnd = windowStart_ + static_cast<std::int64_t>(window_.size());
+  const bool isHeld = offset >= windowStart_ && std::min(offset + lookAhead, fileSize_) <= windowEnd;
+  if (!isHeld) {
+    windowStart_ = offset;
+    window_.resize(static_cast<std::size_t>(2 * lookAhead));
+    probe_->clear();
+    probe_->seekg(offset);
+    probe_->read(window_.data(), static_cast<std::streamsize>(window_.size()));
+    window_.resize(static_cast<std::size_t>(probe_->gcount()));
+  }
+  return std::string_view(window_).substr(static_cast<std::size_t>(offset - windowStart_));
 }
 
 std::optional<std::string> CheckedReader::intactScene(const IndexEntry& entry) {

@@ -12,9 +12,11 @@
 #include <cstdint>
 #include <deque>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -29,6 +31,9 @@ struct CheckedScene {
   std::optional<Arrival> arrival;
 };
 
+/** Whether these bytes may be a scene. */
+using LooksLikeScene = std::function<bool(std::string_view bytes)>;
+
 using CheckedNext = std::variant<CheckedScene, EndOfRecording, Damage>;
 
 /**
@@ -38,8 +43,12 @@ using CheckedNext = std::variant<CheckedScene, EndOfRecording, Damage>;
  */
 class CheckedReader {
  public:
-  /** @throw RecordingError  when the scenes of the first part cannot be opened */
-  explicit CheckedReader(const std::filesystem::path& folder);
+  /**
+   * @param looksLikeScene  finds out where scenes begin again behind damage that the index does not describe; without it,
+   *                        a part without an index ends at its first damage
+   * @throw RecordingError  when the scenes of the first part cannot be opened
+   */
+  explicit CheckedReader(const std::filesystem::path& folder, LooksLikeScene looksLikeScene = {});
 
   /** The next scene or damage. A damage is not the end: there may be more after it. */
   CheckedNext next();
@@ -62,15 +71,28 @@ class CheckedReader {
   void resumeBehind(const Damage& damage);
   /** Goes on with the first intact scene at or behind an offset; false when the index knows none. */
   bool resumeAt(std::int64_t offset, const std::string& what);
+  /** Goes on where scenes follow each other again behind an offset; false when they never do. */
+  bool searchBehind(std::int64_t offset, const std::string& what);
+  /** Whether the file goes on here with two scenes, or with one at its end, or ends. */
+  bool isStartOfScenes(std::int64_t offset);
+  /** How many bytes the scene at the start of these has with its length prefix; none when they do not begin with one. */
+  std::optional<std::size_t> sizeOfScene(std::string_view bytes) const;
+  /** The file from an offset on, as far as a search looks ahead. */
+  std::string_view bytesFrom(std::int64_t offset);
   std::optional<std::string> intactScene(const IndexEntry& entry);
   void finishPart();
 
+  const LooksLikeScene looksLikeScene_;
   std::vector<std::filesystem::path> parts_;
   std::size_t part_ = 0;
+  std::int64_t fileSize_ = 0;
   std::optional<SceneIndex> index_;
   std::unique_ptr<RecordingReader> reader_;
   /** A second look at the same file, anywhere in it. */
   std::unique_ptr<std::istream> probe_;
+  /** What a search reads, and where it begins in the file. */
+  std::string window_;
+  std::int64_t windowStart_ = 0;
   /** The number of the index's entry that is expected to describe the next scene. */
   std::uint64_t number_ = 0;
   std::uint64_t withoutEntry_ = 0;

@@ -187,6 +187,45 @@ TEST_F(Repair, LeavesOutWhatIsNotAScene) {
   EXPECT_EQ(test::contentsOf(folder / "repaired" / scenes), "\x02\x08\x01\x02\x08\x02");
 }
 
+TEST_F(Repair, GoesOnBehindDamageWithoutAnIndex) {
+  std::filesystem::remove(recording / indexFile);
+  const std::string sound = test::contentsOf(recording / scenes);
+  const std::size_t size = test::sceneBytes(0).size() + 1;
+  const std::size_t next = size + test::sceneBytes(1).size() + 1;
+  constexpr std::size_t unknownField = 5;  // at the end of a scene; without an index nothing shows what belongs into it
+  for (std::size_t position = size; position <= next - unknownField; ++position) {
+    std::string bytes = sound;
+    bytes.replace(position, next - position, std::string(next - position, '\xff'));
+    test::writeTo(recording / scenes, bytes);
+    const auto output = folder / ("repaired-" + std::to_string(position));
+
+    const test::Outcome outcome = test::run({"repair", recording, "--output", output});
+
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+    EXPECT_THAT(outcome.output, HasSubstr("scenes.pb: offset " + std::to_string(size) + ": ")) << position;
+    EXPECT_EQ(test::contentsOf(output / scenes), sound.substr(0, size) + sound.substr(next)) << position;
+  }
+}
+
+TEST_F(Repair, FindsTheNextSceneBehindALengthThatIsWrong) {
+  std::filesystem::remove(recording / indexFile);
+  const std::string sound = test::contentsOf(recording / scenes);
+  const std::size_t size = test::sceneBytes(0).size() + 1;
+  const std::size_t next = size + test::sceneBytes(1).size() + 1;
+  for (const int length : {1, 40, 100, 127}) {
+    std::string bytes = sound;
+    bytes[size] = static_cast<char>(length);
+    test::writeTo(recording / scenes, bytes);
+    const auto output = folder / ("repaired-" + std::to_string(length));
+
+    const test::Outcome outcome = test::run({"repair", recording, "--output", output});
+
+    EXPECT_THAT(outcome.output, HasSubstr("offset " + std::to_string(size) + ": this is not a scene; ")) << length;
+    EXPECT_THAT(outcome.output, HasSubstr("goes on at offset " + std::to_string(next))) << length;
+    EXPECT_EQ(test::contentsOf(output / scenes), sound.substr(0, size) + sound.substr(next)) << length;
+  }
+}
+
 TEST_F(Repair, KeepsTheScenesWithoutDetectorInformation) {
   std::filesystem::remove(recording / information);
   const test::Outcome outcome = test::run({"repair", recording, "--output", folder / "repaired"});

@@ -15,6 +15,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace tarn::command {
 namespace {
@@ -55,8 +56,15 @@ std::string detectorInformationOf(const std::string& folder, Report& report) {
   }
 }
 
+/** Whether these bytes may be a scene with a time stamp or contents. */
+bool looksLikeScene(std::string_view bytes) {
+  ::VOD::Scene scene;
+  return scene.ParseFromArray(bytes.data(), static_cast<int>(bytes.size())) &&
+         (scene.timestamp() != 0 || !scene.detections().empty() || !scene.events().empty());
+}
+
 int repair(const RepairOptions& options) {
-  vod::recording::CheckedReader reader(options.folder);
+  vod::recording::CheckedReader reader(options.folder, looksLikeScene);
   Report report;
   RecordingOutput output(options.output, detectorInformationOf(options.folder, report), commonBoot({options.folder}));
   ScanProgress progress(options.folder);
