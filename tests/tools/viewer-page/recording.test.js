@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 import assert from 'node:assert/strict';
-import { copyFile, mkdtemp, rm } from 'node:fs/promises';
+import { copyFile, mkdtemp, rm, writeFile } from 'node:fs/promises';
 import { tmpdir } from 'node:os';
 import { join } from 'node:path';
 import { after, before, describe, test } from 'node:test';
@@ -218,4 +218,19 @@ test('boxes of width and height in pixels are drawn as such', async () => {
   const expected = [(coord1 / 2) * width, coord2 * height, (coord3 / 2) * width, coord4 * height];
   rows[0].box.forEach((number, place) => assert.ok(Math.abs(number - expected[place]) < 0.02));
   await viewer.stop();
+});
+
+test('a recording without frames, and one that is damaged, each get a sentence', async () => {
+  const folder = await mkdtemp(join(tmpdir(), 'tarnvod-view-'));
+  await copyFile(join(street, 'detector-information.pb'), join(folder, 'detector-information.pb'));
+  for (const [bytes, sentence] of [['', /holds no frames/], ['\xff\xff', /is damaged: .*scenes\.pb: offset 0: /]]) {
+    await writeFile(join(folder, 'scenes.pb'), bytes, 'latin1');
+    const viewer = await Viewer.start('--recording', folder);
+    const { page, complaints } = await look(viewer, { shown: null });
+    await page.locator('#notice', { hasText: sentence }).waitFor();
+    await page.getByText('Nothing to show').waitFor();
+    assert.deepEqual(complaints, []);
+    await viewer.stop();
+  }
+  await rm(folder, { recursive: true });
 });

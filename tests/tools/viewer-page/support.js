@@ -91,7 +91,7 @@ export async function openBrowser() {
 
 export const closeBrowser = () => browser.close();
 
-/** Opens the page, and waits until the camera `shown` is. What it complains of, and whatever it asks of anybody but its viewer, stands in `complaints`. */
+/** Opens the page, and waits until a frame of the camera `shown` is; with null, for no frame. What it complains of, and whatever it asks of anybody but its viewer, stands in `complaints`. */
 export async function look(viewer, { width = 1280, height = 860, address = '', shown = 1, ...options } = {}) {
   const context = await browser.newContext({ viewport: { width, height }, ...options });
   const page = await context.newPage();
@@ -105,7 +105,7 @@ export async function look(viewer, { width = 1280, height = 860, address = '', s
     }
   });
   await page.goto(viewer.url + address);
-  await page.waitForSelector(`.camera[data-camera="${shown}"][data-timestamp]:not([data-timestamp=""])`);
+  await page.waitForSelector(shown === null ? '.camera' : `.camera[data-camera="${shown}"][data-timestamp]:not([data-timestamp=""])`);
   return { page, complaints };
 }
 
