@@ -10,6 +10,8 @@
 #pragma GCC visibility pop
 
 #include "diagnostics.h"
+#include "rehearsal/rehearsal.h"
+#include "rehearsal/watch.h"
 #include "service/service.h"
 
 #include <algorithm>
@@ -59,6 +61,7 @@ template <typename Work>
 int guarded(Function function, Work work) noexcept {
   const ObservedCall observed;
   try {
+    vod::host::Rehearsal::beginIfNamed();
     return work();
   } catch (const std::exception& error) {
     vod::host::reportFailure(name(function), error.what());
@@ -72,6 +75,7 @@ class Entry {
   explicit Entry(Call begun) : call_(std::move(begun)), number_(service().journal.begin(call_)) {}
   ~Entry() {
     call_.result = call_.result.value_or(status::outOfMemory);
+    vod::host::Watch::instance().returned(call_);
     service().journal.end(number_, std::move(call_));
   }
   Entry(const Entry&) = delete;

@@ -68,6 +68,18 @@ bool readLoop() {
   return text == "1";
 }
 
+/** The path of a file; none if it is not set. */
+std::optional<std::string> readPath(const char* name) {
+  const char* const value = variable(name);
+  if (value == nullptr) {
+    return std::nullopt;
+  }
+  if (*value == '\0') {
+    refuse(name, value, "the path of a file");
+  }
+  return value;
+}
+
 }  // namespace
 
 std::optional<LogDestination> readLogDestination() {
@@ -85,6 +97,10 @@ std::optional<LogDestination> readLogDestination() {
 Environment readEnvironment() {
   static_cast<void>(readLogDestination());  // It has been applied when the library was loaded; here it is checked.
   return {readFolders(), {readPace(), readLoop()}};
+}
+
+RehearsalFiles readRehearsalFiles() {
+  return {readPath("TARNVOD_HOST_SCHEDULE"), readPath("TARNVOD_HOST_JOURNAL")};
 }
 
 }  // namespace vod::host

@@ -36,6 +36,17 @@ std::optional<LogDestination> readLogDestination();
  */
 Environment readEnvironment();
 
+/** The files of a rehearsal; none of them is set otherwise. */
+struct RehearsalFiles {
+  /** The schedule that is executed instead of playing the recordings. */
+  std::optional<std::string> schedule;
+  /** The file or pipe that receives what is observed of the application. */
+  std::optional<std::string> journal;
+};
+
+/** @throw std::invalid_argument  as `readEnvironment` */
+RehearsalFiles readRehearsalFiles();
+
 }  // namespace vod::host
 
 #endif

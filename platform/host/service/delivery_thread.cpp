@@ -25,6 +25,11 @@ void DeliveryThread::post(Task task) {
   changed_.notify_all();
 }
 
+std::size_t DeliveryThread::waiting() {
+  const Lock lock(mutex_);
+  return tasks_.size();
+}
+
 bool DeliveryThread::drain(std::chrono::milliseconds limit) {
   Lock lock(mutex_);
   const std::uint64_t last = posted_;

@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <functional>
@@ -27,6 +28,8 @@ class DeliveryThread {
   DeliveryThread& operator=(const DeliveryThread&) = delete;
 
   void post(Task task);
+  /** The number of tasks that have not started. */
+  std::size_t waiting();
   /**
    * Waits until every task posted before the call has returned or has been discarded.
    *

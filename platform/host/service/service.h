@@ -88,6 +88,13 @@ class Service {
   void waitForEndOfRecording(int number);
   bool isAtEndOfRecording(int number);
 
+  // ---- For the execution of schedules ----
+
+  /** The number of scenes and teardowns of the channel that wait for their delivery. */
+  std::size_t waitingTasks(int channel);
+  /** Fails every call that needs a channel, as an invalid environment variable does; reports why. */
+  void refuseConfiguration(const std::string& error);
+
  private:
   void configure(const Lock& lock) TARNVOD_REQUIRES(mutex_);
   ChannelState* findChannel(const Lock& lock, int channel) TARNVOD_REQUIRES(mutex_);

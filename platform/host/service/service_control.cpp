@@ -3,6 +3,7 @@
 
 // The functions of the service that the control interface calls.
 
+#include "diagnostics.h"
 #include "service/callback_exceptions.h"
 #include "service/service.h"
 
@@ -62,6 +63,14 @@ std::optional<std::string> Service::configurationError() {
   const Lock lock(mutex_);
   configure(lock);
   return state_.configurationError;
+}
+
+void Service::refuseConfiguration(const std::string& error) {
+  const Lock lock(mutex_);
+  state_.isConfigured = true;
+  state_.channels.clear();
+  state_.configurationError = error;
+  report(error);
 }
 
 ChannelState& Service::channelAt(const Lock& /*held*/, int channel) {

@@ -81,6 +81,11 @@ void Service::bringUp() {
   state_.isDown = false;
 }
 
+std::size_t Service::waitingTasks(int number) {
+  const Lock lock(mutex_);
+  return threadOf(lock, channelAt(lock, number)).waiting();
+}
+
 DeliveryThread& Service::threadOf(const Lock& /*held*/, ChannelState& channel) {
   auto& thread = state_.threads == Threads::OneForAll ? state_.sharedThread : channel.thread;
   if (!thread) {

@@ -3,6 +3,7 @@
 
 #include "service/subscriber.h"
 
+#include "rehearsal/watch.h"
 #include "service/callback_exceptions.h"
 
 #include <algorithm>
@@ -118,6 +119,7 @@ void Subscriber::callDetection(const Settings& settings, const Frame& frame,
       delivered = frameOf(*filtered->remaining);
     }
   }
+  const Watch::Callback watched(channel_);
   runCallback([&] { settings.detection(delivered.buffer, delivered.length, userData_); });
 }
 
@@ -128,6 +130,7 @@ void Subscriber::tearDown(int subscription, Order order) {
   }
   unsubscribe();
   if (running.settings()->teardown != nullptr) {
+    const Watch::Callback watched(channel_);
     runCallback([&] { running.settings()->teardown(userData_); });
   }
 }
