@@ -41,6 +41,9 @@ constexpr Subcommand subcommands[] = {
     {"repair", "Keep what can be read of a damaged recording, and list the damage", defineRepair},
     {"compare", "Report how a recording differs from a reference, class by class", defineCompare},
     {"render", "Draw the tracks of recordings, or one frame with its boxes, as SVG", defineRender},
+#ifdef TARNVOD_HOST_PLATFORM
+    {"rehearse", "Run an application through days on which the service fails", defineRehearse},
+#endif
 #ifdef TARNVOD_WITH_VIEWER
     {"view", "Show what cameras see, or a recording, in a browser", defineView},
 #endif

@@ -23,6 +23,7 @@ _tarnvod() {
     [compare]="--json --iou --tolerance --mota --idf1 --box --range --help"
     [repair]="--output --help"
     [render]="--output --frame --box --range --aspect --background --detector --help"
+    [rehearse]="--days --until-failure --seed --day --schedule --speed --jobs --patience --callback-limit --stop-limit --check --must-print --must-not-print --output --json --help"
     [view]="--camera --class --all-classes --roi --recording --background --port --address --box --range --aspect --help"
     [publish]="--site --device --spool --spool-size --until-stored --every --changes --camera --class --all-classes --roi --frames --seconds --host --port --cafile --cert --key --user --password-file --keepalive --help"
     [collect]="--site --name --host --port --cafile --cert --key --user --password-file --keepalive --help"
@@ -30,7 +31,7 @@ _tarnvod() {
   )
   COMPREPLY=()
   if [[ $COMP_CWORD -eq 1 ]]; then
-    mapfile -t COMPREPLY < <(compgen -W "info watch record inspect export cut merge repair compare render view publish collect audit --help --version" -- "$current")
+    mapfile -t COMPREPLY < <(compgen -W "info watch record inspect export cut merge repair compare render rehearse view publish collect audit --help --version" -- "$current")
     return
   fi
   case $previous in
@@ -50,12 +51,12 @@ _tarnvod() {
       mapfile -t COMPREPLY < <(compgen -W "$(_tarnvod_cameras)" -- "$current")
       return
       ;;
-    --file | --output | --spool | --cafile | --cert | --key | --password-file | --background | --detector | --recording)
+    --file | --output | --spool | --cafile | --cert | --key | --password-file | --background | --detector | --recording | --schedule)
       compopt -o filenames
       mapfile -t COMPREPLY < <(compgen -f -- "$current")
       return
       ;;
-    --class | --roi | --from | --to | --keep | --max-size | --ring | --after | --iou | --tolerance | --mota | --idf1 | --size | --frames | --seconds | --frame | --range | --aspect | --port | --address | --site | --device | --name | --spool-size | --every | --late | --host | --user | --keepalive)
+    --class | --roi | --from | --to | --keep | --max-size | --ring | --after | --iou | --tolerance | --mota | --idf1 | --size | --frames | --seconds | --frame | --range | --aspect | --port | --address | --site | --device | --name | --spool-size | --every | --late | --host | --user | --keepalive | --days | --seed | --day | --speed | --jobs | --patience | --callback-limit | --stop-limit | --check | --must-print | --must-not-print)
       return
       ;;
   esac

@@ -29,6 +29,8 @@ Action defineMerge(CLI::App& command);
 Action defineRepair(CLI::App& command);
 Action defineCompare(CLI::App& command);
 Action defineRender(CLI::App& command);
+/** Only on the host platform. */
+Action defineRehearse(CLI::App& command);
 /** Only where the viewer was built. */
 Action defineView(CLI::App& command);
 /** Only where the fleet was built, like the next two. */
