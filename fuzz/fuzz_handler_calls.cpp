@@ -4,7 +4,7 @@
 // Sequences of handler calls, frames and faults, decoded from the input: the steps of the fault campaign, compared with
 // its model of the registry.
 
-#include "campaign/world.h"
+#include "endurance/campaign/world.h"
 #include "fuzz_input.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
