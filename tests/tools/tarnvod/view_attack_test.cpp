@@ -176,8 +176,11 @@ class ACameraWithLargeFrames : public test::TwoCameras {
 TEST_F(ACameraWithLargeFrames, IsViewedInBoundedMemory) {
   const test::Viewer viewer({"--camera", "1"}, playing("max"));
 
-  viewer.receive([](const test::Event& event) {
-    return event.name == "state" && event.json()["framesDropped"].get<std::uint64_t>() > 20;
+  // A machine that keeps up shows all frames, a slower one drops some.
+  int shown = 0;
+  viewer.receive([&](const test::Event& event) {
+    shown += event.name == "frame" ? 1 : 0;
+    return shown > 100 || (event.name == "state" && event.json()["framesDropped"].get<std::uint64_t>() > 20);
   });
 
   EXPECT_LT(viewer.peakMemoryKilobytes(), test::viewerMemoryKilobytes);
