@@ -6,6 +6,8 @@
 
 #include <tarnvod/tarnvod.h>
 
+#include <chrono>
+#include <cstdint>
 #include <functional>
 #include <iostream>
 #include <list>
@@ -27,10 +29,21 @@ void work(FrameQueue& queue) {
   }
 }
 
+// Asks until the service answers, which may start later than the application.
+int numberOfCameras() {
+  std::uint32_t count = tarn::VOD::Handler::getNumberOfChannels();
+  while (count == 0) {
+    std::clog << "waiting for the service" << std::endl;
+    std::this_thread::sleep_for(std::chrono::seconds(1));
+    count = tarn::VOD::Handler::getNumberOfChannels();
+  }
+  return static_cast<int>(count);
+}
+
 }  // namespace
 
 int main() {
-  const int count = static_cast<int>(tarn::VOD::Handler::getNumberOfChannels());
+  const int count = numberOfCameras();
   FrameQueue queue{static_cast<std::size_t>(count) + 1, tarn::VOD::FrameQueuePolicy::KeepLatest};
   std::thread worker(work, std::ref(queue));
 
