@@ -121,6 +121,7 @@ TEST_F(TheEndOfACamera, MayComeFromItsOwnFrameWhileItIsSetUp) {
   inCallback.open();
   vod::host::drain();
   vod::host::waitForReturned(Function::Delete, 1);
+  SteeredTime::settle();
   EXPECT_EQ(owned_, nullptr);
 }
 
