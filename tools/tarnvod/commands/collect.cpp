@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+#include "base/changed_message.h"
 #include "base/clock.h"
 #include "base/errors.h"
 #include "base/output.h"
@@ -56,7 +57,7 @@ class Collector {
       try {
         serve();
       } catch (const BrokerProblem& problem) {
-        report(problem.what());
+        message_.print(problem.what());
       }
       const auto retryAt = Clock::now() + retryPause;
       while (!stopRequested() && Clock::now() < retryAt) {
@@ -78,7 +79,7 @@ class Collector {
         [this](const BrokerMessage& message) { take(message); }, [](int) {});
     broker.connect(stopRequested);
     broker.subscribe(topics(), stopRequested);
-    report(options_.broker.name() + ": connected");
+    message_.print(options_.broker.name() + ": connected");
     while (broker.isConnected() && !stopRequested()) {
       manager_.reportAlive(Clock::now());
       broker.wait(hasBatch_ ? longestWait / 2 : tick);
@@ -89,7 +90,7 @@ class Collector {
     if (hasBatch_) {
       store(broker);
     }
-    broker.isConnected() ? broker.disconnect() : report(options_.broker.name() + ": " + broker.problem());
+    broker.isConnected() ? broker.disconnect() : message_.print(options_.broker.name() + ": " + broker.problem());
   }
 
   std::vector<std::string> topics() const {
@@ -157,13 +158,6 @@ class Collector {
     }
   }
 
-  void report(const std::string& message) {
-    if (message != reported_) {
-      reported_ = message;
-      printMessage("tarnvod: " + message);
-    }
-  }
-
   const CollectOptions& options_;
   Collection collection_;
   ServiceManager manager_;
@@ -176,7 +170,7 @@ class Collector {
   std::uint64_t repeated_ = 0;
   std::uint64_t conflicting_ = 0;
   std::uint64_t refused_ = 0;
-  std::string reported_;
+  ChangedMessage message_;
 };
 
 int collect(const CollectOptions& options) {

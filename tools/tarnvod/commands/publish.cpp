@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+#include "base/changed_message.h"
 #include "base/errors.h"
 #include "base/options.h"
-#include "base/output.h"
 #include "base/service_manager.h"
 #include "base/stop_signal.h"
 #include "base/unit_options.h"
@@ -101,23 +101,15 @@ class Publisher {
     try {
       spool_.append({SpoolEntry::Kind::Frame, range, frameJson(*numbered.frame, origin_, envelope)});
       cameraOf(envelope.camera).noteKept(envelope.sequence);
-      spoolProblem_.clear();
+      spoolProblem_.forget();
     } catch (const vod::recording::RecordingError& error) {
-      reportSpoolProblem(error.what());
+      spoolProblem_.print(error.what() + std::string("; frames are lost until there is room"));
       cameraOf(envelope.camera).noteOverflow(envelope.sequence);
     }
   }
 
   PublishedCamera& cameraOf(int number) {
     return cameras_[static_cast<std::size_t>(std::distance(numbers_.begin(), numbers_.find(number)))];
-  }
-
-  /** Each problem once, until frames can be kept again. */
-  void reportSpoolProblem(const std::string& problem) {
-    if (problem != spoolProblem_) {
-      spoolProblem_ = problem;
-      printMessage("tarnvod: " + problem + "; frames are lost until there is room");
-    }
   }
 
   void tick() {
@@ -143,7 +135,7 @@ class Publisher {
         spool_.append({SpoolEntry::Kind::Dropped, overflow_.front(), ""});
       }
     } catch (const vod::recording::RecordingError& error) {
-      reportSpoolProblem(error.what());
+      spoolProblem_.print(error.what() + std::string("; frames are lost until there is room"));
     }
   }
 
@@ -180,7 +172,7 @@ class Publisher {
   Sender sender_;
   ServiceManager manager_;
   Clock::time_point statusAt_;
-  std::string spoolProblem_;
+  ChangedMessage spoolProblem_;
   std::vector<FrameRange> overflow_;
   NumberedFrames frames_{queueCapacity};
   std::deque<PublishedCamera> cameras_;  // after the queue, which their frames go to

@@ -24,7 +24,7 @@ void PublishedCamera::add(std::unique_ptr<VOD::DetectionData> frame) {
   const WallTime now = wallTimeNow();
   std::uint64_t sequence = 0;
   {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     if (!selection_.takes(*frame)) {
       return;
     }
@@ -37,13 +37,13 @@ void PublishedCamera::add(std::unique_ptr<VOD::DetectionData> frame) {
 }
 
 void PublishedCamera::noteOverflow(std::uint64_t sequence) {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   ++overflowed_;
   addRange(overflow_, {number_, "", sequence, sequence});
 }
 
 std::vector<FrameRange> PublishedCamera::takeOverflow() {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   return std::exchange(overflow_, {});
 }
 
@@ -64,7 +64,7 @@ bool PublishedCamera::update() {
 }
 
 CameraReport PublishedCamera::report() const {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   return {status_, since_, kept_, overflowed_, detector_};
 }
 

@@ -4,6 +4,7 @@
 #ifndef TARNVOD_COMMAND_PUBLISHED_CAMERA_H
 #define TARNVOD_COMMAND_PUBLISHED_CAMERA_H
 
+#include "base/lock.h"
 #include "cameras/bounded_queue.h"
 #include "cameras/status_changes.h"
 #include "fleet/messages.h"
@@ -13,7 +14,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
@@ -63,11 +63,11 @@ class PublishedCamera {
   std::optional<VOD::DetectorInformation> detector_;
   std::uint64_t kept_ = 0;
 
-  mutable std::mutex mutex_;  ///< guards what follows, but for the camera
-  Selection selection_;
-  std::uint64_t sequence_ = 0;
-  std::uint64_t overflowed_ = 0;
-  std::vector<FrameRange> overflow_;
+  mutable Mutex mutex_;
+  Selection selection_ TARNVOD_GUARDED_BY(mutex_);
+  std::uint64_t sequence_ TARNVOD_GUARDED_BY(mutex_) = 0;
+  std::uint64_t overflowed_ TARNVOD_GUARDED_BY(mutex_) = 0;
+  std::vector<FrameRange> overflow_ TARNVOD_GUARDED_BY(mutex_);
 
   std::optional<VOD::Camera> camera_;  // last, so that it ends first
 };

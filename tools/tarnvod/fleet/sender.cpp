@@ -3,7 +3,6 @@
 
 #include "fleet/sender.h"
 
-#include "base/output.h"
 #include "fleet/messages.h"
 #include "fleet/topics.h"
 
@@ -29,7 +28,7 @@ Sender::Sender(Spool& spool, const Origin& origin, const BrokerOptions& broker, 
 
 Sender::~Sender() {
   {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     isEnding_ = true;
   }
   ending_.notify_all();
@@ -41,7 +40,7 @@ Sender::~Sender() {
 
 void Sender::setStatus(std::string text) {
   {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     status_ = std::move(text);
     statusIsNew_ = true;
   }
@@ -50,7 +49,7 @@ void Sender::setStatus(std::string text) {
 
 void Sender::finish(std::function<std::string()> makeStatus) {
   {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     makeLastStatus_ = std::move(makeStatus);
     deadline_ = Clock::now() + timeToEnd;
     isEnding_ = true;
@@ -65,7 +64,7 @@ void Sender::run() {
     try {
       serve();
     } catch (const std::exception& problem) {
-      report(problem.what());
+      message_.print(problem.what());
     }
     waitBeforeRetry();
   }
@@ -86,7 +85,7 @@ void Sender::serve() {
     return;
   }
   ++connections_;
-  report(options_.name() + ": connected");
+  message_.print(options_.name() + ": connected");
   untaken_.clear();
   unstored_.clear();
   patience_ = shortestPatience;
@@ -97,7 +96,7 @@ void Sender::serve() {
     sendOverdueAgain();
     broker.wait(tick, wakeUp_.descriptor());
     wakeUp_.clear();
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     if (statusIsNew_ && !isEnding_) {
       statusIsNew_ = false;
       broker.publish(statusTopic(origin_.site, origin_.device), status_, true);
@@ -107,7 +106,7 @@ void Sender::serve() {
 }
 
 void Sender::sendStatus(Broker& broker) {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   statusIsNew_ = false;
   if (!status_.empty()) {
     lastStatus_ = broker.publish(statusTopic(origin_.site, origin_.device), status_, true);
@@ -177,42 +176,37 @@ void Sender::settleStored(SpoolEntry::Kind kind, const FrameRange& frames) {
   }
 }
 
+/** Whether an orderly end has taken all its time, or another one was asked for. */
+bool Sender::isOverdue() {
+  const Lock lock(mutex_);
+  return Clock::now() > deadline_;
+}
+
 /** Whether an orderly end has come to its end, or another one was asked for. */
-bool Sender::isDone() const {
-  if (!isEnding_) {
-    return false;
-  }
-  return Clock::now() > deadline_ || spool_.figures().waiting == 0;
+bool Sender::isDone() {
+  return isEnding_ && (isOverdue() || spool_.figures().waiting == 0);
 }
 
 void Sender::endInOrder(Broker& broker) {
   if (!broker.isConnected()) {
-    report(options_.name() + ": " + broker.problem());
+    message_.print(options_.name() + ": " + broker.problem());
     return;
   }
   lastStatusIsTaken_ = false;
   {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     status_ = makeLastStatus_ ? makeLastStatus_() : status_;
   }
   sendStatus(broker);
-  while (broker.isConnected() && !lastStatusIsTaken_ && Clock::now() <= deadline_) {
+  while (broker.isConnected() && !lastStatusIsTaken_ && !isOverdue()) {
     broker.wait(tick);
   }
   broker.disconnect();
 }
 
 void Sender::waitBeforeRetry() {
-  std::unique_lock lock(mutex_);
-  ending_.wait_for(lock, retryPause, [this] { return isEnding_.load(); });
-}
-
-/** Prints what has changed, each once. */
-void Sender::report(const std::string& message) {
-  if (message != reported_) {
-    reported_ = message;
-    printMessage("tarnvod: " + message);
-  }
+  Lock lock(mutex_);
+  ending_.wait_for(lock.forWaiting(), retryPause, [this] { return isEnding_.load(); });
 }
 
 }  // namespace tarn::command

@@ -4,7 +4,9 @@
 #ifndef TARNVOD_COMMAND_SENDER_H
 #define TARNVOD_COMMAND_SENDER_H
 
+#include "base/changed_message.h"
 #include "base/clock.h"
+#include "base/lock.h"
 #include "fleet/broker.h"
 #include "fleet/spool.h"
 #include "fleet/wake_up.h"
@@ -15,7 +17,6 @@
 #include <cstdint>
 #include <functional>
 #include <map>
-#include <mutex>
 #include <string>
 #include <thread>
 #include <tuple>
@@ -69,10 +70,10 @@ class Sender {
   void onTaken(int message);
   void onMessage(const BrokerMessage& message);
   void settleStored(SpoolEntry::Kind kind, const FrameRange& frames);
-  bool isDone() const;
+  bool isOverdue();
+  bool isDone();
   void endInOrder(Broker& broker);
   void waitBeforeRetry();
-  void report(const std::string& message);
 
   Spool& spool_;
   const Origin origin_;
@@ -81,12 +82,12 @@ class Sender {
   const WakeUp wakeUp_;
   std::atomic<std::uint64_t> connections_{0};
 
-  std::mutex mutex_;
+  Mutex mutex_;
   std::condition_variable ending_;
-  std::string status_;                           ///< guarded by mutex_
-  std::function<std::string()> makeLastStatus_;  ///< guarded by mutex_
-  bool statusIsNew_ = false;                     ///< guarded by mutex_
-  Clock::time_point deadline_;                   ///< guarded by mutex_; when an orderly end gives up
+  std::string status_ TARNVOD_GUARDED_BY(mutex_);
+  std::function<std::string()> makeLastStatus_ TARNVOD_GUARDED_BY(mutex_);
+  bool statusIsNew_ TARNVOD_GUARDED_BY(mutex_) = false;
+  Clock::time_point deadline_ TARNVOD_GUARDED_BY(mutex_);  ///< when an orderly end gives up
   std::atomic<bool> isEnding_{false};
 
   // Of the thread.
@@ -95,7 +96,7 @@ class Sender {
   Clock::duration patience_{0};  ///< how long to wait for a collector before entries are sent again
   bool lastStatusIsTaken_ = false;
   int lastStatus_ = 0;
-  std::string reported_;
+  ChangedMessage message_;
 
   std::thread thread_;  // last, so that it starts when all else is there
 };

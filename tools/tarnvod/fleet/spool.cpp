@@ -90,7 +90,7 @@ void Spool::readSettled() {
 }
 
 void Spool::append(const SpoolEntry& entry) {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   try {
     write(entry);
   } catch (const RecordingError&) {
@@ -174,10 +174,10 @@ void Spool::noteDropped(std::uint64_t number) {
 }
 
 std::optional<Spool::Given> Spool::next() {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   while (true) {
     const auto segment = std::find_if(segments_.begin(), segments_.end(),
-                                      [this](const Segment& each) { return each.number >= next_.segment; });
+                                      [first = next_.segment](const Segment& each) { return each.number >= first; });
     if (segment == segments_.end()) {
       return std::nullopt;
     }
@@ -212,7 +212,7 @@ std::optional<SpoolEntry> Spool::read(const SpoolPosition& position) {
 }
 
 void Spool::settle(const SpoolPosition& position) {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   if (given_.erase(position) > 0) {
     --figures_.waiting;
     removeSettledSegments();
@@ -223,7 +223,7 @@ void Spool::settle(const SpoolPosition& position) {
 }
 
 void Spool::rewind() {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   // What is settled between the lowest entry that is not and the next one is given out again, too, and counts as waiting.
   const SpoolPosition lowest = lowestUnsettled();
   std::uint64_t entries = 0;
@@ -272,7 +272,7 @@ void Spool::saveSettled() {
 }
 
 Spool::Figures Spool::figures() const {
-  const std::lock_guard lock(mutex_);
+  const Lock lock(mutex_);
   Figures figures = figures_;
   figures.bytes = bytes();
   return figures;

@@ -5,6 +5,7 @@
 #define TARNVOD_COMMAND_SPOOL_H
 
 #include "base/clock.h"
+#include "base/lock.h"
 #include "fleet/file_lock.h"
 #include "fleet/spool_entry.h"
 #include "fleet/spool_segment.h"
@@ -14,8 +15,6 @@
 #include <cstdint>
 #include <deque>
 #include <filesystem>
-#include <map>
-#include <mutex>
 #include <optional>
 #include <set>
 #include <tuple>
@@ -80,19 +79,19 @@ class Spool {
   Figures figures() const;
 
  private:
-  void findSegments();
-  void readSettled();
-  void write(const SpoolEntry& entry);
-  void beginSegment();
-  void dropOldest();
-  void noteDropped(std::uint64_t number);
-  void appendNotes();
-  void removeSettledSegments();
+  void findSegments() TARNVOD_REQUIRES(mutex_);
+  void readSettled() TARNVOD_REQUIRES(mutex_);
+  void write(const SpoolEntry& entry) TARNVOD_REQUIRES(mutex_);
+  void beginSegment() TARNVOD_REQUIRES(mutex_);
+  void dropOldest() TARNVOD_REQUIRES(mutex_);
+  void noteDropped(std::uint64_t number) TARNVOD_REQUIRES(mutex_);
+  void appendNotes() TARNVOD_REQUIRES(mutex_);
+  void removeSettledSegments() TARNVOD_REQUIRES(mutex_);
   void remove(std::uint64_t segment) const;
-  SpoolPosition lowestUnsettled() const;
-  void saveSettled();
-  std::optional<SpoolEntry> read(const SpoolPosition& position);
-  std::uint64_t bytes() const;
+  SpoolPosition lowestUnsettled() const TARNVOD_REQUIRES(mutex_);
+  void saveSettled() TARNVOD_REQUIRES(mutex_);
+  std::optional<SpoolEntry> read(const SpoolPosition& position) TARNVOD_REQUIRES(mutex_);
+  std::uint64_t bytes() const TARNVOD_REQUIRES(mutex_);
   std::filesystem::path folderOf(std::uint64_t segment) const;
 
   struct Segment {
@@ -103,17 +102,19 @@ class Spool {
 
   const std::filesystem::path folder_;
   const std::uint64_t limit_;
-  mutable std::mutex mutex_;
   FileLock lock_;
-  std::deque<Segment> segments_;
-  std::uint64_t latestSegment_ = 0;
-  std::optional<vod::recording::RecordingWriter> writer_;  ///< of the last segment; none before the first entry
-  std::optional<SpoolSegment> reader_;
-  SpoolPosition next_;
-  std::set<SpoolPosition> given_;
-  Clock::time_point savedAt_;      ///< when the settled position was last written
-  std::vector<FrameRange> notes_;  ///< of frames that were dropped; to be written to the next segment
-  Figures figures_;
+  mutable Mutex mutex_;
+  std::deque<Segment> segments_ TARNVOD_GUARDED_BY(mutex_);
+  std::uint64_t latestSegment_ TARNVOD_GUARDED_BY(mutex_) = 0;
+  std::optional<vod::recording::RecordingWriter> writer_
+      TARNVOD_GUARDED_BY(mutex_);  ///< of the last segment; none before the first entry
+  std::optional<SpoolSegment> reader_ TARNVOD_GUARDED_BY(mutex_);
+  SpoolPosition next_ TARNVOD_GUARDED_BY(mutex_);
+  std::set<SpoolPosition> given_ TARNVOD_GUARDED_BY(mutex_);
+  Clock::time_point savedAt_ TARNVOD_GUARDED_BY(mutex_);  ///< when the settled position was last written
+  std::vector<FrameRange> notes_
+      TARNVOD_GUARDED_BY(mutex_);  ///< of frames that were dropped; to be written to the next segment
+  Figures figures_ TARNVOD_GUARDED_BY(mutex_);
 };
 
 }  // namespace tarn::command

@@ -5,6 +5,7 @@
 
 #include "base/clock.h"
 #include "base/errors.h"
+#include "base/lock.h"
 #include "base/stop_signal.h"
 #include "rehearsal/day.h"
 #include "rehearsal/shrinking.h"
@@ -12,7 +13,6 @@
 #include <algorithm>
 #include <exception>
 #include <map>
-#include <mutex>
 #include <thread>
 #include <utility>
 
@@ -83,9 +83,7 @@ class Rehearsal {
     for (std::thread& thread : threads) {
       thread.join();
     }
-    if (error_) {
-      std::rethrow_exception(error_);
-    }
+    rethrowError();
     for (const Day& day : days_) {
       if (day.isDone) {
         count(day);
@@ -100,14 +98,21 @@ class Rehearsal {
         conclude(*day);
       }
     } catch (...) {
-      const std::lock_guard<std::mutex> lock(mutex_);
+      const Lock lock(mutex_);
       error_ = std::current_exception();
       taken_ = days_.size();
     }
   }
 
+  void rethrowError() {
+    const Lock lock(mutex_);
+    if (error_) {
+      std::rethrow_exception(error_);
+    }
+  }
+
   void conclude(Day& day) {
-    const std::lock_guard<std::mutex> lock(mutex_);
+    const Lock lock(mutex_);
     day.isDone = true;
     if (settings_.untilFailure && !day.judgement.findings.empty()) {
       taken_ = days_.size();
@@ -116,7 +121,7 @@ class Rehearsal {
   }
 
   Day* takeDay() {
-    const std::lock_guard<std::mutex> lock(mutex_);
+    const Lock lock(mutex_);
     if (taken_ == days_.size()) {
       return nullptr;
     }
@@ -146,7 +151,7 @@ class Rehearsal {
       }
       return !has(second[speed], finding.kind);
     });
-    const std::lock_guard<std::mutex> lock(mutex_);
+    const Lock lock(mutex_);
     result_.unconfirmed += static_cast<std::uint64_t>(findings.end() - end);
     findings.erase(end, findings.end());
     return judgement;
@@ -215,11 +220,11 @@ class Rehearsal {
   const RehearsalSettings& settings_;
   const std::function<void(std::uint64_t)>& progress_;
   RehearsalResult result_;
-  std::mutex mutex_;
+  Mutex mutex_;
   std::vector<Day> days_;
-  std::size_t taken_ = 0;
-  std::uint64_t done_ = 0;
-  std::exception_ptr error_;
+  std::size_t taken_ TARNVOD_GUARDED_BY(mutex_) = 0;
+  std::uint64_t done_ TARNVOD_GUARDED_BY(mutex_) = 0;
+  std::exception_ptr error_ TARNVOD_GUARDED_BY(mutex_);
 };
 
 }  // namespace
