@@ -150,11 +150,14 @@ void Collection::add(const CollectedNote& note) {
 }
 
 void Collection::add(const CollectedStatus& status) {
+  // All of it is checked before any of it is stored.
+  for (const CollectedCamera& camera : status.cameras) {
+    checkNumber(sourceOf(status.origin, camera.camera), camera.numbered);
+  }
   const std::int64_t now = wallTimeNow().microseconds;
   insertPublisher_.run(status.origin.site, status.origin.device, status.origin.start, status.state, now);
   for (const CollectedCamera& camera : status.cameras) {
     const Source& source = sourceOf(status.origin, camera.camera);
-    checkNumber(source, camera.numbered);
     updateNumbered_.run(camera.numbered, source.row);
     insertState_.run(source.row, camera.state, camera.reason, camera.since, now);
   }

@@ -119,6 +119,14 @@ TEST_F(ACollection, RefusesANumberThatIsTooFarAhead) {
   EXPECT_EQ(account().missing, 0U);
 }
 
+TEST_F(ACollection, StoresNothingOfAStatusThatItRefuses) {
+  addFrames(1, 1);
+
+  EXPECT_THROW(collection.add(status("running", 1'000'000'000, origin.start)), Refusal);
+
+  EXPECT_EQ(count("SELECT count(*) FROM publishers"), 0);
+}
+
 TEST_F(ACollection, KnowsTheHighestNumberAfterARestart) {
   addFrames(1, 1);
   commit();
