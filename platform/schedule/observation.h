@@ -35,7 +35,12 @@ struct Observation {
 /** With its end. Values may hold any bytes. */
 std::string toLine(const Observation& observation);
 
-/** @param line  without its end @return none for what is no observation */
+/**
+ * Reads one line of the journal.
+ *
+ * @param line  without its line break
+ * @return nothing when the line is not an observation
+ */
 std::optional<Observation> parseObservation(std::string_view line);
 
 }  // namespace vod::schedule

@@ -87,7 +87,7 @@ struct Schedule {
 };
 bool operator==(const Schedule& left, const Schedule& right);
 
-/** The text is no schedule; `what` is one line: name, line, column, what was expected and what stands there. */
+/** The text is not a schedule; `what` is one line with its name, the line and column, the expected and the actual text. */
 class ScheduleError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };

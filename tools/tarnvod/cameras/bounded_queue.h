@@ -33,7 +33,12 @@ class BoundedQueue {
  public:
   explicit BoundedQueue(QueueCapacity capacity) : capacity_(capacity) {}
 
-  /** Adds a value, or drops it when there is no room; returns whether it was added. @param bytes  the memory of the value */
+  /**
+   * Adds a value, or drops it when there is no room.
+   *
+   * @param bytes  the memory of the value
+   * @return whether it was added
+   */
   bool push(Value value, std::size_t bytes) {
     Lock lock(mutex_);
     const auto hasRoom = [&]() TARNVOD_REQUIRES(mutex_) {
