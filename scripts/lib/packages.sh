@@ -1,11 +1,13 @@
 # SPDX-FileCopyrightText: 2026 The tarnvod authors
 # SPDX-License-Identifier: MIT
 #
-# To be sourced: require_packages, debian_mirror, command_packages and build_packages.
+# To be sourced: require_packages, debian_mirror, command_packages, packaging_packages and build_packages.
 
-# The packages to build the library, the host platform and the command; and those to build everything, with tests and fuzzers.
+# The packages to build the library, the host platform and the command; those to make packages of that; and those to build
+# everything, with tests and fuzzers.
 readonly command_packages=(cmake ninja-build g++ pkgconf protobuf-compiler libprotobuf-dev libcli11-dev libmicrohttpd-dev
   libfmt-dev libmosquitto-dev libsqlite3-dev libutfcpp-dev nlohmann-json3-dev rapidjson-dev zlib1g-dev)
+readonly packaging_packages=(dpkg-dev lintian)
 readonly build_packages=("${command_packages[@]}" libgtest-dev libgmock-dev mosquitto python3
   python3-jsonschema)
 

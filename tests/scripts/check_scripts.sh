@@ -82,6 +82,17 @@ find-avoided-words: plainer words are at the head of $scripts/lib/avoided-words.
 check-version: take the version from PROJECT_VERSION" "$scripts/lib/check-version" ;;
   Check.RefusesUnknownArguments)
     expect 2 "usage: $scripts/check [--quick|--nightly]" "$scripts/check" --fast ;;
+  CheckReproducible.RefusesUnknownArguments)
+    expect 2 "usage: $scripts/check-reproducible [--with-tools]" "$scripts/check-reproducible" --tools ;;
+  SourceDate.IsTheOneThatIsSet)
+    expect 0 1790000000 env SOURCE_DATE_EPOCH=1790000000 "$scripts/lib/source-date" ;;
+  SourceDate.IsOtherwiseThatOfTheCommit)
+    git init --quiet
+    mkdir lib
+    cp "$scripts/lib/source-date" lib/
+    git add lib
+    env GIT_COMMITTER_DATE="1780000000 +0200" git -c user.name=a -c user.email=a@b commit --quiet --message=one
+    expect 0 1780000000 env --unset=SOURCE_DATE_EPOCH lib/source-date ;;
   Install.RefusesUnknownArguments)
     expect 2 "usage: $scripts/install [PREFIX]" "$scripts/install" --user ;;
   *) echo "unknown outcome: $3" >&2; exit 2 ;;
