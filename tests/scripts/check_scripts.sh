@@ -93,6 +93,8 @@ check-version: take the version from PROJECT_VERSION" "$scripts/lib/check-versio
     git add lib
     env GIT_COMMITTER_DATE="1780000000 +0200" git -c user.name=a -c user.email=a@b commit --quiet --message=one
     expect 0 1780000000 env --unset=SOURCE_DATE_EPOCH lib/source-date ;;
+  TestBills.RefusesAFolderWithoutPackages)
+    expect 2 "usage: $scripts/test-bills PACKAGES, a folder with packages" "$scripts/test-bills" "$folder" ;;
   Install.RefusesUnknownArguments)
     expect 2 "usage: $scripts/install [PREFIX]" "$scripts/install" --user ;;
   *) echo "unknown outcome: $3" >&2; exit 2 ;;
