@@ -20,8 +20,8 @@ ScriptedPlatform* present = nullptr;
 constexpr std::uint32_t human = 1;
 
 /** For threads that still run when the process ends. */
-const std::string& neverDestroyed(std::string text) {
-  return *new std::string(std::move(text));
+const std::string* neverDestroyed(std::string text) {
+  return new std::string(std::move(text));
 }
 
 std::string detectorBytes() {
@@ -61,7 +61,7 @@ ScriptedPlatform& ScriptedPlatform::current() {
 }
 
 void ScriptedPlatform::sendFrame(int camera, const std::function<void()>& beforeCallback) {
-  static const std::string& frame = neverDestroyed(frameBytes());
+  static const std::string& frame = *neverDestroyed(frameBytes());
   if (const Subscriber* subscriber = subscribed(camera)) {
     const auto callback = subscriber->onDetection;
     void* const userData = subscriber->userData;
@@ -209,7 +209,7 @@ int video_object_detection_set_channel_configuration(int /*channel*/, const uint
 
 int video_object_detection_subscriber_get_information(video_object_detection_subscriber_st* subscriber,
                                                       uint8_t** information, size_t* length, char** /*error*/) {
-  static const std::string& bytes = tarn::test::neverDestroyed(tarn::test::detectorBytes());
+  static const std::string& bytes = *tarn::test::neverDestroyed(tarn::test::detectorBytes());
   platform().use(subscriber, "get_information");
   *information = static_cast<uint8_t*>(std::malloc(bytes.size()));
   std::memcpy(*information, bytes.data(), bytes.size());
