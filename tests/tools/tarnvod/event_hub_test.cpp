@@ -3,8 +3,10 @@
 
 #include "viewer/event_hub.h"
 
+#include "records/frame_json.h"
+
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
 
 #include <optional>
 #include <string>
@@ -21,12 +23,17 @@ EventText text(const std::string& words) {
 }
 
 TEST(AnEvent, IsWrittenAsBrowsersReadIt) {
-  EXPECT_EQ(*tarn::command::makeEvent("frame", {{"camera", 1}}, 5), "event: frame\nid: 5\ndata: {\"camera\":1}\n\n");
+  EXPECT_EQ(*tarn::command::makeEvent("frame", R"({"camera":1})", 5), "event: frame\nid: 5\ndata: {\"camera\":1}\n\n");
 }
 
 TEST(AnEvent, NeverHoldsALineEndOfANameInIt) {
-  EXPECT_EQ(*tarn::command::makeEvent("frame", {{"className", "a\n\nevent: b"}}, 5),
-            "event: frame\nid: 5\ndata: {\"className\":\"a\\n\\nevent: b\"}\n\n");
+  const tarn::VOD::Data detection{0, 0, 0, 0, 7, "a\n\nevent: b", 80, tarn::VOD::DetectionStatus::Untracked, {}, {}};
+  const tarn::VOD::DetectionData frame{0, {detection}, {}};
+
+  const std::string event = *tarn::command::makeEvent("frame", tarn::command::frameJson(frame, 1), 5);
+
+  EXPECT_THAT(event, testing::HasSubstr(R"("className":"a\n\nevent: b")"));
+  EXPECT_EQ(event.find("\n\n"), event.size() - 2);
 }
 
 /** A stream for a reader that is woken by hand. */

@@ -174,7 +174,7 @@ int viewRecordings(const ViewOptions& options) {
   }
   server.site().add("/frames.json", [&recordings](const ViewSite::Parameters& parameters) {
     const RecordedFrames& recording = recordingOf(recordings, parameters);
-    return shared(oneLine(recording.frames(numberIn(parameters, "first"), numberIn(parameters, "count"))));
+    return shared(recording.frames(numberIn(parameters, "first"), numberIn(parameters, "count")).json);
   });
   begin(server);
   while (!stopRequested()) {

@@ -8,6 +8,7 @@
 #include "recordings/recording_scan.h"
 #include "recordings/recording_summary.h"
 #include "recordings/scene_record.h"
+#include "records/frame_json.h"
 
 #include <nlohmann/json.hpp>
 #include <recording/recording_reader.h>
@@ -34,22 +35,24 @@ SceneNames namesOf(const std::filesystem::path& folder) {
 }
 
 /** The frame as `watch --json` prints it; without its contents where they are too many to be viewed. */
-Json frameOf(const ::VOD::Scene& scene, const SceneNames& names) {
+std::string frameOf(const ::VOD::Scene& scene, const SceneNames& names) {
   const std::size_t bytes = scene.ByteSizeLong();
   if (bytes <= RecordedFrames::largestFrame) {
-    return toJson(recordOf(scene, names), camera);
+    return frameJson(recordOf(scene, names), camera);
   }
   ::VOD::Scene empty;
   empty.set_timestamp(scene.timestamp());
-  Json frame = toJson(recordOf(empty, names), camera);
-  frame["omittedBytes"] = bytes;
-  return frame;
+  std::string frame = frameJson(recordOf(empty, names), camera);
+  frame.pop_back();
+  return frame.append(",\"omittedBytes\":").append(std::to_string(bytes)).append("}");
 }
 
 }  // namespace
 
-RecordedFrames::RecordedFrames(const std::filesystem::path& folder)
-    : folder_(folder), names_(namesOf(folder)), overview_(toJson(summarizeRecording(folder))) {
+RecordedFrames::RecordedFrames(const std::filesystem::path& folder) : folder_(folder), names_(namesOf(folder)) {
+  const RecordingSummary summary = summarizeRecording(folder);
+  damage_ = summary.damage;
+  overview_ = toJson(summary);
   scan();
 }
 
@@ -75,17 +78,19 @@ void RecordedFrames::scan() {
   overview_["eventList"] = std::move(events);
 }
 
-Json RecordedFrames::frames(std::uint64_t first, std::uint64_t count) const {
-  Json frames = Json::array();
+RecordedFrames::Excerpt RecordedFrames::frames(std::uint64_t first, std::uint64_t count) const {
+  Excerpt excerpt{0, "["};
   std::size_t bytes = 0;
   const std::uint64_t begin = std::min<std::uint64_t>(places_.size(), first);
   const std::uint64_t end = std::min<std::uint64_t>(places_.size(), begin + std::min<std::uint64_t>(count, mostAtOnce));
   for (std::uint64_t index = begin; index < end && bytes < mostBytesAtOnce; ++index) {
     const ::VOD::Scene scene = sceneAt(places_[static_cast<std::size_t>(index)]);
     bytes += scene.ByteSizeLong();
-    frames.push_back(frameOf(scene, names_));
+    excerpt.json.append(index == begin ? "" : ",").append(frameOf(scene, names_));
+    ++excerpt.count;
   }
-  return frames;
+  excerpt.json += "]\n";
+  return excerpt;
 }
 
 ::VOD::Scene RecordedFrames::sceneAt(const Place& place) const {

@@ -5,6 +5,7 @@
 #define TARNVOD_COMMAND_RECORDED_FRAMES_H
 
 #include "recordings/detector.h"
+#include "recordings/recording_scan.h"
 #include "records/json.h"
 
 #include <nlohmann/json.hpp>
@@ -29,6 +30,12 @@ class RecordedFrames {
   /** The frames that are kept track of; what follows is not shown. Nearly five hours at 30 frames a second. */
   static constexpr std::size_t mostFrames = 500'000;
 
+  /** Frames that follow one another. */
+  struct Excerpt {
+    std::uint64_t count;
+    std::string json;  ///< an array
+  };
+
   /** @throw vod::recording::RecordingError  when there are no scenes to be opened */
   explicit RecordedFrames(const std::filesystem::path& folder);
 
@@ -39,11 +46,15 @@ class RecordedFrames {
   const Json& overview() const { return overview_; }
 
   /**
-   * Up to `count` frames as `watch --json` prints them, from the one with the number `first` on, counted from 0. Fewer at
-   * the end and where frames are large, but at least one. A frame that is too large to be viewed has no detections and
-   * events, and a member `omittedBytes`.
+   * Up to `count` frames as `watch --json` prints them, from the one with the number `first` on, counted
+   * from 0. Fewer at the end and where frames are large, but at least one. A frame that is too large to be viewed has no
+   * detections and events, and a member `omittedBytes`.
    */
-  Json frames(std::uint64_t first, std::uint64_t count) const;
+  Excerpt frames(std::uint64_t first, std::uint64_t count) const;
+
+  /** The frames that can be given. */
+  std::uint64_t count() const { return places_.size(); }
+  const DamageList& damage() const { return damage_; }
 
  private:
   /** Where a frame is: in which segment, and where in its file. */
@@ -58,6 +69,7 @@ class RecordedFrames {
 
   const std::filesystem::path folder_;
   SceneNames names_;
+  DamageList damage_;
   Json overview_;
   std::vector<std::filesystem::path> parts_;
   std::vector<Place> places_;

@@ -3,16 +3,17 @@
 
 #include "viewer/event_hub.h"
 
-#include <nlohmann/json.hpp>
-
 #include <algorithm>
 #include <utility>
 
 namespace tarn::command {
 
-EventText makeEvent(const std::string& name, const Json& data, std::int64_t milliseconds) {
-  return std::make_shared<const std::string>("event: " + name + "\nid: " + std::to_string(milliseconds) +
-                                             "\ndata: " + oneLine(data) + '\n');
+EventText makeEvent(std::string_view name, std::string_view json, std::int64_t milliseconds) {
+  std::string text;
+  text.reserve(name.size() + json.size() + 48);
+  text.append("event: ").append(name).append("\nid: ").append(std::to_string(milliseconds));
+  text.append("\ndata: ").append(json).append("\n\n");
+  return std::make_shared<const std::string>(std::move(text));
 }
 
 void EventStream::pushFrame(EventText frame) {
@@ -65,7 +66,8 @@ std::optional<std::size_t> EventStream::read(char* buffer, std::size_t size) {
 
 EventText EventStream::next() {
   if (dropped_ != std::exchange(droppedReported_, dropped_)) {
-    return std::make_shared<const std::string>("event: dropped\ndata: " + oneLine({{"dropped", dropped_}}) + '\n');
+    return std::make_shared<const std::string>("event: dropped\ndata: {\"dropped\":" + std::to_string(dropped_) +
+                                               "}\n\n");
   }
   if (state_) {
     return std::exchange(state_, nullptr);

@@ -11,7 +11,6 @@
 #define TARNVOD_COMMAND_EVENT_HUB_H
 
 #include "base/lock.h"
-#include "records/json.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -20,6 +19,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tarn::command {
@@ -27,8 +27,11 @@ namespace tarn::command {
 /** An event in its text form, shared by all browsers. */
 using EventText = std::shared_ptr<const std::string>;
 
-/** @param milliseconds  of the command's clock, when the event was; the page measures delays with it */
-EventText makeEvent(const std::string& name, const Json& data, std::int64_t milliseconds);
+/**
+ * @param json          the event's data, on one line without a line end
+ * @param milliseconds  of the command's clock, when the event was; the page measures delays with it
+ */
+EventText makeEvent(std::string_view name, std::string_view json, std::int64_t milliseconds);
 
 /** How a connection sleeps while it has nothing to send. Both are called with the stream's lock held. */
 struct EventWaiter {

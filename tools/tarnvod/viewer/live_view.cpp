@@ -5,6 +5,7 @@
 
 #include "base/output.h"
 #include "base/stop_signal.h"
+#include "records/frame_json.h"
 
 #include <nlohmann/json.hpp>
 
@@ -45,6 +46,13 @@ Json stateOf(const WatchedCamera& camera, Clock::time_point now) {
           {"secondsSinceFrame", age}};
 }
 
+/** For an event. */
+std::string textOf(const Json& json) {
+  std::string line = oneLine(json);
+  line.pop_back();
+  return line;
+}
+
 }  // namespace
 
 void LiveView::run() {
@@ -64,7 +72,7 @@ void LiveView::show(const Arrival& arrival) {
   WatchedCamera& camera = group_.cameraOf(arrival);
   camera.statistics.add(*arrival.frame, arrival.at);
   histories_[arrival.camera].add(*arrival.frame, arrival.at);
-  hub_.publishFrame(makeEvent("frame", toJson(*arrival.frame, arrival.camera), millisecondsOf(arrival.at)));
+  hub_.publishFrame(makeEvent("frame", frameJson(*arrival.frame, arrival.camera), millisecondsOf(arrival.at)));
 }
 
 void LiveView::reportStatusChanges(Clock::time_point now) {
@@ -80,8 +88,8 @@ void LiveView::reportStatusChanges(Clock::time_point now) {
 
 void LiveView::publishState(Clock::time_point now) {
   publishedAt_ = now;
-  hub_.publishState(makeEvent("state", state(now), millisecondsOf(now)));
-  hub_.setPast(makeEvent("past", past(now), millisecondsOf(now)));
+  hub_.publishState(makeEvent("state", textOf(state(now)), millisecondsOf(now)));
+  hub_.setPast(makeEvent("past", textOf(past(now)), millisecondsOf(now)));
 }
 
 Json LiveView::state(Clock::time_point now) const {
