@@ -45,6 +45,14 @@ using Cut = PartsOfARecording;
 using Merge = PartsOfARecording;
 using Repair = PartsOfARecording;
 
+TEST_F(Cut, KeepsTheBackground) {
+  test::writeTo(recording / "background.jpg", "\xFF\xD8\xFFstreet");
+
+  EXPECT_EQ(cut("0.3", "0.7", "part").exitCode, 0);
+
+  EXPECT_EQ(test::contentsOf(folder / "part" / "background.jpg"), "\xFF\xD8\xFFstreet");
+}
+
 TEST_F(Cut, TakesTheFirstMomentAndLeavesTheLastOut) {
   const test::Outcome outcome = cut("0.3", "0.7", "part");
 

@@ -98,6 +98,17 @@ TEST_F(Render, PutsAnImageBehindTheBoxes) {
   EXPECT_THAT(picture(), HasSubstr("href=\"data:image/jpeg;base64,/9j/4CBhbmQgc28gb24=\""));
 }
 
+TEST_F(Render, PutsTheBackgroundOfTheRecordingBehindTheBoxesUnlessAnotherIsNamed) {
+  test::writeTo(recording / "background.jpg", "\xFF\xD8\xFFstreet");
+  test::writeTo(folder / "other.jpg", "\xFF\xD8\xFFother");
+
+  EXPECT_EQ(render({recording}).exitCode, 0);
+  EXPECT_THAT(picture(), HasSubstr("href=\"data:image/jpeg;base64,/9j/c3RyZWV0\""));
+
+  EXPECT_EQ(render({recording, "--background", folder / "other.jpg"}).exitCode, 0);
+  EXPECT_THAT(picture(), HasSubstr("href=\"data:image/jpeg;base64,/9j/b3RoZXI=\""));
+}
+
 TEST_F(Render, OfAFileThatIsNotAnImageFails) {
   test::writeTo(folder / "image.jpg", "text");
   const test::Outcome outcome = render({recording, "--background", folder / "image.jpg"});

@@ -4,6 +4,7 @@
 #include "base/errors.h"
 #include "base/output.h"
 #include "commands/subcommands.h"
+#include "recordings/recording_background.h"
 #include "recordings/recording_output.h"
 #include "recordings/scan_progress.h"
 #include "recordings/scene_record.h"
@@ -53,6 +54,9 @@ int cut(const CutOptions& options) {
   };
   scanBytes(options.folder, visit, damage);
   progress.hide();
+  if (const auto background = backgroundIn(options.folder)) {
+    output.addFile(*background);
+  }
   output.commit();
   standardOutput().writeText("cut " + output.summary() + '\n');
   failOnDamage(damage, options.output + " holds what could be read");

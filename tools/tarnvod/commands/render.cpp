@@ -7,6 +7,7 @@
 #include "base/text.h"
 #include "commands/subcommands.h"
 #include "drawing/drawing.h"
+#include "recordings/recording_background.h"
 #include "recordings/recording_summary.h"
 
 #include <CLI/CLI.hpp>
@@ -37,16 +38,22 @@ std::string nameOfSource(const std::string& source) {
   return path.has_filename() ? path.filename().string() : path.parent_path().filename().string();
 }
 
+/** The image that was chosen, or else the recording's own, as an address; empty for none. */
+std::string backgroundOf(const std::string& source, const RenderOptions& options) {
+  const auto own = options.background ? std::nullopt : backgroundIn(source);
+  return options.background ? svg::embeddedImage(*options.background) : own ? svg::embeddedImage(*own) : "";
+}
+
 /** The pictures of some sources, all in one style. */
 class Renderer {
  public:
   explicit Renderer(const RenderOptions& options) : options_(options) {
     style_.boxes = options.boxes.convention();
     style_.aspect = options.aspect.value_or(style_.boxes.aspect().value_or(style_.aspect));
-    style_.background = options.background ? svg::embeddedImage(*options.background) : "";
   }
 
   svg::Drawing draw(const std::string& source) {
+    style_.background = backgroundOf(source, options_);
     if (!std::filesystem::is_directory(source)) {
       return drawSceneFile(source);
     }
@@ -128,7 +135,9 @@ Action defineRender(CLI::App& command) {
       .add_option("--detector", options->detector,
                   "Detector information with the names of classes and attributes; default: the recording's")
       ->type_name("FILE");
-  command.add_option("--background", options->background, "PNG or JPEG image to draw behind the boxes")
+  command
+      .add_option("--background", options->background,
+                  "PNG or JPEG image behind the boxes; default: a recording's background.jpg")
       ->type_name("FILE");
   addAspect(command, options->aspect);
   options->boxes.addTo(command);

@@ -9,6 +9,7 @@
 #include "cameras/service.h"
 #include "commands/subcommands.h"
 #include "recordings/recorded_frames.h"
+#include "recordings/recording_background.h"
 #include "records/box.h"
 #include "viewer/background.h"
 #include "viewer/live_view.h"
@@ -142,9 +143,8 @@ Backgrounds backgroundsOf(const ViewOptions& options) {
   }
   Backgrounds backgrounds;
   for (const int number : numbersOf(options.recordings)) {
-    const std::filesystem::path folder = options.recordings[static_cast<std::size_t>(number) - 1];
-    if (std::filesystem::exists(folder / backgroundFileName)) {
-      backgrounds[number] = readBackground(folder / backgroundFileName);
+    if (const auto file = backgroundIn(options.recordings[static_cast<std::size_t>(number) - 1])) {
+      backgrounds[number] = readBackground(*file);
     }
   }
   return backgrounds;

@@ -51,6 +51,10 @@ void RecordingOutput::append(const vod::recording::CheckedScene& scene) {
   bytes_ += scene.bytes.size();
 }
 
+void RecordingOutput::addFile(const std::filesystem::path& file) {
+  std::filesystem::copy_file(file, temporary_ / file.filename());
+}
+
 void RecordingOutput::commit() {
   if (std::rename(temporary_.c_str(), folder_.c_str()) != 0) {
     throw Failure(folder_.string() + ": " + std::generic_category().message(errno));

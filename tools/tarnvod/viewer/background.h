@@ -14,9 +14,6 @@
 
 namespace tarn::command {
 
-/** The file in a recording that shows what the camera sees while nobody is there. */
-inline constexpr const char* backgroundFileName = "background.jpg";
-
 /** A picture of what a camera sees, to be shown behind the boxes. */
 struct Background {
   std::string type;  ///< media type
