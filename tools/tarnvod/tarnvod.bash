@@ -22,7 +22,7 @@ _tarnvod() {
     [merge]="--output --help"
     [compare]="--json --iou --tolerance --mota --idf1 --box --range --help"
     [repair]="--output --help"
-    [render]="--output --frame --box --range --aspect --background --detector --help"
+    [render]="--output --frame --html --box --range --aspect --background --detector --help"
     [rehearse]="--days --until-failure --seed --day --schedule --speed --jobs --patience --callback-limit --stop-limit --check --must-print --must-not-print --output --json --help"
     [view]="--camera --class --all-classes --roi --recording --background --port --address --box --range --aspect --help"
     [publish]="--site --device --spool --spool-size --until-stored --every --changes --camera --class --all-classes --roi --frames --seconds --host --port --cafile --cert --key --user --password-file --keepalive --help"

@@ -8,13 +8,11 @@ import { join } from 'node:path';
 import { after, before, describe, test } from 'node:test';
 import {
   Viewer, assertAccessible, assertDrawn, assertFitsWindows, cameraOf, closeBrowser, drawn, freeEdges, isSameColour, look, openBrowser, pixels,
-  street, takePicture,
+  shows, street, takePicture,
 } from './support.js';
 
 before(openBrowser);
 after(closeBrowser);
-
-const shows = (page, index) => page.waitForSelector(`.camera[data-frame="${index}"]`);
 
 describe('a recording', () => {
   let viewer;

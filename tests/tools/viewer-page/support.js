@@ -16,6 +16,12 @@ import { chromium } from 'playwright-core';
 const { TARNVOD_BUILD: build, TARNVOD_RECORDINGS: recordings, SCREENSHOTS: screenshots } = process.env;
 export const street = join(recordings, 'street');
 
+/** Runs `tarnvod render`. */
+export async function render(...words) {
+  const child = spawn(join(build, 'tools/tarnvod/tarnvod'), ['render', ...words], { stdio: 'inherit' });
+  assert.deepEqual(await once(child, 'exit'), [0, null]);
+}
+
 /** `tarnvod view` and a service that can be taken down and brought up. */
 export class Viewer {
   static start(...words) {
@@ -108,6 +114,9 @@ export async function look(viewer, { width = 1280, height = 860, address = '', s
   await page.waitForSelector(shown === null ? '.camera' : `.camera[data-camera="${shown}"][data-timestamp]:not([data-timestamp=""])`);
   return { page, complaints };
 }
+
+/** Waits until the first camera shows the frame with this number. */
+export const shows = (page, index) => page.waitForSelector(`.camera[data-frame="${index}"]`);
 
 export const cameraOf = (page, camera) => page.locator(`.camera[data-camera="${camera}"]`);
 

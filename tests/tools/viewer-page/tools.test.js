@@ -4,12 +4,11 @@
 import assert from 'node:assert/strict';
 import { readFile } from 'node:fs/promises';
 import { after, before, describe, test } from 'node:test';
-import { Viewer, assertAccessible, cameraOf, closeBrowser, drawn, look, openBrowser, pixels, street, takePicture } from './support.js';
+import { Viewer, assertAccessible, cameraOf, closeBrowser, drawn, look, openBrowser, pixels, shows, street, takePicture } from './support.js';
 
 before(openBrowser);
 after(closeBrowser);
 
-const shows = (page, index) => page.waitForSelector(`.camera[data-frame="${index}"]`);
 const canvasOf = (page) => cameraOf(page, 1).locator('canvas').first();
 
 async function press(page, name) {

@@ -9,10 +9,16 @@
 #include "drawing/drawing.h"
 #include "recordings/recording_background.h"
 #include "recordings/recording_summary.h"
+#include "recordings/scan_progress.h"
+#ifdef TARNVOD_WITH_VIEWER
+#include "viewer/recordings_page.h"
+#endif
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <filesystem>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <string>
@@ -24,6 +30,7 @@ namespace {
 struct RenderOptions {
   std::vector<std::string> sources;
   std::string output;
+  bool isPage = false;
   std::optional<std::uint64_t> frame;
   std::optional<std::string> detector;
   std::optional<std::string> background;
@@ -42,6 +49,12 @@ std::string nameOfSource(const std::string& source) {
 std::string backgroundOf(const std::string& source, const RenderOptions& options) {
   const auto own = options.background ? std::nullopt : backgroundIn(source);
   return options.background ? svg::embeddedImage(*options.background) : own ? svg::embeddedImage(*own) : "";
+}
+
+std::string namesOf(const std::vector<std::string>& sources) {
+  std::vector<std::string> names;
+  std::transform(sources.begin(), sources.end(), std::back_inserter(names), nameOfSource);
+  return joined(names, ", ");
 }
 
 /** The pictures of some sources, all in one style. */
@@ -106,18 +119,56 @@ class Renderer {
 int render(const RenderOptions& options) {
   Renderer renderer(options);
   std::vector<svg::Drawing> drawings;
-  std::vector<std::string> names;
   for (const std::string& source : options.sources) {
     drawings.push_back(renderer.draw(source));
-    names.push_back(nameOfSource(source));
   }
-  writeFile(options.output, svg::picture(drawings, joined(names, ", ")));
-  if (renderer.damage().count() > 0) {
-    throw Failure(vod::recording::toString(renderer.damage().first().front()) + "; " + options.output +
-                  " shows what could be read");
-  }
+  writeFile(options.output, svg::picture(drawings, namesOf(options.sources)));
+  failOnDamage(renderer.damage(), options.output + " shows what could be read");
   return success;
 }
+
+#ifdef TARNVOD_WITH_VIEWER
+
+int renderPage(const RenderOptions& options) {
+  if (options.sources.size() > mostRecordings) {
+    throw UsageError("a page shows up to " + std::to_string(mostRecordings) + " recordings");
+  }
+  PageSetup setup{false, numbersOf(options.sources.size()), options.boxes.convention(), options.aspect, {}};
+  int number = 0;
+  for (const std::string& source : options.sources) {
+    if (!std::filesystem::is_directory(source)) {
+      throw Failure(source + ": a page shows recordings, and this is not a folder");
+    }
+    const std::string background = backgroundOf(source, options);
+    ++number;
+    if (!background.empty()) {
+      setup.backgrounds[number] = background;
+    }
+  }
+  const RecordingsPage page = recordingsPage(options.sources, setup, namesOf(options.sources));
+  writeFile(options.output, page.html);
+  failOnDamage(page.damage, options.output + " shows what could be read");
+  return success;
+}
+
+void addPage(CLI::App& command, RenderOptions& options, const std::vector<CLI::Option*>& ofPictures) {
+  CLI::Option* const page =
+      command.add_flag("--html", options.isPage,
+                       "Write the recordings as one HTML file, which plays them in a browser without a viewer");
+  for (CLI::Option* const option : ofPictures) {
+    page->excludes(option);
+  }
+}
+
+#else
+
+int renderPage(const RenderOptions&) {
+  throw UsageError("this command was built without the viewer's page");
+}
+
+void addPage(CLI::App&, RenderOptions&, const std::vector<CLI::Option*>&) {}
+
+#endif
 
 }  // namespace
 
@@ -128,20 +179,25 @@ Action defineRender(CLI::App& command) {
                   "Recordings' folders, or files with one serialized VOD.Scene each, drawn one below the other")
       ->type_name("DIR|FRAME ...")
       ->required();
-  command.add_option("--output", options->output, "File to write the picture to")->type_name("picture.svg")->required();
-  takesFrameNumbers(*command.add_option("--frame", options->frame,
-                                        "Draw frame N of the recordings, counted from 1, instead of the tracks"));
-  command
-      .add_option("--detector", options->detector,
-                  "Detector information with the names of classes and attributes; default: the recording's")
-      ->type_name("FILE");
+  command.add_option("--output", options->output, "File to write the picture or page to")
+      ->type_name("FILE")
+      ->required();
+  CLI::Option* const frame = command.add_option(
+      "--frame", options->frame, "Draw frame N of the recordings, counted from 1, instead of the tracks");
+  takesFrameNumbers(*frame);
+  CLI::Option* const detector =
+      command
+          .add_option("--detector", options->detector,
+                      "Detector information with the names of classes and attributes; default: the recording's")
+          ->type_name("FILE");
   command
       .add_option("--background", options->background,
                   "PNG or JPEG image behind the boxes; default: a recording's background.jpg")
       ->type_name("FILE");
   addAspect(command, options->aspect);
   options->boxes.addTo(command);
-  return [options] { return render(*options); };
+  addPage(command, *options, {frame, detector});
+  return [options] { return options->isPage ? renderPage(*options) : render(*options); };
 }
 
 }  // namespace tarn::command

@@ -13,6 +13,7 @@
 #include "records/box.h"
 #include "viewer/background.h"
 #include "viewer/live_view.h"
+#include "viewer/page_setup.h"
 #include "viewer/view_server.h"
 
 #include <CLI/CLI.hpp>
@@ -37,8 +38,6 @@ namespace {
 constexpr int defaultPort = 8090;
 constexpr int greatestPort = 65535;
 constexpr std::chrono::milliseconds tickPeriod{50};
-/** As many recordings are shown in step. */
-constexpr std::size_t mostRecordings = 16;
 
 struct ViewOptions {
   std::vector<std::string> names;  ///< camera numbers, or recordings' folders
@@ -53,10 +52,6 @@ struct ViewOptions {
 
 using Backgrounds = std::map<int, Background>;
 
-Json boxesJson(const BoxConvention& boxes) {
-  return {{"form", boxes.form == BoxConvention::Form::Size ? "size" : "corners"}, {"range", boxes.range}};
-}
-
 SharedText shared(std::string text) {
   return std::make_shared<const std::string>(std::move(text));
 }
@@ -65,33 +60,14 @@ std::string pathOfBackground(int camera) {
   return "/background-" + std::to_string(camera);
 }
 
-std::string pathOfOverview(int recording) {
-  return recording == 1 ? "/recording.json" : "/recording-" + std::to_string(recording) + ".json";
-}
-
-/** The settings that the page needs before it draws anything. */
-SharedText setupText(const ViewOptions& options, const std::set<int>& cameras, const Backgrounds& backgrounds) {
-  Json backgroundPaths = Json::object();
-  for (const auto& [camera, background] : backgrounds) {
-    backgroundPaths[std::to_string(camera)] = pathOfBackground(camera);
-  }
-  constexpr double usualAspect = 4.0 / 3.0;
-  const BoxConvention boxes = options.boxes.convention();
-  const double aspect = options.aspect.value_or(boxes.aspect().value_or(usualAspect));
-  return shared(oneLine({{"mode", options.recordings.empty() ? "live" : "recording"},
-                         {"cameras", cameras},
-                         {"boxes", boxesJson(boxes)},
-                         {"aspect", static_cast<float>(aspect)},
-                         {"backgrounds", std::move(backgroundPaths)},
-                         {"version", TARNVOD_VERSION}}));
-}
-
 void addSetup(ViewSite& site, const ViewOptions& options, const std::set<int>& cameras,
               const Backgrounds& backgrounds) {
-  site.add("/setup.json", setupText(options, cameras, backgrounds));
+  PageSetup setup{options.recordings.empty(), cameras, options.boxes.convention(), options.aspect, {}};
   for (const auto& [camera, background] : backgrounds) {
+    setup.backgrounds[camera] = pathOfBackground(camera);
     site.add(pathOfBackground(camera), background.type, background.bytes);
   }
+  site.add("/setup.json", shared(setupJson(setup)));
 }
 
 std::uint64_t numberIn(const ViewSite::Parameters& parameters, const std::string& name) {
@@ -127,24 +103,15 @@ int viewCameras(const ViewOptions& options) {
   return success;
 }
 
-/** Recordings stand for cameras, numbered from 1 in their order. */
-std::set<int> numbersOf(const std::vector<std::string>& recordings) {
-  std::set<int> numbers;
-  for (std::size_t place = 0; place < recordings.size(); ++place) {
-    numbers.insert(static_cast<int>(place) + 1);
-  }
-  return numbers;
-}
-
 /** The pictures that were named, or else those that the recordings have. */
 Backgrounds backgroundsOf(const ViewOptions& options) {
   if (!options.backgrounds.empty()) {
-    return readBackgrounds(options.backgrounds, numbersOf(options.recordings));
+    return readBackgrounds(options.backgrounds, numbersOf(options.recordings.size()));
   }
   Backgrounds backgrounds;
-  for (const int number : numbersOf(options.recordings)) {
-    if (const auto file = backgroundIn(options.recordings[static_cast<std::size_t>(number) - 1])) {
-      backgrounds[number] = readBackground(*file);
+  for (std::size_t place = 0; place < options.recordings.size(); ++place) {
+    if (const auto file = backgroundIn(options.recordings[place])) {
+      backgrounds[static_cast<int>(place) + 1] = readBackground(*file);
     }
   }
   return backgrounds;
@@ -168,7 +135,7 @@ int viewRecordings(const ViewOptions& options) {
   }
   const Backgrounds backgrounds = backgroundsOf(options);
   ViewServer server(options.address, options.port);
-  addSetup(server.site(), options, numbersOf(options.recordings), backgrounds);
+  addSetup(server.site(), options, numbersOf(options.recordings.size()), backgrounds);
   for (std::size_t place = 0; place < recordings.size(); ++place) {
     server.site().add(pathOfOverview(static_cast<int>(place) + 1), shared(oneLine(recordings[place]->overview())));
   }

@@ -4,6 +4,7 @@
 # Sets TARNVOD_VIEW_PAGE to a source file that the build generates: the files of the viewer's page, embedded as text.
 set(page_files
   address.js
+  answers.js
   boxes.js
   camera.js
   canvas.js

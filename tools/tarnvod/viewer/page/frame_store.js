@@ -1,21 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-const busy = 503;
-const busyPause = 200;
-const pause = (milliseconds) => new Promise((resolve) => setTimeout(resolve, milliseconds));
-
-export async function fetchJson(path) {
-  const response = await fetch(path);
-  if (response.status === busy) {
-    await pause(busyPause);
-    return fetchJson(path);
-  }
-  if (!response.ok) {
-    throw new Error(await response.text());
-  }
-  return response.json();
-}
+import { fetchJson } from './answers.js';
 
 /** Frames of a recording, in as many requests as it takes: an answer holds fewer where frames are large. */
 async function fetchFrames(recording, first, count) {
@@ -34,11 +20,13 @@ export class FrameStore {
   static #piecesKept = 30;
 
   #recording;
+  #length;
   #pieces = new Map();
 
-  /** @param recording  its number, counted from 1 */
-  constructor(recording) {
+  /** @param recording  its number, counted from 1; `length`: how many frames it has */
+  constructor(recording, length) {
     this.#recording = recording;
+    this.#length = length;
   }
 
   /** Gives the frames from one to another, both included. */
@@ -56,8 +44,9 @@ export class FrameStore {
   }
 
   #fetch(piece) {
-    const size = FrameStore.#pieceSize;
-    const frames = this.#pieces.get(piece) ?? fetchFrames(this.#recording, piece * size, size);
+    const first = piece * FrameStore.#pieceSize;
+    const count = Math.min(FrameStore.#pieceSize, this.#length - first);
+    const frames = this.#pieces.get(piece) ?? fetchFrames(this.#recording, first, count);
     this.#pieces.delete(piece);
     this.#pieces.set(piece, frames);
     frames.catch(() => this.#pieces.delete(piece));

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+import { fetchJson } from './answers.js';
 import { byId } from './format.js';
-import { fetchJson } from './frame_store.js';
 import { LivePage } from './live.js';
 import { RecordingPage } from './recording.js';
 

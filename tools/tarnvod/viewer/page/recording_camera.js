@@ -44,7 +44,7 @@ export class RecordingCamera {
     this.#boxes = setup.boxes;
     this.#overview = overview;
     this.#complain = complain;
-    this.#store = new FrameStore(number);
+    this.#store = new FrameStore(number, overview.frameSeconds.length);
     this.times = overview.frameSeconds;
     this.events = overview.eventList.map((event) => ({ ...event, at: this.times[event.frame] }));
     this.#tracks = placeTracks(overview.objects, this.events);
