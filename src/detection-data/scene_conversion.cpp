@@ -25,21 +25,24 @@ const std::string* findName(const std::shared_ptr<const Table>& table, const Id&
  * Looks each message's name up and then calls `convert(message, name)` for each message, null for one without a name. In
  * between it makes room in `records` for those with a name, and no more: an application may queue what it gets.
  */
-template <typename Record, typename Messages, typename Find, typename Convert>
-void convertNamed(const Messages& messages, std::vector<Record>& records, const Find& find, const Convert& convert) {
-  constexpr int mostRemembered = 16;  // names that are not remembered are looked up again
+template <typename Record, typename Message, typename Find, typename Convert>
+void convertNamed(const google::protobuf::RepeatedPtrField<Message>& messages, std::vector<Record>& records,
+                  const Find& find, const Convert& convert) {
+  constexpr std::size_t mostRemembered = 16;  // names that are not remembered are looked up again
   std::array<const std::string*, mostRemembered> remembered;
+  const auto count = static_cast<std::size_t>(messages.size());
+  const Message* const* const message = messages.data();  // the compiler would load it and the count again each time
   std::size_t named = 0;
-  for (int i = 0; i < messages.size(); ++i) {
-    const std::string* const name = find(messages[i]);
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::string* const name = find(*message[i]);
     named += name != nullptr ? 1 : 0;
     if (i < mostRemembered) {
-      remembered[static_cast<std::size_t>(i)] = name;
+      remembered[i] = name;
     }
   }
   records.reserve(named);
-  for (int i = 0; i < messages.size(); ++i) {
-    convert(messages[i], i < mostRemembered ? remembered[static_cast<std::size_t>(i)] : find(messages[i]));
+  for (std::size_t i = 0; i < count; ++i) {
+    convert(*message[i], i < mostRemembered ? remembered[i] : find(*message[i]));
   }
 }
 
