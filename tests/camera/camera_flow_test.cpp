@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-// Which empty frames may have been made without the classes that were asked for.
+// Which empty frames may have been made without the classes that were asked for, and when frames stay away.
 
 #include <gtest/gtest.h>
 #include <tarnvod/detail/camera_flow.h>
@@ -107,6 +107,16 @@ TEST_F(AnEmptyFrame, IsTakenForCompleteForTenSecondsOfTheServicesTimeAtMost) {
   now_ += 100ms;
   EXPECT_TRUE(isDelivered(setup, 0s));
   EXPECT_LE(flow_.nextLook(now_), now_) << "the set-up is due for renewal";
+}
+
+TEST(ACameraWhoseCallbackRuns, IsNotQuiet) {
+  const CameraFlow::Time begin{1h};
+  CameraFlow flow(begin);
+  flow.beginCallback();
+  EXPECT_FALSE(flow.isQuiet(begin + 1h));
+  flow.endCallback(begin, begin + 1h);
+  EXPECT_FALSE(flow.isQuiet(begin + 1h));
+  EXPECT_TRUE(flow.isQuiet(begin + 2h));
 }
 
 }  // namespace

@@ -131,6 +131,16 @@ TEST_F(AnOutage, WithoutAnyPauseIsRepairedAfterTenSeconds) {
   EXPECT_THAT(camera_.takeFrames(), Each(ElementsAre("human")));
 }
 
+TEST_F(AnOutage, WhenACameraIsMadeIsNotLeftToTheRetryThread) {
+  startRetryThread();
+  vod::host::plan(Fault(Function::Subscribe).onCall(1).failsWith(1));
+  const TestCamera camera(1, people(), camera_);
+  EXPECT_EQ(camera.status().state, CameraState::Waiting);
+  vod::host::clearJournal();
+  retryNow();
+  EXPECT_THAT(vod::host::journal(), IsEmpty()) << "the library would subscribe without the classes";
+}
+
 TEST_F(AnOutage, BeginsAgainWhileItIsBeingRepaired) {
   const TestCamera camera(1, people(), camera_);
   passWithFrames(1s);

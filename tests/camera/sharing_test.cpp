@@ -33,6 +33,7 @@ TEST_F(TwoCamerasOfOneNumber, GoOnWithTheSecondWhenTheFirstEnds) {
   CameraLog second;
   auto first = std::make_unique<TestCamera>(1, people(), camera_);
   const TestCamera other(1, {{"car"}, {}}, second);
+  SteeredTime::settle();  // the cameras' thread waits for later, so that only the end of the first one can wake it
   first.reset();
   SteeredTime::settle();
   EXPECT_EQ(other.status().state, CameraState::Receiving);
