@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+#include "recording/session.h"
 #include "service/callback_exceptions.h"
 #include "service/service.h"
 
@@ -60,6 +61,19 @@ const Channel& Channel::nullInformation() const {
 const Channel& Channel::recording(std::string folder, Replay replay) const {
   service().feedFromRecording(number_, std::move(folder), replay);
   return *this;
+}
+
+std::vector<Channel> session(const std::string& folder, Replay replay) {
+  const auto cameras = recording::camerasOf(folder);
+  if (cameras.empty()) {
+    throw std::runtime_error(folder + ": not the folder of a session");
+  }
+  service().feedFromSession({cameras.begin(), cameras.end()}, replay);
+  std::vector<Channel> channels;
+  for (std::size_t number = 0; number < cameras.size(); ++number) {
+    channels.push_back(Channel(static_cast<int>(number)));
+  }
+  return channels;
 }
 
 const Channel& Channel::pushScene(std::string bytes) const {

@@ -99,8 +99,8 @@ class VOD_HOST_EXPORT Channel {
   const Channel& dropSubscriptions() const;
 
   /**
-   * Waits until the recording, one that does not loop, has been delivered to its end or up to its damage. Must not be
-   * called from a callback.
+   * Waits until the recording, one that does not loop, has been delivered to its end or up to its damage; of a session,
+   * until the recordings of all cameras have. Must not be called from a callback.
    */
   void waitForEndOfRecording() const;
   /**
@@ -117,6 +117,7 @@ class VOD_HOST_EXPORT Channel {
  private:
   friend VOD_HOST_EXPORT Channel channel(int);
   friend VOD_HOST_EXPORT Channel servedChannel(int);
+  friend VOD_HOST_EXPORT std::vector<Channel> session(const std::string&, Replay);
   explicit Channel(int number) : number_(number) {}
   int number_;
 };
@@ -133,6 +134,26 @@ VOD_HOST_EXPORT Channel channel(int number);
  * @throw std::out_of_range  when it does not exist
  */
 VOD_HOST_EXPORT Channel servedChannel(int number);
+
+/**
+ * Feeds channels from the recordings of a session: a folder with `camera-1`, `camera-2` and so on, as `tarnvod record`
+ * makes it of several cameras. The first camera feeds channel 0, the next one channel 1; channels are created as
+ * `channel` does.
+ *
+ * The cameras are played in step, by one clock: each scene is delivered at the time at which it arrived, or follows the
+ * one before it as its time stamp says where that is not known. The session plays while any of its channels has
+ * subscriptions, from its start at the first one; a channel that is subscribed later joins where the session is. In a
+ * loop, all cameras start again together after the last scene of all.
+ *
+ * Without a pace, scenes are delivered one after the other in the order of their arrival; each callback returns before
+ * that of the next scene begins, whichever camera's it is. With one, the callbacks of a channel hold up those of others
+ * only when they are 64 scenes behind.
+ *
+ * @return the channels, by camera
+ * @throw std::runtime_error  when the folder is not a session, or when a channel has subscriptions and its recording
+ *                            cannot be played
+ */
+VOD_HOST_EXPORT std::vector<Channel> session(const std::string& folder, Replay replay = {});
 
 /**
  * Returns what is wrong with an environment variable, on one line: its name, its value and the values allowed. None when

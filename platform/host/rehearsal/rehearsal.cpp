@@ -89,7 +89,7 @@ void Rehearsal::beginNamed(const RehearsalFiles& files) {
   }
   // Never destroyed: its thread runs until the process ends.
   static auto& rehearsal =
-      *new Rehearsal(schedule::parse(readText(*files.schedule), *files.schedule), readEnvironment().folders);
+      *new Rehearsal(schedule::parse(readText(*files.schedule), *files.schedule), readEnvironment().folders());
   const SignalsBlocked blocked;  // The application's signals are handled by its own threads.
   std::thread([] { rehearsal.run(); }).detach();
 }

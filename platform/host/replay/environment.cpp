@@ -3,6 +3,7 @@
 
 #include "replay/environment.h"
 
+#include "recording/session.h"
 #include "replay/installed_recordings.h"
 
 #include <charconv>
@@ -94,9 +95,22 @@ std::optional<LogDestination> readLogDestination() {
   return text == "stderr" ? LogDestination::SystemLogAndStandardError : LogDestination::SystemLog;
 }
 
+std::vector<std::string> Environment::folders() const {
+  std::vector<std::string> all;
+  for (const PlayedTogether& stream : streams) {
+    all.insert(all.end(), stream.begin(), stream.end());
+  }
+  return all;
+}
+
 Environment readEnvironment() {
   static_cast<void>(readLogDestination());  // It has been applied when the library was loaded; here it is checked.
-  return {readFolders(), {readPace(), readLoop()}};
+  std::vector<PlayedTogether> streams;
+  for (const std::string& folder : readFolders()) {
+    const auto cameras = recording::camerasOf(folder);
+    streams.push_back(cameras.empty() ? PlayedTogether{folder} : PlayedTogether(cameras.begin(), cameras.end()));
+  }
+  return {std::move(streams), {readPace(), readLoop()}};
 }
 
 RehearsalFiles readRehearsalFiles() {

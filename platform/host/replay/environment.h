@@ -12,10 +12,17 @@
 
 namespace vod::host {
 
-/** What the service serves by default: one folder for each channel. */
+/** The folders of recordings that are played together, one for each channel. */
+using PlayedTogether = std::vector<std::string>;
+
+/** What the service serves by default. */
 struct Environment {
-  std::vector<std::string> folders;
+  /** In the order of the channels. */
+  std::vector<PlayedTogether> streams;
   Replay replay;
+
+  /** One folder for each channel. */
+  std::vector<std::string> folders() const;
 };
 
 /** Where the lines go that are written to the system log. */

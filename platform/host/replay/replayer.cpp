@@ -7,7 +7,8 @@
 
 namespace vod::host {
 
-Replayer::Replayer(Deliver deliver) : deliver_(std::move(deliver)), thread_([this] { loop(); }) {}
+Replayer::Replayer(Deliver deliver, Finish finish)
+    : deliver_(std::move(deliver)), finish_(std::move(finish)), thread_([this] { loop(); }) {}
 
 Replayer::~Replayer() {
   {
@@ -69,8 +70,9 @@ void Replayer::play(int replay, Playback& playback) {
     if (!waitUntilDue(replay, start + item->due.value_or(std::chrono::microseconds(0)))) {
       return;
     }
-    deliver_(replay, item->scene);
+    deliver_(replay, *item);
   }
+  finish_();
 }
 
 bool Replayer::waitUntilDue(int replay, std::chrono::steady_clock::time_point due) {

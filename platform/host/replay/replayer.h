@@ -16,13 +16,15 @@
 
 namespace vod::host {
 
-/** A thread that plays one recording at a time. */
+/** A thread that plays one recording, or one session, at a time. */
 class Replayer {
  public:
-  /** Delivers a scene of the replay with that number; returns after the callbacks have returned. */
-  using Deliver = std::function<void(int replay, const std::string& scene)>;
+  /** Delivers a scene of the replay with that number. */
+  using Deliver = std::function<void(int replay, const Playback::Item& item)>;
+  /** Returns when what has been delivered has been received. */
+  using Finish = std::function<void()>;
 
-  explicit Replayer(Deliver deliver);
+  Replayer(Deliver deliver, Finish finish);
   /** Stops and waits for a running delivery. Must not be called on the thread itself. */
   ~Replayer();
   Replayer(const Replayer&) = delete;
@@ -46,6 +48,7 @@ class Replayer {
   bool waitUntilDue(int replay, std::chrono::steady_clock::time_point due);
 
   const Deliver deliver_;
+  const Finish finish_;
   mutable Mutex mutex_;
   std::condition_variable changed_;
   std::unique_ptr<Playback> next_ TARNVOD_GUARDED_BY(mutex_);

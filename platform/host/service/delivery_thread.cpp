@@ -25,6 +25,14 @@ void DeliveryThread::post(Task task) {
   changed_.notify_all();
 }
 
+void DeliveryThread::postWithin(std::size_t limit, Task task) {
+  Lock lock(mutex_);
+  changed_.wait(lock.forWaiting(), [&]() TARNVOD_REQUIRES(mutex_) { return tasks_.size() < limit || ending_; });
+  tasks_.push_back(std::move(task));
+  ++posted_;
+  changed_.notify_all();
+}
+
 std::size_t DeliveryThread::waiting() {
   const Lock lock(mutex_);
   return tasks_.size();
@@ -54,6 +62,7 @@ void DeliveryThread::loop() {
     }
     const Task task = std::move(tasks_.front());
     tasks_.pop_front();
+    changed_.notify_all();  // there is room for another one
     lock.unlock();
     task();
     lock.lock();

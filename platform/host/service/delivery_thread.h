@@ -28,6 +28,8 @@ class DeliveryThread {
   DeliveryThread& operator=(const DeliveryThread&) = delete;
 
   void post(Task task);
+  /** As `post`, after waiting until fewer tasks than the limit have not started. */
+  void postWithin(std::size_t limit, Task task);
   /** The number of tasks that have not started. */
   std::size_t waiting();
   /**

@@ -77,6 +77,8 @@ class Service {
   /** Reads or changes a setting. */
   void access(const std::function<void(ServiceState&)>& access);
   void feedFromRecording(int number, std::string folder, Replay replay);
+  /** Feeds the channels from 0 on; they are created if they do not exist. */
+  void feedFromSession(std::vector<std::string> folders, Replay replay);
 
   void push(int number, std::string bytes, Frame frame);
   void deliverHere(int number, const Frame& frame);
@@ -103,11 +105,23 @@ class Service {
   void leave(const Lock& lock, const Subscriber& subscriber) TARNVOD_REQUIRES(mutex_);
   void waitForCallbacks(Subscriber& subscriber, Function function);
 
-  int startReplay(const Lock& lock, int number, ChannelState& channel) TARNVOD_REQUIRES(mutex_);
-  static void stopReplay(const Lock& lock, ChannelState& channel);
-  void deliverReplayed(int number, int replay, const std::string& scene);
+  /** Creates the channels that do not exist. The streams that they had end unless they feed another channel. */
+  void feed(const Lock& lock, int firstChannel, std::vector<std::string> folders, Replay replay)
+      TARNVOD_REQUIRES(mutex_);
+  /** One that feeds no channel any more, or a new one. */
+  std::shared_ptr<Stream> unusedStream(const Lock& lock) TARNVOD_REQUIRES(mutex_);
+  int startReplay(const Lock& lock, ChannelState& channel) TARNVOD_REQUIRES(mutex_);
+  /** Ends the replay of a stream unless one of its channels has subscriptions. */
+  void stopUnusedReplay(const Lock& lock, const std::shared_ptr<Stream>& stream) TARNVOD_REQUIRES(mutex_);
+  void deliverReplayed(const Stream* stream, int replay, const Playback::Item& item);
+  /** Waits for the callbacks of a session's scenes. */
+  void finishReplay(const Stream* stream);
+  /** Null when the stream is gone since a reset. */
+  Stream* findStream(const Lock& lock, const Stream* stream) TARNVOD_REQUIRES(mutex_);
+  /** Null when the channel has not played a recording. */
+  std::shared_ptr<Replayer> replayerOf(int channel);
   void drop(const Lock& lock, ChannelState& channel) TARNVOD_REQUIRES(mutex_);
-  DeliveryThread& threadOf(const Lock& lock, ChannelState& channel) TARNVOD_REQUIRES(mutex_);
+  std::shared_ptr<DeliveryThread> threadOf(const Lock& lock, ChannelState& channel) TARNVOD_REQUIRES(mutex_);
 
   Mutex mutex_;
   ServiceState state_ TARNVOD_GUARDED_BY(mutex_);

@@ -133,8 +133,8 @@ int Service::join(const std::shared_ptr<Subscriber>& subscriber, int subscriptio
   }
   auto targets = std::make_shared<std::vector<Target>>(*channel->targets);
   targets->push_back({subscriber, subscription});
-  if (channel->targets->empty() && channel->folder) {
-    if (const int result = startReplay(lock, subscriber->channel(), *channel); result != status::ok) {
+  if (channel->targets->empty() && channel->stream) {
+    if (const int result = startReplay(lock, *channel); result != status::ok) {
       return result;
     }
   }
@@ -164,10 +164,8 @@ void Service::leave(const Lock& lock, const Subscriber& subscriber) {
   }
   auto targets = std::make_shared<std::vector<Target>>(*channel.targets);
   targets->erase(std::remove_if(targets->begin(), targets->end(), isSubscriber), targets->end());
-  if (targets->empty()) {
-    stopReplay(lock, channel);
-  }
   channel.targets = std::move(targets);
+  stopUnusedReplay(lock, channel.stream);
 }
 
 void Service::waitForCallbacks(Subscriber& subscriber, Function function) {
@@ -260,17 +258,15 @@ int Service::channelCounts(ServiceState::Counts& counts) {
   return status::ok;
 }
 
-void Service::configure(const Lock& /*held*/) {
+void Service::configure(const Lock& lock) {
   if (state_.isConfigured) {
     return;
   }
   state_.isConfigured = true;
   try {
     const Environment environment = readEnvironment();
-    for (const std::string& folder : environment.folders) {
-      ChannelState& channel = state_.channels[static_cast<int>(state_.channels.size())];
-      channel.folder = folder;
-      channel.replay = environment.replay;
+    for (const PlayedTogether& folders : environment.streams) {
+      feed(lock, static_cast<int>(state_.channels.size()), folders, environment.replay);
     }
   } catch (const std::invalid_argument& error) {
     state_.configurationError = error.what();

@@ -7,6 +7,7 @@
 #include "service/callback_exceptions.h"
 #include "service/service.h"
 
+#include <algorithm>
 #include <stdexcept>
 #include <utility>
 
@@ -29,9 +30,9 @@ void Service::reset() {
   }
   // After all subscribers are closed, so that a callback that waited at a gate is the last one.
   Gate::openAll();
-  for (auto& [number, channel] : gone.channels) {
-    // Before the delivery threads are destroyed: it may be waiting for the one that all channels share.
-    channel.replayer.reset();
+  for (const auto& stream : gone.streams) {
+    // Before the delivery threads are destroyed: it may be waiting for one of them.
+    stream->replayer.reset();
   }
   for (const auto& [handle, subscriber] : gone.subscribers) {
     if (!subscriber->waitForCallbacks(waitTimeout)) {
@@ -88,13 +89,44 @@ void Service::changeChannel(int channel, const std::function<void(ChannelState&)
 
 void Service::feedFromRecording(int number, std::string folder, Replay replay) {
   const Lock lock(mutex_);
-  ChannelState& channel = channelAt(lock, number);
-  stopReplay(lock, channel);
-  channel.folder = std::move(folder);
-  channel.replay = replay;
-  if (!channel.targets->empty() && startReplay(lock, number, channel) != status::ok) {
-    throw std::runtime_error(*channel.folder + ": cannot be played");
+  channelAt(lock, number);
+  feed(lock, number, {std::move(folder)}, replay);
+}
+
+void Service::feedFromSession(std::vector<std::string> folders, Replay replay) {
+  const Lock lock(mutex_);
+  state_.isConfigured = true;
+  feed(lock, 0, std::move(folders), replay);
+}
+
+void Service::feed(const Lock& lock, int firstChannel, std::vector<std::string> folders, Replay replay) {
+  std::vector<int> channels;
+  for (const std::string& folder : folders) {
+    channels.push_back(firstChannel + static_cast<int>(channels.size()));
+    ChannelState& channel = state_.channels[channels.back()];
+    stopUnusedReplay(lock, std::exchange(channel.stream, nullptr));
+    channel.folder = folder;
   }
+  const std::shared_ptr<Stream> stream = unusedStream(lock);
+  stream->channels = std::move(channels);
+  stream->folders = std::move(folders);
+  stream->replay = replay;
+  for (const int number : stream->channels) {
+    ChannelState& channel = state_.channels[number];
+    channel.stream = stream;
+    if (!channel.targets->empty() && startReplay(lock, channel) != status::ok) {
+      throw std::runtime_error(*channel.folder + ": cannot be played");
+    }
+  }
+}
+
+std::shared_ptr<Stream> Service::unusedStream(const Lock& /*held*/) {
+  const auto feedsNoChannel = [this](const std::shared_ptr<Stream>& stream) TARNVOD_REQUIRES(mutex_) {
+    return std::none_of(state_.channels.begin(), state_.channels.end(),
+                        [&](const auto& channel) { return channel.second.stream == stream; });
+  };
+  const auto found = std::find_if(state_.streams.begin(), state_.streams.end(), feedsNoChannel);
+  return found != state_.streams.end() ? *found : state_.streams.emplace_back(std::make_shared<Stream>());
 }
 
 void Service::access(const std::function<void(ServiceState&)>& access) {

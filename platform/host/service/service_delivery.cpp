@@ -5,20 +5,17 @@
 
 #include "service/service.h"
 
+#include <memory>
 #include <stdexcept>
 #include <utility>
 
 namespace vod::host {
-
-namespace {
 
 void deliverTo(const Targets& targets, const Frame& frame, const std::optional<Region>& region) {
   for (const Target& target : *targets) {
     target.subscriber->deliver(target.subscription, frame, region);
   }
 }
-
-}  // namespace
 
 void Service::push(int number, std::string bytes, Frame frame) {
   const Lock lock(mutex_);
@@ -27,7 +24,7 @@ void Service::push(int number, std::string bytes, Frame frame) {
   if (frame.buffer != nullptr) {
     frame.buffer = frameOf(*owned).buffer;
   }
-  threadOf(lock, channel).post([owned, frame, targets = channel.targets, region = channel.region] {
+  threadOf(lock, channel)->post([owned, frame, targets = channel.targets, region = channel.region] {
     deliverTo(targets, frame, region);
   });
 }
@@ -47,8 +44,8 @@ void Service::dropSubscriptions(int number) {
 }
 
 void Service::drop(const Lock& lock, ChannelState& channel) {
-  stopReplay(lock, channel);
   const Targets targets = std::exchange(channel.targets, std::make_shared<std::vector<Target>>());
+  stopUnusedReplay(lock, channel.stream);
   if (targets->empty()) {
     return;
   }
@@ -58,7 +55,7 @@ void Service::drop(const Lock& lock, ChannelState& channel) {
     }
   };
   if (!state_.teardownDuringDetection) {
-    threadOf(lock, channel).post([tearDown] { tearDown(Subscriber::Order::AfterRunningCallback); });
+    threadOf(lock, channel)->post([tearDown] { tearDown(Subscriber::Order::AfterRunningCallback); });
     return;
   }
   if (!state_.teardownThread) {
@@ -83,59 +80,15 @@ void Service::bringUp() {
 
 std::size_t Service::waitingTasks(int number) {
   const Lock lock(mutex_);
-  return threadOf(lock, channelAt(lock, number)).waiting();
+  return threadOf(lock, channelAt(lock, number))->waiting();
 }
 
-DeliveryThread& Service::threadOf(const Lock& /*held*/, ChannelState& channel) {
+std::shared_ptr<DeliveryThread> Service::threadOf(const Lock& /*held*/, ChannelState& channel) {
   auto& thread = state_.threads == Threads::OneForAll ? state_.sharedThread : channel.thread;
   if (!thread) {
     thread = std::make_shared<DeliveryThread>();
   }
-  return *thread;
-}
-
-int Service::startReplay(const Lock& /*held*/, int number, ChannelState& channel) {
-  try {
-    auto playback = std::make_unique<Playback>(*channel.folder, channel.replay);
-    if (!channel.replayer) {
-      channel.replayer = std::make_shared<Replayer>(
-          [this, number](int replay, const std::string& scene) { deliverReplayed(number, replay, scene); });
-    }
-    channel.replayNumber = ++lastReplay_;
-    channel.replayer->start(channel.replayNumber, std::move(playback));
-    channel.errors.succeeded(Function::Subscribe);
-    return status::ok;
-  } catch (const recording::RecordingError& error) {
-    channel.errors.failed(Function::Subscribe, error.what());
-    return status::badRecording;
-  }
-}
-
-void Service::stopReplay(const Lock& /*held*/, ChannelState& channel) {
-  channel.replayNumber = 0;
-  if (channel.replayer) {
-    channel.replayer->stop();
-  }
-}
-
-void Service::deliverReplayed(int number, int replay, const std::string& scene) {
-  Lock lock(mutex_);
-  const auto found = state_.channels.find(number);
-  // The replay was stopped, and perhaps started again, while this scene was read: it is not for the current
-  // subscriptions.
-  if (found == state_.channels.end() || found->second.replayNumber != replay) {
-    return;
-  }
-  const Targets targets = found->second.targets;
-  const std::optional<Region> region = found->second.region;
-  DeliveryThread* const shared = state_.threads == Threads::OneForAll ? &threadOf(lock, found->second) : nullptr;
-  lock.unlock();
-  const auto deliver = [&] { deliverTo(targets, frameOf(scene), region); };
-  if (shared != nullptr) {
-    shared->run(deliver);
-  } else {
-    deliver();
-  }
+  return thread;
 }
 
 void Service::drain() {
@@ -151,29 +104,6 @@ void Service::drain() {
     if (thread && !thread->drain(waitTimeout)) {
       throw std::runtime_error("a callback has not returned; the journal:\n" + lines(journal.calls()));
     }
-  }
-}
-
-bool Service::isAtEndOfRecording(int number) {
-  std::shared_ptr<Replayer> replayer;
-  {
-    const Lock lock(mutex_);
-    replayer = channelAt(lock, number).replayer;
-  }
-  return replayer && replayer->isAtEnd();
-}
-
-void Service::waitForEndOfRecording(int number) {
-  std::shared_ptr<Replayer> replayer;
-  {
-    const Lock lock(mutex_);
-    replayer = channelAt(lock, number).replayer;
-  }
-  if (!replayer) {
-    throw std::runtime_error("channel " + std::to_string(number) + " is not playing a recording");
-  }
-  if (!replayer->waitForEnd(waitTimeout)) {
-    throw std::runtime_error("the recording of channel " + std::to_string(number) + " has not reached its end");
   }
 }
 

@@ -30,13 +30,31 @@ struct Target {
 /** Replaced, never modified: scenes that wait for their delivery share it. */
 using Targets = std::shared_ptr<const std::vector<Target>>;
 
+/** Calls the callbacks of all targets, on the caller's thread; the service's lock must not be held. */
+void deliverTo(const Targets& targets, const Frame& frame, const std::optional<Region>& region);
+
+/** A recording that feeds a channel, or the recordings of a session, which feed one channel each. */
+struct Stream {
+  /** Channels by the position of their recording; one that has another stream since is not fed. */
+  std::vector<int> channels;
+  std::vector<std::string> folders;
+  Replay replay;
+  std::shared_ptr<Replayer> replayer;
+  /** The number of the replay whose scenes are delivered; 0 when there is none. */
+  int replayNumber = 0;
+
+  bool isSession() const { return folders.size() > 1; }
+};
+
 struct ChannelState {
   std::optional<std::string> information;
   std::optional<std::size_t> reportedInformationLength;
   bool nullInformation = false;
 
+  /** Of its recording. */
   std::optional<std::string> folder;
-  Replay replay;
+  /** What plays that recording; null when there is none. */
+  std::shared_ptr<Stream> stream;
   ChannelErrors errors;
 
   /** The channel's configuration. */
@@ -44,14 +62,13 @@ struct ChannelState {
   Targets targets = std::make_shared<std::vector<Target>>();
 
   std::shared_ptr<DeliveryThread> thread;
-  std::shared_ptr<Replayer> replayer;
-  /** The number of the replay whose scenes are delivered; 0 when there is none. */
-  int replayNumber = 0;
 };
 
 /** Everything that `reset` returns to its initial state. */
 struct ServiceState {
   std::map<int, ChannelState> channels;
+  /** Those that feed no channel any more too: a replayer must not be destroyed under the service's lock. */
+  std::vector<std::shared_ptr<Stream>> streams;
   /** Whether the channels have been chosen, by the control interface or by the environment. */
   bool isConfigured = false;
   /** What is wrong with the environment variables; every call that needs a channel fails then. */

@@ -73,6 +73,22 @@ TEST_F(TheEnvironment, NamesAFolderForEachChannel) {
   EXPECT_THAT(second.scenes(), ElementsAre(otherScene_));
 }
 
+TEST_F(TheEnvironment, NamesASession) {
+  const std::filesystem::path session = temporary_.path() / "session";
+  for (const int camera : {1, 2}) {
+    const std::filesystem::path folder = session / ("camera-" + std::to_string(camera));
+    recording::RecordingWriter writer(folder, "", recording::BootId{'a'});
+    writer.append(camera == 1 ? scene_ : otherScene_, {camera, camera});
+  }
+  set("TARNVOD_HOST_RECORDINGS", first_ + ':' + session.string());
+  set("TARNVOD_HOST_PACE", "max");
+  reset();
+  EXPECT_EQ(channels(), 3U);
+  Client client(2);
+  client.subscribe().waitForScenes(1);
+  EXPECT_EQ(client.scenes().front(), otherScene_);
+}
+
 TEST_F(TheEnvironment, DoesNotCountOnceTheTestMakesChannels) {
   channel(0);
   EXPECT_EQ(channels(), 1U);

@@ -17,6 +17,7 @@
 #include <CLI/CLI.hpp>
 #include <recording/recording.h>
 #include <recording/segments.h>
+#include <recording/session.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -41,7 +42,7 @@ struct RecordOptions {
 /** Of one camera the folder itself, of several one in it for each. */
 std::filesystem::path folderOf(int camera, const RecordOptions& options) {
   const std::filesystem::path folder = options.folder;
-  return options.cameras.size() == 1 ? folder : folder / ("camera-" + std::to_string(camera));
+  return options.cameras.size() == 1 ? folder : folder / vod::recording::cameraFolderName(camera);
 }
 
 /** Segments go on in a folder of segments; nothing else is written into a folder that holds a recording. */
