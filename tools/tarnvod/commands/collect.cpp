@@ -79,7 +79,7 @@ class Collector {
         [this](const BrokerMessage& message) { take(message); }, [](int) {});
     broker.connect(stopRequested);
     broker.subscribe(topics(), stopRequested);
-    message_.print(options_.broker.name() + ": connected");
+    message_.print(broker.name() + ": connected");
     while (broker.isConnected() && !stopRequested()) {
       manager_.reportAlive(Clock::now());
       broker.wait(hasBatch_ ? longestWait / 2 : tick);
@@ -90,7 +90,7 @@ class Collector {
     if (hasBatch_) {
       store(broker);
     }
-    broker.isConnected() ? broker.disconnect() : message_.print(options_.broker.name() + ": " + broker.problem());
+    broker.isConnected() ? broker.disconnect() : message_.print(broker.name() + ": " + broker.problem());
   }
 
   std::vector<std::string> topics() const {

@@ -10,6 +10,7 @@
 
 #include <array>
 #include <cerrno>
+#include <iterator>
 #include <system_error>
 #include <utility>
 
@@ -72,7 +73,10 @@ struct Broker::Callbacks {
 };
 
 Broker::Broker(const BrokerOptions& options, const BrokerClient& client, OnMessage onMessage, OnTaken onTaken)
-    : name_(options.name()), options_(options), onMessage_(std::move(onMessage)), onTaken_(std::move(onTaken)) {
+    : options_(options),
+      name_(options.addresses().front().name()),
+      onMessage_(std::move(onMessage)),
+      onTaken_(std::move(onTaken)) {
   initializeLibrary();
   client_ = mosquitto_new(client.id.c_str(), !client.keepsSession, this);
   if (client_ == nullptr) {
@@ -125,8 +129,22 @@ void Broker::guarded(const std::function<void()>& call) {
 }
 
 void Broker::connect(const std::function<bool()>& isCancelled) {
-  check(mosquitto_connect_async(client_, options_.host.c_str(), options_.usedPort(), options_.keepAlive),
-        "cannot connect");
+  const std::vector<BrokerAddress> addresses = options_.addresses();
+  for (auto address = addresses.begin(); !isConnected_ && !isCancelled(); ++address) {
+    try {
+      connectTo(*address, isCancelled);
+    } catch (const BrokerProblem&) {
+      if (std::next(address) == addresses.end()) {
+        throw;
+      }
+    }
+  }
+}
+
+void Broker::connectTo(const BrokerAddress& address, const std::function<bool()>& isCancelled) {
+  name_ = address.name();
+  problem_.clear();
+  check(mosquitto_connect_async(client_, address.host.c_str(), address.port, options_.keepAlive), "cannot connect");
   waitUntil([this] { return isConnected_; }, isCancelled, "cannot connect");
 }
 

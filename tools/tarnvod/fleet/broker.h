@@ -62,12 +62,14 @@ class Broker {
   Broker& operator=(const Broker&) = delete;
 
   /**
-   * Connects. Waits for the broker's answer, or until `isCancelled` returns true.
+   * Connects to the first of the brokers that can be reached. Waits for the answer, or until `isCancelled` returns true.
    *
-   * @throw BrokerProblem  when the broker cannot be reached, refuses, or does not answer in time
+   * @throw BrokerProblem  when no broker can be reached, or each refuses or does not answer in time; it names the last
    */
   void connect(const std::function<bool()>& isCancelled);
 
+  /** "broker HOST:PORT", for messages: the one to which a connection was tried last. */
+  const std::string& name() const { return name_; }
   bool isConnected() const { return isConnected_; }
   /** Why the connection was lost; empty while it was not. */
   const std::string& problem() const { return problem_; }
@@ -91,6 +93,7 @@ class Broker {
  private:
   struct Callbacks;
 
+  void connectTo(const BrokerAddress& address, const std::function<bool()>& isCancelled);
   void setUpTls(const BrokerOptions& options);
   void check(int result, const std::string& what) const;
   void handle();
@@ -99,8 +102,8 @@ class Broker {
                  const std::string& what);
   void guarded(const std::function<void()>& call);
 
-  const std::string name_;
   const BrokerOptions options_;
+  std::string name_;
   const OnMessage onMessage_;
   const OnTaken onTaken_;
   mosquitto* client_ = nullptr;

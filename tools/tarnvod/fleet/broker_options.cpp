@@ -9,14 +9,53 @@
 
 namespace tarn::command {
 
-int BrokerOptions::usedPort() const {
-  constexpr int plain = 1883;
-  constexpr int encrypted = 8883;
-  return port.value_or(authorities ? encrypted : plain);
+namespace {
+
+constexpr int greatestPort = 65535;
+
+/** Of "HOST:PORT" or "[ADDRESS]:PORT"; a host with more colons is an address of IPv6 without a port. */
+std::size_t colonBeforePort(const std::string& host) {
+  const std::size_t colon = host.rfind(':');
+  const bool isOnlyColon = host.find(':') == colon;
+  const bool isBehindBracket = colon != 0 && colon != std::string::npos && host[colon - 1] == ']';
+  return isOnlyColon || isBehindBracket ? colon : std::string::npos;
 }
 
-std::string BrokerOptions::name() const {
-  return "broker " + host + ":" + std::to_string(usedPort());
+std::string withoutBrackets(const std::string& host) {
+  const bool isInBrackets = host.size() > 2 && host.front() == '[' && host.back() == ']';
+  return isInBrackets ? host.substr(1, host.size() - 2) : host;
+}
+
+std::string problemOf(const std::string& host) {
+  const std::size_t colon = colonBeforePort(host);
+  if (colon == std::string::npos) {
+    return host.empty() ? "the broker's name is empty" : "";
+  }
+  const std::string port = host.substr(colon + 1);
+  constexpr std::size_t mostDigits = 5;
+  const bool isNumber = !port.empty() && port.size() <= mostDigits &&
+                        port.find_first_not_of("0123456789") == std::string::npos && std::stoi(port) >= 1 &&
+                        std::stoi(port) <= greatestPort;
+  return colon > 0 && isNumber ? "" : "'" + host + "' is not HOST or HOST:PORT";
+}
+
+}  // namespace
+
+std::string BrokerAddress::name() const {
+  return "broker " + host + ":" + std::to_string(port);
+}
+
+std::vector<BrokerAddress> BrokerOptions::addresses() const {
+  constexpr int plain = 1883;
+  constexpr int encrypted = 8883;
+  std::vector<BrokerAddress> addresses;
+  for (const std::string& host : hosts) {
+    const std::size_t colon = colonBeforePort(host);
+    const int own =
+        colon == std::string::npos ? port.value_or(authorities ? encrypted : plain) : std::stoi(host.substr(colon + 1));
+    addresses.push_back({withoutBrackets(host.substr(0, colon)), own});
+  }
+  return addresses;
 }
 
 std::optional<std::string> BrokerOptions::password() const {
@@ -28,10 +67,17 @@ std::optional<std::string> BrokerOptions::password() const {
 }
 
 void addBrokerOptions(CLI::App& command, BrokerOptions& options) {
-  constexpr int greatestPort = 65535;
   constexpr int greatestKeepAlive = 3600;
-  command.add_option("--host", options.host, "The broker's name or address; default 127.0.0.1")->type_name("HOST");
-  command.add_option("--port", options.port, "The broker's port; default 1883, or 8883 with TLS")
+  command
+      .add_option(
+          "--host", options.hosts,
+          "The broker's name or address, HOST or HOST:PORT; default 127.0.0.1. Of a cluster, several, separated "
+          "by commas, which are tried in this order")
+      ->type_name("HOST")
+      ->delimiter(',')
+      ->allow_extra_args(false)
+      ->check(CLI::Validator(problemOf, ""));
+  command.add_option("--port", options.port, "The broker's port, unless --host has it; default 1883, or 8883 with TLS")
       ->type_name("N")
       ->check(CLI::Range(1, greatestPort));
   CLI::Option* authorities =

@@ -85,7 +85,7 @@ void Sender::serve() {
     return;
   }
   ++connections_;
-  message_.print(options_.name() + ": connected");
+  message_.print(broker.name() + ": connected");
   untaken_.clear();
   unstored_.clear();
   patience_ = shortestPatience;
@@ -189,7 +189,7 @@ bool Sender::isDone() {
 
 void Sender::endInOrder(Broker& broker) {
   if (!broker.isConnected()) {
-    message_.print(options_.name() + ": " + broker.problem());
+    message_.print(broker.name() + ": " + broker.problem());
     return;
   }
   lastStatusIsTaken_ = false;
