@@ -6,9 +6,9 @@
 # The packages to build the library, the host platform and the command; those to make packages of that; and those to build
 # everything, with tests and fuzzers.
 readonly command_packages=(cmake ninja-build g++ pkgconf protobuf-compiler libprotobuf-dev libcli11-dev libmicrohttpd-dev
-  libfmt-dev libmosquitto-dev libsqlite3-dev libutfcpp-dev nlohmann-json3-dev rapidjson-dev zlib1g-dev)
+  libfmt-dev libmosquitto-dev libpq-dev libsqlite3-dev libutfcpp-dev nlohmann-json3-dev rapidjson-dev zlib1g-dev)
 readonly packaging_packages=(binutils dpkg-dev lintian python3)
-readonly build_packages=("${command_packages[@]}" libgtest-dev libgmock-dev mosquitto python3
+readonly build_packages=("${command_packages[@]}" libgtest-dev libgmock-dev mosquitto postgresql python3
   python3-jsonschema)
 
 is_installed() {

@@ -3,12 +3,12 @@
 
 #include "fleet/audit.h"
 
-#include "base/database.h"
 #include "base/errors.h"
 #include "base/output.h"
 #include "base/text.h"
 #include "base/unit_options.h"
 #include "commands/subcommands.h"
+#include "fleet/collection_database.h"
 #include "records/json.h"
 
 #include <CLI/CLI.hpp>
@@ -101,7 +101,8 @@ std::string table(const std::vector<CameraAccount>& accounts) {
 }
 
 int runAudit(const AuditCommand& command) {
-  const Database database(command.database, command.database, Database::Access::Read);
+  const std::unique_ptr<Database> opened = openCollection(command.database, Database::Access::Read);
+  const Database& database = *opened;
   AuditOptions options;
   options.late = static_cast<std::int64_t>(command.late.value_or(static_cast<std::uint64_t>(options.late)));
   options.fromFirstStored = command.fromFirstStored;
@@ -132,7 +133,9 @@ int runAudit(const AuditCommand& command) {
 
 Action defineAudit(CLI::App& command) {
   const auto options = std::make_shared<AuditCommand>();
-  command.add_option("database", options->database, "The database of a collector")->type_name("FILE")->required();
+  command.add_option("database", options->database, "The database of a collector: a file, or postgresql://...")
+      ->type_name("FILE|URL")
+      ->required();
   command.add_flag("--json", options->json, "Print the accounts as a JSON object");
   addDuration(command, "--late", options->late,
               "Time from a frame's arrival to its storage above which it is late (default 10s)");

@@ -19,6 +19,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <optional>
@@ -35,6 +36,7 @@ namespace {
 
 /** What bounds the memory, and how long a frame waits for others. */
 constexpr std::size_t largestBatch = 500;
+constexpr std::size_t largestBatchBytes = 8U << 20U;
 constexpr std::chrono::milliseconds longestWait{100};
 constexpr std::chrono::milliseconds tick{100};
 constexpr std::chrono::seconds retryPause{1};
@@ -46,34 +48,76 @@ struct CollectOptions {
   BrokerOptions broker;
 };
 
+/** Messages that are stored together. */
+struct Batch {
+  struct Message {
+    std::string topic;
+    std::string payload;
+  };
+
+  std::vector<Message> messages;
+  std::size_t bytes = 0;
+  Clock::time_point began;  ///< when the first one came
+
+  bool isDue() const {
+    return !messages.empty() &&
+           (messages.size() >= largestBatch || bytes >= largestBatchBytes || Clock::now() - began >= longestWait);
+  }
+};
+
+/** What became of a batch. */
+struct Stored {
+  std::uint64_t stored = 0;
+  std::uint64_t repeated = 0;
+  std::uint64_t conflicting = 0;
+  std::uint64_t refused = 0;
+  /** By site and device: what its publisher has to know. */
+  std::map<std::pair<std::string, std::string>, StoredFrames> reports;
+};
+
 /** Stores the messages of a fleet, and reports to the publishers what is stored. */
 class Collector {
  public:
-  explicit Collector(const CollectOptions& options) : options_(options), collection_(options.database) {}
+  explicit Collector(const CollectOptions& options) : options_(options) {
+    try {
+      open();
+    } catch (const DatabaseProblem& problem) {
+      message_.print(problem.what());
+    }
+  }
 
   void run() {
     manager_.reportReady();
     while (!stopRequested()) {
       try {
+        open();
         serve();
       } catch (const BrokerProblem& problem) {
         message_.print(problem.what());
+      } catch (const DatabaseProblem& problem) {
+        // The batch stays, and is stored first once the database is back.
+        message_.print(problem.what());
+        collection_.reset();
       }
-      const auto retryAt = Clock::now() + retryPause;
-      while (!stopRequested() && Clock::now() < retryAt) {
-        manager_.reportAlive(Clock::now());
-        std::this_thread::sleep_for(tick);
-      }
+      waitBeforeRetry();
     }
   }
 
   std::string summary() const {
-    return counted(stored_, "frame") + " stored, " + std::to_string(repeated_) + " repeated, " +
-           std::to_string(conflicting_) + " conflicting; " + counted(refused_, "message") + " refused";
+    return counted(total_.stored, "frame") + " stored, " + std::to_string(total_.repeated) + " repeated, " +
+           std::to_string(total_.conflicting) + " conflicting; " + counted(total_.refused, "message") + " refused" +
+           (batch_.messages.empty() ? "" : "; " + counted(batch_.messages.size(), "message") + " not stored");
   }
 
  private:
+  void open() {
+    if (!collection_) {
+      collection_ = std::make_unique<Collection>(options_.database);
+    }
+  }
+
   void serve() {
+    store();
     Broker broker(
         options_.broker, {"tarnvod-" + options_.name, true, std::nullopt},
         [this](const BrokerMessage& message) { take(message); }, [](int) {});
@@ -82,15 +126,23 @@ class Collector {
     message_.print(broker.name() + ": connected");
     while (broker.isConnected() && !stopRequested()) {
       manager_.reportAlive(Clock::now());
-      broker.wait(hasBatch_ ? longestWait / 2 : tick);
-      if (hasBatch_ && (batchSize_ >= largestBatch || Clock::now() - batchBegan_ >= longestWait)) {
-        store(broker);
+      broker.wait(batch_.messages.empty() ? tick : longestWait / 2);
+      if (batch_.isDue()) {
+        store();
       }
+      report(broker);
     }
-    if (hasBatch_) {
-      store(broker);
-    }
+    store();
+    report(broker);
     broker.isConnected() ? broker.disconnect() : message_.print(broker.name() + ": " + broker.problem());
+  }
+
+  void waitBeforeRetry() {
+    const auto retryAt = Clock::now() + retryPause;
+    while (!stopRequested() && Clock::now() < retryAt) {
+      manager_.reportAlive(Clock::now());
+      std::this_thread::sleep_for(tick);
+    }
   }
 
   std::vector<std::string> topics() const {
@@ -99,59 +151,84 @@ class Collector {
             statusTopic(site, "+")};
   }
 
-  /** Adds a message to the batch, which begins with the first one. */
   void take(const BrokerMessage& message) {
-    if (!hasBatch_) {
-      collection_.begin();
-      hasBatch_ = true;
-      batchBegan_ = Clock::now();
+    if (batch_.messages.empty()) {
+      batch_.began = Clock::now();
     }
-    ++batchSize_;
+    batch_.messages.push_back({std::string(message.topic), std::string(message.payload)});
+    batch_.bytes += message.payload.size();
+  }
+
+  /** Commits the batch. @throw DatabaseProblem, and the batch stays */
+  void store() {
+    if (batch_.messages.empty()) {
+      return;
+    }
+    Stored result;
+    collection_->begin();
+    for (const Batch::Message& message : batch_.messages) {
+      add(message, result);
+    }
+    collection_->commit();
+    batch_ = {};
+    total_.stored += result.stored;
+    total_.repeated += result.repeated;
+    total_.conflicting += result.conflicting;
+    total_.refused += result.refused;
+    for (auto& [device, frames] : result.reports) {
+      addReport(total_.reports[device], std::move(frames));
+    }
+  }
+
+  void add(const Batch::Message& message, Stored& result) {
     try {
-      std::visit([this](const auto& each) { add(each); }, readMessage(message.topic, message.payload));
+      std::visit([&](const auto& each) { add(each, result); }, readMessage(message.topic, message.payload));
     } catch (const Refusal& refusal) {
+      ++result.refused;
       refuse(refusal.what(), message.topic);
     }
   }
 
-  void add(const CollectedFrame& frame) {
-    switch (collection_.add(frame)) {
+  void add(const CollectedFrame& frame, Stored& result) {
+    switch (collection_->add(frame)) {
       case Collection::Outcome::Stored:
-        ++stored_;
+        ++result.stored;
         break;
       case Collection::Outcome::Repeated:
-        ++repeated_;
+        ++result.repeated;
         break;
       case Collection::Outcome::Conflicting:
-        ++conflicting_;
+        ++result.conflicting;
         break;
     }
     const Envelope& envelope = frame.envelope;
-    addRange(reports_[{frame.origin.site, frame.origin.device}].frames,
+    addRange(result.reports[{frame.origin.site, frame.origin.device}].frames,
              {envelope.camera, frame.origin.start, envelope.sequence, envelope.sequence});
   }
 
-  void add(const CollectedNote& note) {
-    collection_.add(note);
-    reports_[{note.origin.site, note.origin.device}].dropped.push_back(note.frames);
+  void add(const CollectedNote& note, Stored& result) {
+    collection_->add(note);
+    result.reports[{note.origin.site, note.origin.device}].dropped.push_back(note.frames);
   }
 
-  void add(const CollectedStatus& status) { collection_.add(status); }
+  void add(const CollectedStatus& status, Stored& /*result*/) { collection_->add(status); }
 
   void refuse(const std::string& reason, std::string_view topic) {
-    ++refused_;
-    collection_.countRefusal(reason, printable(topic));
+    collection_->countRefusal(reason, printable(topic));
     if (refusalsReported_.insert(reason).second) {
       printMessage("tarnvod: refused a message on " + printable(cut(printable(topic), 80)) + ": " + reason);
     }
   }
 
-  /** Commits, and then reports to the publishers; a report that gets lost is asked for by sending the frames again. */
-  void store(Broker& broker) {
-    collection_.commit();
-    hasBatch_ = false;
-    batchSize_ = 0;
-    for (const auto& [device, frames] : std::exchange(reports_, {})) {
+  /** Of what a lost connection left behind, too. */
+  static void addReport(StoredFrames& all, StoredFrames more) {
+    std::move(more.frames.begin(), more.frames.end(), std::back_inserter(all.frames));
+    std::move(more.dropped.begin(), more.dropped.end(), std::back_inserter(all.dropped));
+  }
+
+  /** A report that gets lost is asked for by sending the frames again. */
+  void report(Broker& broker) {
+    for (const auto& [device, frames] : std::exchange(total_.reports, {})) {
       if (broker.isConnected()) {
         broker.publish(storedTopic(device.first, device.second), storedJson(device.first, device.second, frames));
       }
@@ -159,17 +236,11 @@ class Collector {
   }
 
   const CollectOptions& options_;
-  Collection collection_;
+  std::unique_ptr<Collection> collection_;  // none while its server does not answer
   ServiceManager manager_;
-  bool hasBatch_ = false;
-  std::size_t batchSize_ = 0;
-  Clock::time_point batchBegan_;
-  std::map<std::pair<std::string, std::string>, StoredFrames> reports_;
+  Batch batch_;
+  Stored total_;  // with the reports that are still to be sent
   std::set<std::string> refusalsReported_;
-  std::uint64_t stored_ = 0;
-  std::uint64_t repeated_ = 0;
-  std::uint64_t conflicting_ = 0;
-  std::uint64_t refused_ = 0;
   ChangedMessage message_;
 };
 
@@ -184,8 +255,10 @@ int collect(const CollectOptions& options) {
 
 Action defineCollect(CLI::App& command) {
   const auto options = std::make_shared<CollectOptions>();
-  command.add_option("database", options->database, "The SQLite database; made if it does not exist")
-      ->type_name("FILE")
+  command
+      .add_option("database", options->database,
+                  "The SQLite database, made if it does not exist; or a PostgreSQL database, postgresql://...")
+      ->type_name("FILE|URL")
       ->required();
   addFleetName(command, "--site", options->site, "Only this site (default: all)");
   addFleetName(command, "--name", options->name,

@@ -26,30 +26,33 @@ class SourceAccount {
 
   void add(const AuditOptions& options) {
     readDropped();
-    Statement frames(database_,
-                     "SELECT sequence, arrival, clockSet AND stored - arrival > ? FROM frames"
-                     " WHERE source = ? ORDER BY sequence");
-    frames.start(options.late, source_.row);
+    // One row for each stretch of frames without a gap, with the arrival of its last frame.
+    Statement stretches(database_,
+                        "SELECT first, last, late, (SELECT arrival FROM frames WHERE source = ?2 AND sequence = last)"
+                        " FROM (SELECT min(sequence) AS first, max(sequence) AS last, sum(isLate) AS late FROM"
+                        " (SELECT sequence, sequence - row_number() OVER (ORDER BY sequence) AS stretch,"
+                        " CASE WHEN stored - arrival > ?1 AND clockSet <> 0 THEN 1 ELSE 0 END AS isLate"
+                        " FROM frames WHERE source = ?2) AS numbered GROUP BY stretch) AS stretches ORDER BY first");
+    stretches.start(options.late, source_.row);
     bool skips = options.fromFirstStored && source_.isFirst;
-    while (frames.next()) {
-      const auto sequence = static_cast<std::uint64_t>(frames.number(0));
-      if (skips) {
-        next_ = sequence;
-        skips = false;
-      }
-      addGap(sequence);
-      ++account_.stored;
-      ++account_.numbered;
-      account_.late += static_cast<std::uint64_t>(frames.number(2));
-      latestArrival_ = frames.number(1);
-      next_ = sequence + 1;
+    while (stretches.next()) {
+      const auto first = static_cast<std::uint64_t>(stretches.number(0));
+      const auto last = static_cast<std::uint64_t>(stretches.number(1));
+      next_ = skips ? first : next_;
+      skips = false;
+      addGap(first);
+      account_.stored += last + 1 - first;
+      account_.numbered += last + 1 - first;
+      account_.late += static_cast<std::uint64_t>(stretches.number(2));
+      latestArrival_ = stretches.number(3);
+      next_ = last + 1;
     }
     addEnd();
   }
 
  private:
   void readDropped() {
-    Statement dropped(database_, "SELECT first, last FROM dropped WHERE source = ? ORDER BY first");
+    Statement dropped(database_, "SELECT first, last FROM dropped WHERE source = ?1 ORDER BY first");
     for (dropped.start(source_.row); dropped.next();) {
       dropped_.push_back({account_.camera, source_.start, static_cast<std::uint64_t>(dropped.number(0)),
                           static_cast<std::uint64_t>(dropped.number(1))});
@@ -116,12 +119,13 @@ bool isOf(const CameraAccount& account, const Statement& row) {
 
 std::vector<CameraAccount> audit(const Database& database, const AuditOptions& options) {
   std::vector<CameraAccount> accounts;
-  Statement sources(database,
-                    "SELECT source, site, device, camera, start, numbered, repeated, conflicting,"
-                    " EXISTS (SELECT 1 FROM (SELECT start, state FROM publishers AS p WHERE p.site = s.site AND"
-                    " p.device = s.device ORDER BY rowid DESC LIMIT 1) AS latest"
-                    " WHERE latest.start = s.start AND latest.state <> 'stopped')"
-                    " FROM sources AS s ORDER BY site, device, camera, source");
+  Statement sources(
+      database,
+      "SELECT source, site, device, camera, start, numbered, repeated, conflicting,"
+      " CASE WHEN EXISTS (SELECT 1 FROM (SELECT start, state FROM publishers AS p WHERE p.site = s.site AND"
+      " p.device = s.device ORDER BY publication DESC LIMIT 1) AS latest"
+      " WHERE latest.start = s.start AND latest.state <> 'stopped') THEN 1 ELSE 0 END"
+      " FROM sources AS s ORDER BY site, device, camera, source");
   for (sources.start(); sources.next();) {
     const bool isFirst = accounts.empty() || !isOf(accounts.back(), sources);
     if (isFirst) {

@@ -4,7 +4,7 @@
 #include "fleet/collection.h"
 
 #include "base/wall_clock.h"
-#include "fleet/collection_schema.h"
+#include "fleet/collection_database.h"
 
 #include <algorithm>
 #include <optional>
@@ -16,11 +16,8 @@ namespace {
 constexpr std::uint64_t farthest = 10'000'000;
 /** Origins that are kept in mind; what is forgotten is looked up again. */
 constexpr std::size_t mostSources = 10'000;
-
-Database& prepared(Database& database) {
-  database.run(collectionSchema);
-  return database;
-}
+/** Numbers for the detections of one frame; the largest message has room for a tenth of them. */
+constexpr std::int64_t detectionsOfAFrame = 100'000;
 
 std::optional<float> coordinate(const Json& detection, const char* name) {
   const Json& value = detection.at(name);
@@ -37,47 +34,51 @@ std::optional<std::uint64_t> numberOrNull(const Json& value) {
 
 }  // namespace
 
-Collection::Collection(const std::string& file)
-    : database_(file, file, Database::Access::Create),
-      insertSource_(prepared(database_),
-                    "INSERT INTO sources (site, device, camera, start) VALUES (?, ?, ?, ?) ON CONFLICT DO NOTHING"),
-      findSource_(database_,
-                  "SELECT source, max(coalesce((SELECT max(sequence) FROM frames WHERE frames.source = s.source), 0),"
-                  " coalesce((SELECT max(last) FROM dropped WHERE dropped.source = s.source), 0))"
-                  " FROM sources AS s WHERE site = ? AND device = ? AND camera = ? AND start = ?"),
-      insertFrame_(database_,
+Collection::Collection(const std::string& database)
+    : database_(openCollection(database, Database::Access::Create)),
+      insertSource_(*database_,
+                    "INSERT INTO sources (site, device, camera, start) VALUES (?1, ?2, ?3, ?4) ON CONFLICT DO NOTHING"),
+      findSource_(*database_,
+                  "SELECT source, coalesce((SELECT max(sequence) FROM frames WHERE frames.source = s.source), 0),"
+                  " coalesce((SELECT max(last) FROM dropped WHERE dropped.source = s.source), 0)"
+                  " FROM sources AS s WHERE site = ?1 AND device = ?2 AND camera = ?3 AND start = ?4"),
+      insertFrame_(*database_,
                    "INSERT INTO frames (source, sequence, timestamp, arrival, clockSet, stored, checksum)"
-                   " VALUES (?, ?, ?, ?, ?, ?, ?) ON CONFLICT DO NOTHING"),
-      findFrame_(database_, "SELECT checksum FROM frames WHERE source = ? AND sequence = ?"),
-      countRepetition_(database_, "UPDATE sources SET repeated = repeated + 1 WHERE source = ?"),
-      countConflict_(database_, "UPDATE sources SET conflicting = conflicting + 1 WHERE source = ?"),
-      insertDetection_(database_,
-                       "INSERT INTO detections (frame, objectId, className, score, status, coord1, coord2, coord3,"
-                       " coord4) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)"),
-      insertAttribute_(database_, "INSERT INTO attributes (detection, typeName, className, score) VALUES (?, ?, ?, ?)"),
-      insertEvent_(database_, "INSERT INTO events (frame, action, objectId, objectIds) VALUES (?, ?, ?, ?)"),
-      insertNote_(database_, "INSERT INTO dropped (source, first, last) VALUES (?, ?, ?) ON CONFLICT DO NOTHING"),
-      updateNumbered_(database_, "UPDATE sources SET numbered = max(numbered, ?) WHERE source = ?"),
-      insertState_(database_,
-                   "INSERT INTO states (source, state, reason, since, received) VALUES (?, ?, ?, ?, ?)"
+                   " VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7) ON CONFLICT DO NOTHING RETURNING frame"),
+      findFrame_(*database_, "SELECT checksum FROM frames WHERE source = ?1 AND sequence = ?2"),
+      countRepetition_(*database_, "UPDATE sources SET repeated = repeated + 1 WHERE source = ?1"),
+      countConflict_(*database_, "UPDATE sources SET conflicting = conflicting + 1 WHERE source = ?1"),
+      insertDetection_(*database_,
+                       "INSERT INTO detections (detection, frame, objectId, className, score, status, coord1, coord2,"
+                       " coord3, coord4) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10)"),
+      insertAttribute_(*database_,
+                       "INSERT INTO attributes (detection, typeName, className, score) VALUES (?1, ?2, ?3, ?4)"),
+      insertEvent_(*database_, "INSERT INTO events (frame, action, objectId, objectIds) VALUES (?1, ?2, ?3, ?4)"),
+      insertNote_(*database_, "INSERT INTO dropped (source, first, last) VALUES (?1, ?2, ?3) ON CONFLICT DO NOTHING"),
+      updateNumbered_(*database_, "UPDATE sources SET numbered = ?1 WHERE numbered < ?1 AND source = ?2"),
+      insertState_(*database_,
+                   "INSERT INTO states (source, state, reason, since, received) VALUES (?1, ?2, ?3, ?4, ?5)"
                    " ON CONFLICT DO NOTHING"),
-      insertPublisher_(database_,
-                       "INSERT INTO publishers (site, device, start, state, received) SELECT ?1, ?2, ?3, ?4, ?5"
-                       " WHERE NOT EXISTS (SELECT 1 FROM (SELECT start, state FROM publishers WHERE site = ?1 AND"
-                       " device = ?2 ORDER BY rowid DESC LIMIT 1) WHERE start = ?3 AND state = ?4)"),
-      replaceStatus_(database_,
-                     "INSERT INTO status (site, device, received, message) VALUES (?, ?, ?, ?)"
-                     " ON CONFLICT DO UPDATE SET received = excluded.received, message = excluded.message"),
-      countRefusal_(database_,
-                    "INSERT INTO refused (reason, count, latest, topic) VALUES (?, 1, ?, ?) ON CONFLICT DO UPDATE SET"
-                    " count = count + 1, latest = excluded.latest, topic = excluded.topic") {}
+      insertPublisher_(*database_,
+                       "INSERT INTO publishers (site, device, start, state, received)"
+                       " SELECT CAST(?1 AS TEXT), CAST(?2 AS TEXT), CAST(?3 AS TEXT), CAST(?4 AS TEXT),"
+                       " CAST(?5 AS BIGINT) WHERE NOT EXISTS (SELECT 1 FROM (SELECT start, state FROM publishers"
+                       " WHERE site = ?1 AND device = ?2 ORDER BY publication DESC LIMIT 1) AS latest"
+                       " WHERE start = ?3 AND state = ?4)"),
+      replaceStatus_(*database_,
+                     "INSERT INTO status (site, device, received, message) VALUES (?1, ?2, ?3, ?4)"
+                     " ON CONFLICT (site, device) DO UPDATE SET received = excluded.received,"
+                     " message = excluded.message"),
+      countRefusal_(*database_,
+                    "INSERT INTO refused (reason, count, latest, topic) VALUES (?1, 1, ?2, ?3) ON CONFLICT (reason)"
+                    " DO UPDATE SET count = refused.count + 1, latest = excluded.latest, topic = excluded.topic") {}
 
 void Collection::begin() {
-  database_.run("BEGIN IMMEDIATE");
+  database_->begin();
 }
 
 void Collection::commit() {
-  database_.run("COMMIT");
+  database_->commit();
 }
 
 Collection::Source& Collection::sourceOf(const Origin& origin, int camera) {
@@ -89,7 +90,8 @@ Collection::Source& Collection::sourceOf(const Origin& origin, int camera) {
     insertSource_.run(origin.site, origin.device, camera, origin.start);
     findSource_.start(origin.site, origin.device, camera, origin.start);
     findSource_.next();
-    entry->second = {findSource_.number(0), static_cast<std::uint64_t>(findSource_.number(1))};
+    const std::int64_t highest = std::max(findSource_.number(1), findSource_.number(2));
+    entry->second = {findSource_.number(0), static_cast<std::uint64_t>(highest)};
     findSource_.reset();
   }
   return entry->second;
@@ -104,14 +106,16 @@ void Collection::checkNumber(const Source& source, std::uint64_t number) const {
 Collection::Outcome Collection::add(const CollectedFrame& frame) {
   Source& source = sourceOf(frame.origin, frame.envelope.camera);
   checkNumber(source, frame.envelope.sequence);
-  insertFrame_.run(source.row, frame.envelope.sequence, frame.timestamp, frame.envelope.arrival,
-                   frame.envelope.clockSet, wallTimeNow().microseconds, frame.checksum);
-  if (database_.changes() == 0) {
+  insertFrame_.start(source.row, frame.envelope.sequence, frame.timestamp, frame.envelope.arrival,
+                     static_cast<int>(frame.envelope.clockSet), wallTimeNow().microseconds, frame.checksum);
+  if (!insertFrame_.next()) {
     return addAgain(source, frame);
   }
-  const std::int64_t row = database_.lastRow();
+  const std::int64_t row = insertFrame_.number(0);
+  insertFrame_.reset();
+  std::int64_t detectionRow = row * detectionsOfAFrame;
   for (const Json& detection : frame.detections) {
-    addDetection(row, detection);
+    addDetection(row, detectionRow++, detection);
   }
   for (const Json& event : frame.events) {
     insertEvent_.run(row, event.at("action").get<std::string>(), event.at("objectId").get<std::int64_t>(),
@@ -129,13 +133,12 @@ Collection::Outcome Collection::addAgain(const Source& source, const CollectedFr
   return isSame ? Outcome::Repeated : Outcome::Conflicting;
 }
 
-void Collection::addDetection(std::int64_t frame, const Json& detection) {
-  insertDetection_.run(frame, detection.at("objectId").get<std::uint64_t>(),
+void Collection::addDetection(std::int64_t frame, std::int64_t row, const Json& detection) {
+  insertDetection_.run(row, frame, detection.at("objectId").get<std::uint64_t>(),
                        detection.at("className").get<std::string>(), detection.at("score").get<std::uint64_t>(),
                        detection.at("status").get<std::string>(), coordinate(detection, "coord1"),
                        coordinate(detection, "coord2"), coordinate(detection, "coord3"),
                        coordinate(detection, "coord4"));
-  const std::int64_t row = database_.lastRow();
   for (const Json& attribute : detection.at("attributes")) {
     insertAttribute_.run(row, attribute.at("typeName").get<std::string>(), textOrNull(attribute.at("className")),
                          numberOrNull(attribute.at("score")));

@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <string>
 #include <tuple>
 
@@ -17,7 +18,7 @@ namespace tarn::command {
 /**
  * The database of a collector. A frame is stored once, however often it comes: it is known by site, device, camera, start
  * and sequence number. What is added between `begin` and `commit` is stored as a whole or, when the process ends before,
- * not at all. Not for use by two threads.
+ * not at all. After a `Failure` the object is of no more use. Not for use by two threads.
  */
 class Collection {
  public:
@@ -27,8 +28,8 @@ class Collection {
     Conflicting,  ///< another frame of this number is there, and stays
   };
 
-  /** Opens the database, or makes it. @throw Failure */
-  explicit Collection(const std::string& file);
+  /** Opens the database, or makes it: an SQLite file, or the URL of a PostgreSQL database. @throw UsageError; Failure */
+  explicit Collection(const std::string& database);
 
   void begin();
   /** @throw Failure  when the database cannot be written; nothing since `begin` is stored then */
@@ -52,9 +53,9 @@ class Collection {
   Source& sourceOf(const Origin& origin, int camera);
   void checkNumber(const Source& source, std::uint64_t number) const;
   Outcome addAgain(const Source& source, const CollectedFrame& frame);
-  void addDetection(std::int64_t frame, const Json& detection);
+  void addDetection(std::int64_t frame, std::int64_t row, const Json& detection);
 
-  Database database_;
+  const std::unique_ptr<Database> database_;
   Statement insertSource_;
   Statement findSource_;
   Statement insertFrame_;

@@ -17,7 +17,7 @@ namespace {
 
 /** The deepest message, a frame with attributes, has five levels; others may come. */
 constexpr int deepest = 16;
-/** SQLite's integers have a sign. */
+/** A database's integers have a sign. */
 constexpr std::uint64_t greatestNumber = std::numeric_limits<std::int64_t>::max();
 
 [[noreturn]] void refuseField() {
@@ -186,9 +186,17 @@ CollectedNote noteOf(const Json& message, const FleetTopic& topic) {
   return note;
 }
 
+/** A text that is part of a key, which a database bounds. */
+std::string shortTextOf(const Json& object, const char* name) {
+  constexpr std::size_t longest = 500;
+  std::string text = textOf(object, name);
+  require(text.size() <= longest);
+  return text;
+}
+
 CollectedCamera cameraOf(const Json& camera) {
   const auto number = static_cast<int>(numberOf(camera, "camera", std::numeric_limits<int>::max()));
-  return {number, textOf(camera, "state"), textOf(camera, "reason"),
+  return {number, shortTextOf(camera, "state"), shortTextOf(camera, "reason"),
           static_cast<std::int64_t>(numberOf(camera, "since")), numberOf(camera, "numbered")};
 }
 

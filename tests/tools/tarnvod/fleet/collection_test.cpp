@@ -3,17 +3,24 @@
 
 #include "fleet/collection.h"
 
-#include "base/errors.h"
 #include "fleet/audit.h"
+#include "fleet/collection_database.h"
 #include "fleet/messages.h"
 #include "fleet/topics.h"
 #include "records/frame_json.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <support/temporary_folder.h>
+#include <tools/tarnvod/situations.h>
 
+#include <memory>
+#include <sstream>
 #include <string>
 #include <vector>
+
+#ifdef TARNVOD_WITH_POSTGRESQL
+#include "postgres.h"
+#endif
 
 using namespace tarn::command;
 using namespace tarn::VOD;
@@ -22,7 +29,20 @@ namespace {
 
 const Origin origin{"north", "gate", "0123456789abcdef"};
 
-class ACollection : public testing::Test {
+/** The tests run with each kind of database. */
+enum class Kind { Sqlite, Postgres };
+
+const auto kinds = testing::Values(
+#ifdef TARNVOD_WITH_POSTGRESQL
+    Kind::Postgres,
+#endif
+    Kind::Sqlite);
+
+std::string nameOf(const testing::TestParamInfo<Kind>& info) {
+  return info.param == Kind::Sqlite ? "SQLite" : "PostgreSQL";
+}
+
+class ACollection : public testing::TestWithParam<Kind> {
  protected:
   ~ACollection() override { EXPECT_TRUE(isCommitted_); }
 
@@ -51,31 +71,41 @@ class ACollection : public testing::Test {
 
   CameraAccount account(const AuditOptions& options = {}) {
     commit();
-    const Database database(file, file, Database::Access::Read);
-    return audit(database, options).at(0);
+    return audit(*opened(), options).at(0);
   }
 
   std::int64_t count(const char* query) {
     commit();
-    const Database database(file, file, Database::Access::Read);
-    Statement statement(database, query);
+    const auto database = opened();
+    Statement statement(*database, query);
     statement.start();
     EXPECT_TRUE(statement.next());
     return statement.number(0);
   }
 
+  std::unique_ptr<Database> opened() const { return openCollection(name, Database::Access::Read); }
+
   void SetUp() override { collection.begin(); }
 
  private:
-  const tarn::test::TemporaryFolder folder_;
+  std::string emptyDatabase() const {
+#ifdef TARNVOD_WITH_POSTGRESQL
+    if (GetParam() == Kind::Postgres) {
+      return test::PostgresServer::emptied().url();
+    }
+#endif
+    return folder_ / "fleet.db";
+  }
+
+  const test::TemporaryFolder folder_;
   bool isCommitted_ = false;
 
  protected:
-  const std::string file = folder_.path() / "fleet.db";
-  Collection collection{file};
+  const std::string name = emptyDatabase();
+  Collection collection{name};
 };
 
-TEST_F(ACollection, StoresAFrameWithAllThatIsInIt) {
+TEST_P(ACollection, StoresAFrameWithAllThatIsInIt) {
   EXPECT_EQ(collection.add(frame(1, 5)), Collection::Outcome::Stored);
 
   EXPECT_EQ(count("SELECT count(*) FROM frames JOIN sources USING (source) JOIN detections USING (frame)"
@@ -85,7 +115,7 @@ TEST_F(ACollection, StoresAFrameWithAllThatIsInIt) {
             1);
 }
 
-TEST_F(ACollection, StoresAFrameOnce) {
+TEST_P(ACollection, StoresAFrameOnce) {
   addFrames(1, 1);
 
   EXPECT_EQ(collection.add(frame(1)), Collection::Outcome::Repeated);
@@ -96,20 +126,20 @@ TEST_F(ACollection, StoresAFrameOnce) {
   EXPECT_EQ(result.missing, 0U);
 }
 
-TEST_F(ACollection, KeepsTheFirstOfTwoFramesOfANumber) {
+TEST_P(ACollection, KeepsTheFirstOfTwoFramesOfANumber) {
   addFrames(1, 1);
 
   EXPECT_EQ(collection.add(frame(1, 999)), Collection::Outcome::Conflicting);
 
   EXPECT_EQ(account().conflicting, 1U);
-  const Database database(file, file, Database::Access::Read);
-  Statement timestamps(database, "SELECT timestamp FROM frames");
+  const auto database = opened();
+  Statement timestamps(*database, "SELECT timestamp FROM frames");
   timestamps.start();
   ASSERT_TRUE(timestamps.next());
   EXPECT_EQ(timestamps.number(0), 0);
 }
 
-TEST_F(ACollection, RefusesANumberThatIsTooFarAhead) {
+TEST_P(ACollection, RefusesANumberThatIsTooFarAhead) {
   addFrames(1, 1);
 
   EXPECT_THROW(collection.add(frame(1'000'000'000)), Refusal);
@@ -119,7 +149,7 @@ TEST_F(ACollection, RefusesANumberThatIsTooFarAhead) {
   EXPECT_EQ(account().missing, 0U);
 }
 
-TEST_F(ACollection, StoresNothingOfAStatusThatItRefuses) {
+TEST_P(ACollection, StoresNothingOfAStatusThatItRefuses) {
   addFrames(1, 1);
 
   EXPECT_THROW(collection.add(status("running", 1'000'000'000, origin.start)), Refusal);
@@ -127,10 +157,10 @@ TEST_F(ACollection, StoresNothingOfAStatusThatItRefuses) {
   EXPECT_EQ(count("SELECT count(*) FROM publishers"), 0);
 }
 
-TEST_F(ACollection, KnowsTheHighestNumberAfterARestart) {
+TEST_P(ACollection, KnowsTheHighestNumberAfterARestart) {
   addFrames(1, 1);
   commit();
-  Collection next(file);
+  Collection next(name);
   next.begin();
 
   EXPECT_THROW(next.add(frame(1'000'000'000)), Refusal);
@@ -138,23 +168,81 @@ TEST_F(ACollection, KnowsTheHighestNumberAfterARestart) {
   next.commit();
 }
 
-TEST_F(ACollection, CountsRefusalsByReason) {
+TEST_P(ACollection, CountsRefusalsByReason) {
   collection.countRefusal("not JSON", "a");
   collection.countRefusal("not JSON", "b");
 
   EXPECT_EQ(count("SELECT count FROM refused WHERE reason = 'not JSON' AND topic = 'b'"), 2);
 }
 
-TEST_F(ACollection, KeepsEachStateOfACameraOnce) {
+TEST_P(ACollection, KeepsEachStateOfACameraOnce) {
   collection.add(status("running", 0, origin.start));
   collection.add(status("running", 5, origin.start));
 
   EXPECT_EQ(count("SELECT count(*) FROM states WHERE state = 'Receiving'"), 1);
 }
 
+TEST_P(ACollection, NumbersTheDetectionsOfAllFrames) {
+  addFrames(1, 3);
+
+  EXPECT_EQ(count("SELECT count(DISTINCT detection) FROM attributes JOIN detections USING (detection)"), 3);
+}
+
+TEST_P(ACollection, StoresNothingOfWhatIsNotCommitted) {
+  addFrames(1, 1);
+  commit();
+  {
+    Collection ended(name);
+    ended.begin();
+    ended.add(frame(2));
+  }
+
+  const auto database = opened();
+  Statement frames(*database, "SELECT count(*) FROM frames");
+  frames.start();
+  ASSERT_TRUE(frames.next());
+  EXPECT_EQ(frames.number(0), 1);
+}
+
+TEST_P(ACollection, KeepsAText) {
+  const std::string text = "it's \\ \"Stra\xC3\x9F\x65\" ?1";
+  collection.countRefusal(text, "a");
+  commit();
+
+  const auto database = opened();
+  Statement reasons(*database, "SELECT reason FROM refused");
+  reasons.start();
+  ASSERT_TRUE(reasons.next());
+  EXPECT_EQ(reasons.text(0), text);
+}
+
+TEST_P(ACollection, AnswersTheQueriesOfTheGuide) {
+  addFrames(1, 3);
+  collection.add(status("running", 3, origin.start));
+  commit();
+  std::istringstream guide(test::contentsOf(TARNVOD_FLEET_GUIDE));
+  const auto database = opened();
+
+  int queries = 0;
+  for (std::string line; std::getline(guide, line);) {
+    if (line.rfind("SELECT", 0) == 0) {
+      std::string query;
+      for (; line != "```" && !guide.eof(); std::getline(guide, line)) {
+        query += line + '\n';
+      }
+      Statement statement(*database, query.c_str());
+      statement.start();
+      static_cast<void>(statement.next());
+      ++queries;
+    }
+  }
+
+  EXPECT_GE(queries, 2);
+}
+
 using AnAudit = ACollection;
 
-TEST_F(AnAudit, OfFramesWithoutGapsFindsNothing) {
+TEST_P(AnAudit, OfFramesWithoutGapsFindsNothing) {
   addFrames(1, 10);
 
   const CameraAccount result = account();
@@ -164,7 +252,7 @@ TEST_F(AnAudit, OfFramesWithoutGapsFindsNothing) {
   EXPECT_EQ(result.missing, 0U);
 }
 
-TEST_F(AnAudit, FindsTheFramesThatAreMissing) {
+TEST_P(AnAudit, FindsTheFramesThatAreMissing) {
   addFrames(1, 3);
   addFrames(6, 6);
   addFrames(8, 9);
@@ -178,7 +266,7 @@ TEST_F(AnAudit, FindsTheFramesThatAreMissing) {
   EXPECT_EQ(result.missingFrames, expected);
 }
 
-TEST_F(AnAudit, CountsWhatTheDeviceDroppedApart) {
+TEST_P(AnAudit, CountsWhatTheDeviceDroppedApart) {
   addFrames(1, 2);
   addFrames(9, 9);
   collection.add(CollectedNote{origin, {1, origin.start, 3, 4}});
@@ -191,7 +279,7 @@ TEST_F(AnAudit, CountsWhatTheDeviceDroppedApart) {
   EXPECT_EQ(result.numbered, result.stored + result.dropped + result.missing);
 }
 
-TEST_F(AnAudit, DoesNotCountADroppedFrameThatIsStored) {
+TEST_P(AnAudit, DoesNotCountADroppedFrameThatIsStored) {
   addFrames(1, 3);
   collection.add(CollectedNote{origin, {1, origin.start, 2, 4}});
 
@@ -202,7 +290,7 @@ TEST_F(AnAudit, DoesNotCountADroppedFrameThatIsStored) {
   EXPECT_EQ(result.missing, 0U);
 }
 
-TEST_F(AnAudit, MissesTheEndOfAStartThatHasEnded) {
+TEST_P(AnAudit, MissesTheEndOfAStartThatHasEnded) {
   addFrames(1, 2);
   collection.add(status("running", 5, origin.start));
   collection.add(status("running", 0, "ffffffffffffffff"));
@@ -210,7 +298,7 @@ TEST_F(AnAudit, MissesTheEndOfAStartThatHasEnded) {
   EXPECT_EQ(account().missing, 3U);
 }
 
-TEST_F(AnAudit, WaitsForTheEndOfAStartThatRuns) {
+TEST_P(AnAudit, WaitsForTheEndOfAStartThatRuns) {
   addFrames(1, 2);
   collection.add(status("running", 5, origin.start));
 
@@ -220,22 +308,33 @@ TEST_F(AnAudit, WaitsForTheEndOfAStartThatRuns) {
   EXPECT_EQ(result.missing, 0U);
 }
 
-TEST_F(AnAudit, CountsFramesBeforeTheFirstUnlessAskedNotTo) {
+TEST_P(AnAudit, CountsFramesBeforeTheFirstUnlessAskedNotTo) {
   addFrames(4, 5);
 
   EXPECT_EQ(account().missing, 3U);
   AuditOptions options;
   options.fromFirstStored = true;
-  const Database database(file, file, Database::Access::Read);
-  EXPECT_EQ(audit(database, options).at(0).missing, 0U);
+  EXPECT_EQ(audit(*opened(), options).at(0).missing, 0U);
 }
 
-TEST_F(AnAudit, OfAnotherDatabaseFails) {
-  commit();
-  const tarn::test::TemporaryFolder other;
-  const Database database(other.path() / "empty.db", "empty.db", Database::Access::Create);
+TEST_P(AnAudit, CountsLateFramesWhoseClockWasSet) {
+  CollectedFrame late = frame(1);
+  late.envelope.clockSet = true;
+  collection.add(late);
+  addFrames(2, 2);
 
-  EXPECT_THROW(audit(database, {}), Failure);
+  EXPECT_EQ(account().late, 1U);
+}
+
+INSTANTIATE_TEST_SUITE_P(Databases, ACollection, kinds, nameOf);
+INSTANTIATE_TEST_SUITE_P(Databases, AnAudit, kinds, nameOf);
+
+TEST(AnSqliteFileWithoutTables, FailsItsAudit) {
+  const test::TemporaryFolder folder;
+  const auto database = openCollection(folder / "fleet.db", Database::Access::Create);
+  database->run("DROP TABLE sources");
+
+  EXPECT_THROW(audit(*database, {}), Failure);
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "base/database.h"
+#include "base/sqlite_database.h"
 #include "base/text.h"
 #include "recordings/exports/frame_export.h"
 #include "recordings/scene_record.h"
@@ -117,7 +117,7 @@ class SqliteExport : public FrameExport {
 
   const SceneNames& names_;
   ReplacedFile file_;
-  Database database_;
+  SqliteDatabase database_;
   std::optional<Statement> frames_;
   std::optional<Statement> detections_;
   std::optional<Statement> attributes_;
