@@ -4,27 +4,12 @@
 import assert from 'node:assert/strict';
 import { after, before, describe, test } from 'node:test';
 import {
-  Viewer, assertAccessible, assertDrawn, assertFitsWindows, cameraOf, closeBrowser, drawn, freeEdges, isSameColour, look, openBrowser, pixels,
-  takePicture,
+  Viewer, assertAccessible, assertDrawn, assertFitsWindows, cameraOf, closeBrowser, drawn, freeEdges, isSameColour, look, lookAtTwoCameras,
+  openBrowser, pauseWhen, pixels, takePicture,
 } from './support.js';
 
 before(openBrowser);
 after(closeBrowser);
-
-/** Pauses at a moment that the condition likes; gives what is drawn then. */
-async function pauseWhen(page, camera, condition) {
-  for (;;) {
-    await page.locator('#pause').click();
-    const picture = await drawn(page, camera);
-    if (condition(picture)) {
-      return picture;
-    }
-    await page.locator('#pause').click();
-    await page.waitForFunction(([number, timestamp]) =>
-      document.querySelector(`.camera[data-camera="${number}"]`).dataset.timestamp !== `${timestamp}`,
-    [camera, picture.timestamp]);
-  }
-}
 
 describe('two cameras that are seen live', () => {
   let viewer;
@@ -32,15 +17,10 @@ describe('two cameras that are seen live', () => {
   let page;
   let complaints;
 
-  before(async () => {
-    viewer = await Viewer.start('--camera', '1', '2');
-    sent = viewer.collectFrames();
-    ({ page, complaints } = await look(viewer));
-  });
-  after(async () => {
-    sent.stop();
-    await viewer.stop();
-  });
+  let stop;
+
+  before(async () => { ({ viewer, sent, page, complaints, stop } = await lookAtTwoCameras()); });
+  after(() => stop());
 
   test('are drawn as their frames were sent', async () => {
     await pauseWhen(page, 1, (picture) => freeEdges(picture).length > 0);
@@ -166,6 +146,19 @@ test('a page whose viewer ends says so, and goes on with the next one at the sam
   await page.locator('#connection', { hasText: /^connected/ }).waitFor();
   await cameraOf(page, 1).locator('.pill', { hasText: 'receiving' }).waitFor();
   await second.stop();
+});
+
+test('a ninth browser gets a sentence, and the picture when another is closed', async () => {
+  const viewer = await Viewer.start('--camera', '1');
+  const others = Array.from({ length: 8 }, () => viewer.collectFrames());
+  await Promise.all(others.map(({ first }) => first));
+  const { page } = await look(viewer, { shown: null });
+  await page.locator('#notice', { hasText: 'No more than 8 browsers can view at once; close one.' }).waitFor();
+  await takePicture(page, 'ninth-1280');
+  others.forEach(({ stop }) => stop());
+  await cameraOf(page, 1).locator('.pill', { hasText: 'receiving' }).waitFor();
+  assert.ok(!await page.locator('#notice').isVisible());
+  await viewer.stop();
 });
 
 test('a canvas has as many pixels as the screen', async () => {

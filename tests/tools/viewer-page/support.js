@@ -67,10 +67,12 @@ export class Viewer {
     return (await fetch(this.url + path)).json();
   }
 
-  /** Takes part as one more browser: the frames that are sent, by camera and time stamp, as they come. */
+  /** Takes part as one more browser: the frames that are sent, by camera and time stamp, as they come; `first` waits for one. */
   collectFrames() {
     const frames = new Map();
     const stop = new AbortController();
+    let begin;
+    const first = new Promise((resolve) => { begin = resolve; });
     const read = async () => {
       const { body } = await fetch(`${this.url}events`, { signal: stop.signal });
       let text = '';
@@ -80,11 +82,12 @@ export class Viewer {
         for (const event of events.filter((each) => each.startsWith('event: frame\n'))) {
           const frame = JSON.parse(event.slice(event.indexOf('data: ') + 6));
           frames.set(`${frame.camera} ${frame.timestamp}`, frame);
+          begin();
         }
       }
     };
     read().catch((error) => assert.equal(error.name, 'AbortError'));
-    return { frames, stop: () => stop.abort() };
+    return { frames, first, stop: () => stop.abort() };
   }
 }
 
@@ -113,6 +116,17 @@ export async function look(viewer, { width = 1280, height = 860, address = '', s
   await page.goto(viewer.url + address);
   await page.waitForSelector(shown === null ? '.camera' : `.camera[data-camera="${shown}"][data-timestamp]:not([data-timestamp=""])`);
   return { page, complaints };
+}
+
+/** Two cameras that are seen live: their viewer, the frames that it sends, a page, and what that complains of. */
+export async function lookAtTwoCameras() {
+  const viewer = await Viewer.start('--camera', '1', '2');
+  const sent = viewer.collectFrames();
+  const stop = () => {
+    sent.stop();
+    return viewer.stop();
+  };
+  return { viewer, sent, stop, ...await look(viewer) };
 }
 
 /** Waits until the first camera shows the frame with this number. */
@@ -154,6 +168,28 @@ export function assertDrawn(picture, frame) {
     expected.map(({ cells, attributes }) => ({ cells, attributes })));
   picture.rows.forEach(({ box }, index) => box.forEach((number, place) =>
     assert.ok(Math.abs(number - expected[index].box[place]) < 0.02, `${box} is not ${expected[index].box}`)));
+}
+
+/** Pauses at a moment that the condition likes; gives what is drawn then. */
+export async function pauseWhen(page, camera, condition) {
+  for (;;) {
+    await page.locator('#pause').click();
+    const picture = await drawn(page, camera);
+    if (condition(picture)) {
+      return picture;
+    }
+    await page.locator('#pause').click();
+    await shownAfter(page, camera, picture.timestamp);
+  }
+}
+
+/** Waits until the camera shows another frame; gives its time stamp. */
+export async function shownAfter(page, camera, timestamp) {
+  const handle = await page.waitForFunction(([number, before]) => {
+    const shown = document.querySelector(`.camera[data-camera="${number}"]`).dataset.timestamp;
+    return shown !== before && shown;
+  }, [camera, `${timestamp}`]);
+  return Number(await handle.jsonValue());
 }
 
 /** The colour of a canvas at places in units of the page. The canvas is the camera's first, its picture, or second. */

@@ -10,6 +10,7 @@ set(page_files
   canvas.js
   clock.js
   colours.js
+  density.js
   downloads.js
   filters.js
   format.js
@@ -22,6 +23,7 @@ set(page_files
   live_camera.js
   live_player.js
   main.js
+  page.js
   page.css
   page.html
   picture.js
@@ -32,7 +34,10 @@ set(page_files
   selection.js
   shapes.js
   table.js
+  time_window.js
   timeline.js
+  timeline_input.js
+  timeline_view.js
   tools.js
   viewport.js
   wall.js)

@@ -1,11 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-/** The page's state in its address, behind the `#`, so that a link shows the same. */
-export const readAddress = () => {
-  const parameters = new URLSearchParams(location.hash.slice(1));
-  return (name) => parameters.get(name) ?? '';
-};
+/** The page's state in its address, behind the `#`, so that a link shows the same: an object of texts. */
+export const readAddress = () => Object.fromEntries(new URLSearchParams(location.hash.slice(1)));
 
 /** Writes the members that are not empty. */
 export function writeAddress(state) {

@@ -10,7 +10,7 @@ import { drawPicture, objectsOf } from './picture.js';
 import { PictureInput } from './picture_input.js';
 import { CopyLine, shapeText } from './shapes.js';
 import { ObjectTable } from './table.js';
-import { drawTimeline } from './timeline.js';
+import { TimelineView } from './timeline_view.js';
 import { Viewport } from './viewport.js';
 
 const eventsListed = 5;
@@ -20,7 +20,6 @@ const smallest = (areas) => areas.sort((a, b) => a.area.width * a.area.height - 
 
 /** A camera's part of the page: its picture, its timeline, and a table that says the same without a picture. */
 export class CameraView {
-  #number;
   #setup;
   #filters;
   #selection;
@@ -28,29 +27,32 @@ export class CameraView {
   #viewport = new Viewport();
   #background = null;
   #shape = null;
-  #copyLine = new CopyLine(() => this.#setShape(null));
+  #copyLine = new CopyLine(() => this.#removeCopy());
+  #copyRemoved = () => {};
   #pill = make('p', { className: 'pill' });
   #summary = make('p', { className: 'summary' });
   #title;
   #picture = new Canvas(() => this.drawPicture());
-  #timeline = new Canvas(() => this.#drawTimeline());
+  #timeline;
   #veilTitle = make('strong');
   #veilText = make('span');
   #veil = make('div', { className: 'veil', hidden: true }, make('p', {}, this.#veilTitle, this.#veilText));
-  #timelineBox = make('div', {}, this.#timeline.element);
   #events = make('ol', { className: 'events' });
   #eventsShown = '';
   #table;
   #moment = null;
   #objects = [];
-  #bars = [];
+  /** The camera's. */
+  number;
 
-  constructor(title, number, setup, filters, selection, tools) {
-    this.#number = number;
+  /** @param page  whose filters, selection, tools and time it shares with others */
+  constructor(title, number, setup, { filters, selection, tools, timeWindow }) {
+    this.number = number;
     this.#setup = { ...setup, background: setup.backgrounds[number] };
     this.#filters = filters;
     this.#selection = selection;
     this.#tools = tools;
+    this.#timeline = new TimelineView(title, timeWindow, () => this.#drawTimeline());
     this.#table = new ObjectTable((objectId) => selection.hover(number, objectId),
       (objectId) => selection.toggle(number, objectId));
     this.#title = make('span', {}, title);
@@ -66,8 +68,8 @@ export class CameraView {
   }
 
   /**
-   * Takes a moment to be drawn: its `frame`, the `trails` and `tracks` up to it, `events`, the `span` of its timeline,
-   * `now`, and the `heat` map. All times are in seconds of one clock.
+   * Takes a moment to be drawn: its `frame`, the `trails` and `tracks` up to it, `events`, the `zero` of its timeline and
+   * the `cursor` there, `now`, and the `heat` map. All times are in seconds of one clock.
    */
   show(moment) {
     this.#moment = moment;
@@ -106,7 +108,7 @@ export class CameraView {
 
   /** Saves what is seen as a PNG image. */
   savePicture() {
-    savePicture(`camera-${this.#number}.png`, this.#picture.element, this.#background, this.#viewport);
+    savePicture(`camera-${this.number}.png`, this.#picture.element, this.#background, this.#viewport);
   }
 
   get zoomText() {
@@ -153,17 +155,7 @@ export class CameraView {
 
   /** Calls back with the time that is pointed at in the timeline. */
   makeSeekable(seek) {
-    this.#timelineBox.classList.add('seekable');
-    const canvas = this.#timeline.element;
-    const timeAt = (event) => {
-      const { from, to } = this.#moment.span;
-      seek(from + (event.offsetX / this.#timeline.width) * (to - from));
-    };
-    canvas.addEventListener('pointerdown', (event) => {
-      canvas.setPointerCapture(event.pointerId);
-      timeAt(event);
-    });
-    canvas.addEventListener('pointermove', (event) => event.buttons === 1 && timeAt(event));
+    this.#timeline.makeSeekable(seek);
   }
 
   #choice() {
@@ -175,13 +167,32 @@ export class CameraView {
       shape: this.#shape,
       isShown: this.#filters.isShown,
       isClassShown: this.#filters.isClassShown,
-      isMarked: (objectId) => this.#selection.isMarked(this.#number, objectId),
+      isMarked: (objectId) => this.#selection.isMarked(this.number, objectId),
     };
   }
 
+  /** Shows a text to be copied; an empty one removes it. */
+  showCopy(text) {
+    this.#copyLine.show(text);
+  }
+
+  /** `removed` is called when the text to be copied is replaced or removed. */
+  onCopyRemoved(removed) {
+    this.#copyRemoved();
+    this.#copyRemoved = removed;
+  }
+
+  #removeCopy() {
+    this.onCopyRemoved(() => {});
+    this.showCopy('');
+    this.#shape = null;
+    this.#selection.changed();
+  }
+
   #setShape(shape) {
+    this.onCopyRemoved(() => {});
     this.#shape = shape;
-    this.#copyLine.show(shape ? shapeText(shape, this.#setup.boxes) : '');
+    this.showCopy(shapeText(shape, this.#setup.boxes));
     this.#selection.changed();
   }
 
@@ -198,7 +209,7 @@ export class CameraView {
   /** Keeps the selected object in the middle. */
   #follow() {
     const selected = this.#tools.isFollowing &&
-      this.#moment.frame?.detections.find(({ objectId }) => this.#selection.isSelected(this.#number, objectId));
+      this.#moment.frame?.detections.find(({ objectId }) => this.#selection.isSelected(this.number, objectId));
     const box = selected ? boxOf(selected, this.#setup.boxes) : null;
     if (box) {
       this.#viewport.centre(footOf(box));
@@ -207,7 +218,7 @@ export class CameraView {
 
   #drawTimeline() {
     if (this.#moment) {
-      this.#bars = drawTimeline(this.#timeline, this.#moment, this.#choice());
+      this.#timeline.show(this.#moment, this.#choice());
     }
   }
 
@@ -219,7 +230,7 @@ export class CameraView {
       const track = tracks.findLast(({ objectId, first }) => objectId === id && first <= now);
       return track ? seconds(Math.min(now, track.last) - track.first) : '';
     };
-    this.#table.show(objects, ageOf, choice.isMarked, (id) => this.#selection.isSelected(this.#number, id));
+    this.#table.show(objects, ageOf, choice.isMarked, (id) => this.#selection.isSelected(this.number, id));
   }
 
   #listEvents() {
@@ -232,15 +243,15 @@ export class CameraView {
       listEntries(this.#events, latest);
     }
     for (const entry of this.#events.children) {
-      entry.classList.toggle('marked', this.#selection.isMarked(this.#number, Number(entry.dataset.objectId)));
+      entry.classList.toggle('marked', this.#selection.isMarked(this.number, Number(entry.dataset.objectId)));
     }
   }
 
   #listen() {
     darkScheme.addEventListener('change', () => this.redraw());
-    const select = (objectId) => this.#selection.toggle(this.#number, objectId);
-    const hover = (objectId) => this.#selection.hover(this.#number, objectId);
-    for (const [{ element }, areas] of [[this.#picture, () => this.#objects], [this.#timeline, () => this.#bars]]) {
+    const select = (objectId) => this.#selection.toggle(this.number, objectId);
+    const hover = (objectId) => this.#selection.hover(this.number, objectId);
+    for (const [{ element }, areas] of [[this.#picture, () => this.#objects], [this.#timeline.canvas, () => this.#timeline.bars]]) {
       const objectAt = ({ offsetX, offsetY }) => {
         const found = smallest(areas().filter(({ area }) => contains(area, offsetX, offsetY)));
         return found?.objectId ?? found?.detection.objectId;
@@ -262,11 +273,9 @@ export class CameraView {
   }
 
   #describe(title) {
-    for (const [{ element }, text] of [[this.#picture, 'boxes and trails; the table lists the objects'],
-      [this.#timeline, 'tracks and events of objects; the list below names the latest events']]) {
-      element.setAttribute('role', 'img');
-      element.setAttribute('aria-label', `${title}: ${text}`);
-    }
+    const { element } = this.#picture;
+    element.setAttribute('role', 'img');
+    element.setAttribute('aria-label', `${title}: boxes and trails; the table lists the objects`);
   }
 
   #build(title) {
@@ -278,13 +287,11 @@ export class CameraView {
     }
     this.#picture.element.style.aspectRatio = aspect;
     picture.append(this.#picture.element, this.#veil);
-    const legend = ['◆ seen again', '✕ left', 'solid: tracked with confidence; dashed: without; dotted: not tracked'];
     return make('section', { className: 'camera', ariaLabel: title },
       make('header', {}, make('h2', {}, this.#title), this.#pill, this.#summary, this.#copyLine.element),
       make('div', { className: 'content' },
         picture,
-        make('div', { className: 'past' }, this.#timelineBox,
-          make('p', { className: 'legend' }, ...legend.map((text) => make('span', {}, text)))),
+        this.#timeline.element,
         make('div', { className: 'side' },
           make('div', { className: 'objects scroll', tabIndex: 0, role: 'region', ariaLabel: `${title}: objects` },
             this.#table.element),

@@ -49,7 +49,7 @@ export class Filters {
     };
   }
 
-  set parameters({ hide, status, score, attribute }) {
+  set parameters({ hide = '', status = '', score = '', attribute = '' }) {
     this.#hidden = new Set(hide === '' ? [] : hide.split('\n'));
     this.#status.value = statusOrder.includes(status) ? status : statusOrder[0];
     this.#score.value = score;

@@ -1,93 +1,51 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-import { readAddress, writeAddress } from './address.js';
 import { clock, clockText, ServerClock } from './clock.js';
-import { Filters } from './filters.js';
 import { byId, counted, listEntries } from './format.js';
+import { History } from './history.js';
 import { LiveCamera } from './live_camera.js';
 import { LivePlayer } from './live_player.js';
-import { Selection } from './selection.js';
-import { Tools } from './tools.js';
-import { Wall } from './wall.js';
+import { Page } from './page.js';
 
 /** The page while it shows cameras. */
-export class LivePage {
+export class LivePage extends Page {
   static #refreshPeriod = 250;
   static #retryPeriod = 2000;
 
-  #cameras = new Map();
-  #filters = new Filters(() => this.#choose());
-  #selection = new Selection(() => this.#choose());
+  #byNumber;
   #serverClock = new ServerClock();
   #past = null;
   #statesSeen = 0;
   #dropped = 0;
   #statusChangesShown = '';
-  #tools = new Tools(this.#filters, this.#selection, () => this.#choose());
-  #wall;
-  #player;
 
   constructor(setup) {
+    super({ from: -History.kept, to: 0 }, { from: -History.window, to: 0 });
     byId('source').textContent = 'live';
-    const address = readAddress();
-    this.#selection.text = address('object');
-    this.#filters.parameters =
-      { hide: address('hide'), status: address('status'), score: address('score'), attribute: address('attribute') };
-    for (const number of setup.cameras) {
-      this.#cameras.set(number, new LiveCamera(number, setup, this.#filters, this.#selection, this.#tools));
-    }
-    this.#tools.cameras = [...this.#cameras.values()];
-    this.#restoreTools(address);
     byId('speeds').hidden = true;
-    this.#wall = new Wall(new Map([...this.#cameras].map(([number, { view }]) => [number, view])), () => this.#choose());
-    this.#wall.choose(Number(address('camera')));
-    this.#player = new LivePlayer(() => [...this.#cameras.values()]);
-    this.#cameras.forEach(({ view }) => view.makeSeekable((time) => this.#player.show(time)));
+    const cameras = setup.cameras.map((number) => new LiveCamera(number, setup, this));
+    this.#byNumber = new Map(setup.cameras.map((number, place) => [number, cameras[place]]));
+    this.open(cameras, new LivePlayer(cameras, this.timeWindow));
     setInterval(() => this.#refresh(), LivePage.#refreshPeriod);
     this.#connect();
     this.#paint();
   }
 
-  get tools() {
-    return this.#tools;
-  }
-
-  get player() {
-    return this.#player;
-  }
-
-  /** Selects no object; or shows all cameras, when none was selected. */
-  clearSelection() {
-    if (this.#selection.text === '') {
-      this.#wall.choose(null);
-    } else {
-      this.#selection.select();
-    }
-  }
-
   /** Once for each picture that the browser shows. */
   #paint() {
-    this.#cameras.forEach((camera) => camera.paint());
+    this.cameras.forEach((camera) => camera.paint());
     requestAnimationFrame(() => this.#paint());
   }
 
-  #restoreTools(address) {
-    this.#tools.parameters =
-      { heat: address('heat'), follow: address('follow'), zoom: address('zoom'), shape: address('shape') };
-  }
-
   #refresh() {
-    this.#cameras.forEach((camera) => camera.refresh());
-    this.#player.refresh();
+    this.cameras.forEach((camera) => camera.refresh());
+    this.player.refresh();
   }
 
-  #choose() {
-    if (!this.#wall) {
-      return; // the page is being opened
-    }
-    writeAddress({ camera: this.#wall.chosen ?? '', object: this.#selection.text, ...this.#filters.parameters, ...this.#tools.parameters });
-    this.#cameras.forEach((camera) => camera.view.redraw());
+  /** The members of the address that say which moment is shown. */
+  moment() {
+    return {};
   }
 
   #connect() {
@@ -105,9 +63,9 @@ export class LivePage {
 
   #addFrame(frame, sent, text) {
     this.#takeOverPast();
-    this.#filters.offer(frame.detections.map(({ className }) => className));
-    this.#cameras.get(frame.camera).add(frame, Math.min(clock(), this.#serverClock.toPage(sent)), text);
-    frame.events.forEach((event) => this.#selection.follow(frame.camera, event));
+    this.filters.offer(frame.detections.map(({ className }) => className));
+    this.#byNumber.get(frame.camera).add(frame, Math.min(clock(), this.#serverClock.toPage(sent)), text);
+    frame.events.forEach((event) => this.selection.follow(frame.camera, event));
   }
 
   /** The past waits for a message that has just been sent: the clocks are compared with it. */
@@ -118,8 +76,8 @@ export class LivePage {
   #takeOverPast() {
     const toPage = this.#serverClock.toPage;
     for (const { camera, tracks, events } of this.#past?.cameras ?? []) {
-      this.#filters.offer(tracks.map(({ className }) => className));
-      this.#cameras.get(camera).takeOver(
+      this.filters.offer(tracks.map(({ className }) => className));
+      this.#byNumber.get(camera).takeOver(
         tracks.map((track) => ({ ...track, first: toPage(track.first), last: toPage(track.last) })),
         events.map((event) => ({ ...event, at: toPage(event.at) })));
     }
@@ -132,7 +90,7 @@ export class LivePage {
       this.#takeOverPast();
     }
     this.#setConnection('receiving', 'connected');
-    cameras.forEach((state) => this.#cameras.get(state.camera).setState(state));
+    cameras.forEach((state) => this.#byNumber.get(state.camera).setState(state));
     const texts = JSON.stringify(statusChanges.map(({ text }) => text));
     if (texts !== this.#statusChangesShown) {
       this.#statusChangesShown = texts;
@@ -150,7 +108,7 @@ export class LivePage {
   /** A browser reconnects unless it was refused. */
   #loseConnection(source) {
     this.#setConnection('lost', 'not connected');
-    this.#cameras.forEach((camera) => camera.loseConnection());
+    this.cameras.forEach((camera) => camera.loseConnection());
     if (source.readyState === EventSource.CLOSED) {
       this.#explainRefusal();
       setTimeout(() => this.#connect(), LivePage.#retryPeriod);
@@ -160,11 +118,10 @@ export class LivePage {
   async #explainRefusal() {
     try {
       const answer = await fetch('events', { signal: AbortSignal.timeout(1000) });
-      byId('notice').textContent = answer.status === 200 ? '' : await answer.text();
+      this.complain(answer.status === 200 ? '' : await answer.text());
     } catch {
-      byId('notice').textContent = '';
+      this.complain('');
     }
-    byId('notice').hidden = byId('notice').textContent === '';
   }
 
   #setConnection(state, text) {
@@ -175,7 +132,7 @@ export class LivePage {
       pill.dataset.state = state;
     }
     if (state === 'receiving') {
-      byId('notice').hidden = true;
+      this.complain('');
     }
   }
 }

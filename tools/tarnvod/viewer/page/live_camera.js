@@ -29,12 +29,12 @@ export class LiveCamera {
   #connected = true;
   #pictures = 0;
 
-  constructor(number, setup, filters, selection, tools) {
+  constructor(number, setup, page) {
     this.#boxes = setup.boxes;
     this.#history = new History(setup.boxes);
     this.#heat = new HeatMap(setup.boxes);
     this.#kept = new KeptFrames(mostKept / setup.cameras.length, History.kept);
-    this.view = new CameraView(`Camera ${number}`, number, setup, filters, selection, tools);
+    this.view = new CameraView(`Camera ${number}`, number, setup, page);
     this.refresh();
   }
 
@@ -140,7 +140,8 @@ export class LiveCamera {
       tracks,
       events,
       now: this.#paused?.at ?? to,
-      span: { from: to - History.window, to, zero: to, cursor: this.#isPast() ? this.#paused.at : undefined },
+      zero: to,
+      cursor: this.#isPast() ? this.#paused.at : undefined,
       heat: this.#heat,
       timeText: clockText,
     });

@@ -10,12 +10,14 @@ const scrubberStep = 0.1;
 /** The buttons and the scrubber of the live view: from now back over the frames that the page keeps. */
 export class LivePlayer {
   #cameras;
+  #timeWindow;
   #scrubber = byId('scrubber');
   #paused = null;
 
-  /** @param cameras  gives the cameras that are shown */
-  constructor(cameras) {
+  /** @param timeWindow  of the timelines, which goes with the time */
+  constructor(cameras, timeWindow) {
     this.#cameras = cameras;
+    this.#timeWindow = timeWindow;
     this.#scrubber.step = scrubberStep;
     this.#scrubber.max = 0;
     this.#scrubber.setAttribute('aria-label', 'Seconds before now');
@@ -23,10 +25,15 @@ export class LivePlayer {
     this.refresh();
   }
 
+  /** Its time, in seconds before now. */
+  get at() {
+    return this.#at() - this.#to();
+  }
+
   togglePause() {
     if (this.#paused) {
       this.#paused = null;
-      this.#cameras().forEach((camera) => camera.resume());
+      this.#cameras.forEach((camera) => camera.resume());
     } else {
       this.#pause();
     }
@@ -39,19 +46,20 @@ export class LivePlayer {
       this.#pause();
     }
     this.#paused.at = Math.min(Math.max(at, this.#from()), this.#paused.now);
-    this.#cameras().forEach((camera) => camera.showPast(this.#paused.at));
+    this.#timeWindow.reveal(this.at);
+    this.#cameras.forEach((camera) => camera.showPast(this.#paused.at));
     this.refresh();
   }
 
   /** Goes on or back by this many frames. */
   step(count) {
-    const times = this.#cameras().flatMap((camera) => camera.times);
+    const times = this.#cameras.flatMap((camera) => camera.times);
     // What is shown is the last frame before this moment, unless one arrived at it: not one to go back to.
     this.#stepAmong(times, count < 0 && !times.includes(this.#at()) ? count - 1 : count);
   }
 
   stepToEvent(direction) {
-    this.#stepAmong(this.#cameras().flatMap(({ eventTimes }) => eventTimes), direction);
+    this.#stepAmong(this.#cameras.flatMap(({ eventTimes }) => eventTimes), direction);
   }
 
   toStart() {
@@ -76,7 +84,7 @@ export class LivePlayer {
   #pause() {
     const now = clock();
     this.#paused = { now, at: now };
-    this.#cameras().forEach((camera) => camera.pause(now));
+    this.#cameras.forEach((camera) => camera.pause(now));
   }
 
   #stepAmong(times, count) {
@@ -90,5 +98,5 @@ export class LivePlayer {
 
   #at = () => this.#paused?.at ?? clock();
   #to = () => this.#paused?.now ?? clock();
-  #from = () => Math.min(this.#to(), ...this.#cameras().map(({ times }) => times[0] ?? Infinity));
+  #from = () => Math.min(this.#to(), ...this.#cameras.map(({ times }) => times[0] ?? Infinity));
 }

@@ -15,7 +15,7 @@ async function openPage() {
     : new RecordingPage(setup, await Promise.all(setup.cameras.map((number) => fetchJson(overviewPath(number)))));
 }
 
-function onPlayerKey(player, event) {
+function onTimeKey({ player, timeWindow }, event) {
   const actions = {
     ' ': () => player.togglePause(),
     ArrowLeft: () => player.step(event.shiftKey ? -10 : -1),
@@ -24,6 +24,9 @@ function onPlayerKey(player, event) {
     End: () => player.toEnd(),
     n: () => player.stepToEvent(1),
     p: () => player.stepToEvent(-1),
+    i: () => timeWindow.zoom(2, player.at),
+    o: () => timeWindow.zoom(0.5, player.at),
+    a: () => timeWindow.showUsual(),
   };
   if (actions[event.key]) {
     event.preventDefault();
@@ -53,7 +56,7 @@ function onKey(page, event) {
   } else if (event.key === '?' && !isTaken(event)) {
     byId('keys').showModal();
   } else if (!isTaken(event) && !page.tools.onKey(event.key)) {
-    onPlayerKey(page.player, event);
+    onTimeKey(page, event);
   }
 }
 

@@ -30,7 +30,8 @@ export class RecordingCamera {
   #tracks;
   #store;
   #complain;
-  #tools;
+  #page;
+  #isCutShown = false;
   #heat;
   #heated = 0;
   #isHeating = false;
@@ -40,7 +41,7 @@ export class RecordingCamera {
   view;
 
   /** @param complain  called with a sentence about what cannot be shown */
-  constructor(number, title, setup, overview, filters, selection, tools, complain) {
+  constructor(number, title, setup, overview, page, complain) {
     this.#boxes = setup.boxes;
     this.#overview = overview;
     this.#complain = complain;
@@ -48,8 +49,8 @@ export class RecordingCamera {
     this.times = overview.frameSeconds;
     this.events = overview.eventList.map((event) => ({ ...event, at: this.times[event.frame] }));
     this.#tracks = placeTracks(overview.objects, this.events);
-    this.view = new CameraView(title, number, setup, filters, selection, tools);
-    this.#tools = tools;
+    this.view = new CameraView(title, number, setup, page);
+    this.#page = page;
     this.#heat = new HeatMap(setup.boxes);
     this.#reportProblems();
   }
@@ -64,8 +65,8 @@ export class RecordingCamera {
     this.view.setState(isPlaying ? 'receiving' : 'paused', isPlaying ? 'playing' : 'paused', summary);
   }
 
-  /** Shows the frame of this time, on a timeline of this length. In seconds. */
-  async show(now, duration) {
+  /** Shows the frame of this time, in seconds. */
+  async show(now) {
     if (this.times.length === 0) {
       return;
     }
@@ -75,14 +76,14 @@ export class RecordingCamera {
     try {
       const frames = await this.#store.between(first, index);
       if (index === this.#wanted) {
-        this.#draw(frames, first, now, duration);
+        this.#draw(frames, first, now);
       }
     } catch (error) {
       this.#complain(`Frame ${index + 1} cannot be read: ${error.message}`);
     }
   }
 
-  #draw(frames, first, now, duration) {
+  #draw(frames, first, now) {
     const trails = new Trails(this.#boxes);
     frames.forEach((frame, place) => trails.add(frame, this.times[first + place]));
     const frame = frames.at(-1);
@@ -93,7 +94,8 @@ export class RecordingCamera {
       events: this.events,
       now,
       heat: this.#heat,
-      span: { from: 0, to: duration, zero: 0, cursor: now },
+      zero: 0,
+      cursor: now,
       timeText: durationText,
     });
     this.view.redraw();
@@ -106,7 +108,10 @@ export class RecordingCamera {
   /** Draws everything; counts what the heat map shows, when it is shown first. */
   refresh() {
     this.view.redraw();
-    if (this.#tools.isHeat && !this.#isHeating && this.#heated < this.times.length) {
+    if (this.#isCutShown) {
+      this.view.showCopy(this.#cutText());
+    }
+    if (this.#page.tools.isHeat && !this.#isHeating && this.#heated < this.times.length) {
       this.#isHeating = true;
       this.#heatUp().catch((error) => this.#complain(`The heat map is not complete: ${error.message}`))
         .finally(() => { this.#isHeating = false; });
@@ -114,7 +119,7 @@ export class RecordingCamera {
   }
 
   async #heatUp() {
-    while (this.#tools.isHeat && this.#heated < this.times.length) {
+    while (this.#page.tools.isHeat && this.#heated < this.times.length) {
       const frames = await this.#store.between(this.#heated, Math.min(this.#heated + piece, this.times.length) - 1);
       frames.forEach((frame) => this.#heat.add(frame));
       this.#heated += frames.length;
@@ -140,19 +145,37 @@ export class RecordingCamera {
   /** What saved times count from. */
   zero = 0;
 
+  /** Shows the command that makes a recording of what the timeline shows. */
+  showCut() {
+    this.view.onCopyRemoved(() => { this.#isCutShown = false; });
+    this.#isCutShown = true;
+    this.refresh();
+  }
+
+  #cutText() {
+    const quoted = (text) => (/^[\w./+-]+$/.test(text) ? text : `'${text.replaceAll("'", "'\\''")}'`);
+    const { from, to } = this.#page.timeWindow;
+    const end = to < this.duration ? ` --to ${to.toFixed(1)}` : '';
+    return `tarnvod cut ${quoted(this.#overview.recording)} --from ${from.toFixed(1)}${end} --output part`;
+  }
+
   #reportProblems() {
     const { frames, damage, damageCount } = this.#overview;
+    const problems = [];
     if (frames === 0) {
       this.view.setProblem('Nothing to show', 'The recording holds no frames.');
-      this.#complain('The recording holds no frames.');
+      problems.push('The recording holds no frames.');
     } else if (this.times.length < frames) {
-      this.#complain(`Only the first ${counted(this.times.length, 'frame')} of ${frames} are shown.`);
+      problems.push(`Only the first ${counted(this.times.length, 'frame')} of ${frames} are shown.`);
     }
     if (damageCount > 0) {
       const { file, offset, what } = damage[0];
       const more = damageCount > 1 ? ` (and ${damageCount - 1} more)` : '';
-      this.#complain(`The recording is damaged: ${file}: offset ${offset}: ${what}${more}. ` +
+      problems.push(`The recording is damaged: ${file}: offset ${offset}: ${what}${more}. ` +
         `${counted(frames, 'frame')} can be read.`);
+    }
+    if (problems.length > 0) {
+      this.#complain(problems.join(' '));
     }
   }
 }

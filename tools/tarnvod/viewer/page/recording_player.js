@@ -6,6 +6,7 @@ import { byId, durationText, lastNotAfter } from './format.js';
 /** The buttons and the scrubber of recordings: they count the frames of the longest, the others go with its time. */
 export class RecordingPlayer {
   #cameras;
+  #timeWindow;
   #times;
   #duration;
   #chosen;
@@ -14,9 +15,10 @@ export class RecordingPlayer {
   #playedFrom = { wall: 0, recording: 0 };
   #scrubber = byId('scrubber');
 
-  /** @param chosen  called when another frame was chosen, but not for those that pass while it plays */
-  constructor(cameras, chosen) {
+  /** @param timeWindow  of the timelines, which goes with the time; `chosen`: called when another frame was chosen, but not for those that pass while it plays */
+  constructor(cameras, timeWindow, chosen) {
     this.#cameras = cameras;
+    this.#timeWindow = timeWindow;
     this.#chosen = chosen;
     this.#times = cameras.reduce((longest, each) => (each.duration > longest.duration ? each : longest)).times;
     this.#duration = Math.max(...cameras.map(({ duration }) => duration));
@@ -30,6 +32,11 @@ export class RecordingPlayer {
   /** The number of the frame that is shown, counted from 0. */
   get index() {
     return this.#index;
+  }
+
+  /** Its time, in seconds. */
+  get at() {
+    return this.#times[this.#index] ?? 0;
   }
 
   togglePause() {
@@ -114,13 +121,14 @@ export class RecordingPlayer {
 
   #show() {
     this.#showPlace();
-    this.#cameras.forEach((camera) => camera.show(this.#times[this.#index] ?? 0, this.#duration));
+    this.#timeWindow.reveal(this.at);
+    this.#cameras.forEach((camera) => camera.show(this.at));
   }
 
   #showPlace() {
     const count = this.#times.length;
     const text = `frame ${count === 0 ? 0 : this.#index + 1} of ${count} · ` +
-      `${durationText(this.#times[this.#index] ?? 0)} of ${durationText(this.#duration)}`;
+      `${durationText(this.at)} of ${durationText(this.#duration)}`;
     this.#scrubber.value = this.#index;
     this.#scrubber.setAttribute('aria-valuetext', text);
     byId('position').textContent = text;

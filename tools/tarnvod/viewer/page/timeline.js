@@ -3,11 +3,19 @@
 
 import { fittingText } from './canvas.js';
 import { colourOf, inkOn } from './colours.js';
+import { densityOf, drawDensity } from './density.js';
 import { durationText, nameOf } from './format.js';
 
 const axisHeight = 20;
 const timelineFont = '11px system-ui, "DejaVu Sans", sans-serif';
 const mostHeight = 150;
+
+/** Bars that are lower, or have less room each, cannot be distinguished: their density is drawn. In units of the page. */
+const lowestLane = 3;
+const leastRoom = 8;
+
+const legendOfTracks = [{ text: '◆ seen again' }, { text: '✕ left' },
+  { text: 'solid: tracked with confidence; dashed: without; dotted: not tracked' }];
 
 /** A round number of seconds between marks, so that they do not touch. */
 function markDistance(duration, width) {
@@ -109,25 +117,44 @@ function drawEvent(context, event, tracksOfObject, x, laneHeight, ink) {
   context.fill();
 }
 
-/**
- * Draws objects' tracks and events between two times. The axis counts from `zero`; `cursor`, when it is there, is the
- * time that the picture shows. Gives the bars with their objects' numbers.
- */
-export function drawTimeline(canvas, { tracks, events, span }, { isClassShown, isMarked }) {
-  const shown = tracks.filter(({ className, last }) => isClassShown(className) && last >= span.from);
-  const lanes = shown.reduce((most, { lane }) => Math.max(most, lane + 1), 3);
-  const laneHeight = laneHeightFor(lanes);
-  canvas.element.style.height = `${Math.ceil(axisHeight + lanes * laneHeight + 4)}px`;
-  const { context, width, height, ink } = canvas.begin();
-  const x = (at) => ((at - span.from) / (span.to - span.from)) * width;
-  drawAxis(context, span, x, height, ink, width);
+/** Draws a bar for each object's track, and its events. Gives the bars with their objects' numbers. */
+function drawTracks(context, { shown, events, laneHeight, x, isMarked, ink }) {
   const bars = shown.map((track) => ({ objectId: track.objectId, area: barOf(track, x, laneHeight), track }));
   bars.forEach(({ objectId, area, track }) => drawTrack(context, track, area, isMarked(objectId), ink));
   const tracksOf = byObject(shown);
   events.forEach((event) => drawEvent(context, event, tracksOf.get(event.objectId) ?? [], x, laneHeight, ink));
+  return bars;
+}
+
+/** In front of a density, only the marked objects have bars. */
+function drawMarked(context, { shown, x, isMarked, ink }) {
+  const marked = shown.filter(({ objectId }) => isMarked(objectId)).map((track) => ({ ...track, lane: 0 }));
+  const bars = marked.map((track) => ({ objectId: track.objectId, area: barOf(track, x, 16), track }));
+  bars.forEach(({ area, track }) => drawTrack(context, track, area, true, ink));
+  return bars;
+}
+
+/**
+ * Draws objects' tracks and events between two times; where there are too many for the room, how many there were at a time,
+ * for each class. The axis counts from `zero`; `cursor`, when it is there, is the time that the picture shows. Gives the
+ * bars with their objects' numbers, a legend, and which `kind` of drawing it is: "tracks" or "density".
+ */
+export function drawTimeline(canvas, { tracks, events, span }, { isClassShown, isMarked }) {
+  const shown = tracks.filter(({ className, first, last }) => isClassShown(className) && last >= span.from && first <= span.to);
+  const lanes = shown.reduce((most, { lane }) => Math.max(most, lane + 1), 3);
+  const laneHeight = laneHeightFor(lanes);
+  const isDense = canvas.width > 0 && (laneHeight < lowestLane || shown.length * leastRoom > canvas.width);
+  canvas.element.style.height = `${Math.ceil(axisHeight + (isDense ? mostHeight / 2 : lanes * laneHeight) + 4)}px`;
+  const { context, width, height, ink } = canvas.begin();
+  const x = (at) => ((at - span.from) / (span.to - span.from)) * width;
+  drawAxis(context, span, x, height, ink, width);
+  const drawing = { shown, events, laneHeight, x, isMarked, ink };
+  const legend = isDense
+    ? drawDensity(context, densityOf(shown, span, width), { top: axisHeight, bottom: height }, ink) : legendOfTracks;
+  const bars = isDense ? drawMarked(context, drawing) : drawTracks(context, drawing);
   if (span.cursor !== undefined) {
     context.fillStyle = ink.mark;
     context.fillRect(x(span.cursor) - 1, 0, 2, height);
   }
-  return bars;
+  return { bars, legend, kind: isDense ? 'density' : 'tracks' };
 }

@@ -25,6 +25,7 @@ export class Tools {
     });
     byId('draw-region').addEventListener('click', () => this.draw(this.#drawing === 'region' ? null : 'region'));
     byId('draw-line').addEventListener('click', () => this.draw(this.#drawing === 'line' ? null : 'line'));
+    byId('copy-cut').addEventListener('click', () => this.#shown().forEach((camera) => camera.showCut()));
     byId('save-picture').addEventListener('click', () => this.#shown().forEach(({ view }) => view.savePicture()));
     byId('save-csv').addEventListener('click', () => this.#saveRows('csv', 'text/csv', toCsv));
     byId('save-json').addEventListener('click', () => this.#saveRows('json', 'application/json', (rows) => JSON.stringify(rows, null, 1)));
@@ -71,16 +72,16 @@ export class Tools {
 
   get parameters() {
     const of = (name) => this.#cameras.map(({ view }) => view).filter((view) => view[name] !== '')
-      .map((view) => `${view.section.dataset.camera}:${view[name]}`).join(';');
+      .map((view) => `${view.number}:${view[name]}`).join(';');
     return { heat: this.isHeat ? 1 : '', follow: this.isFollowing ? 1 : '', zoom: of('zoomText'), shape: of('shapeNumbers') };
   }
 
-  set parameters({ heat, follow, zoom, shape }) {
+  set parameters({ heat = '', follow = '', zoom = '', shape = '' }) {
     byId('heat').checked = heat !== '';
     byId('follow').checked = follow !== '';
     const restore = (text, name) => text.split(';').filter((each) => each !== '').forEach((each) => {
       const [number, value] = each.split(':');
-      const found = this.#cameras.find(({ view }) => view.section.dataset.camera === number);
+      const found = this.#cameras.find(({ view }) => view.number === Number(number));
       if (found && value !== undefined) {
         found.view[name] = value;
       }
@@ -95,7 +96,7 @@ export class Tools {
   async #saveRows(ending, type, toText) {
     const rows = [];
     for (const camera of this.#shown()) {
-      const number = Number(camera.view.section.dataset.camera);
+      const { number } = camera.view;
       const isWanted = (detection) => this.#filters.isShown(detection) &&
         (this.#selection.text === '' || this.#selection.isSelected(number, detection.objectId));
       rows.push(...rowsOf(number, await camera.framesToSave(), camera.zero, isWanted));
