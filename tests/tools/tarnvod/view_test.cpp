@@ -13,6 +13,7 @@
 #include <regex>
 #include <set>
 #include <sstream>
+#include <vector>
 
 using nlohmann::json;
 using testing::AllOf;
@@ -193,6 +194,29 @@ TEST_F(View, SendsTheFramesThatWatchShows) {
     }
     return seen.size() == watched.size();
   });
+}
+
+TEST_F(View, GivesTheFramesOfTheLastMinutesAgain) {
+  const test::Viewer viewer({"--camera", "1"}, playing());
+  std::vector<json> seen;
+  viewer.receive([&](const test::Event& event) {
+    if (event.name == "frame") {
+      seen.push_back(event.json());
+    }
+    return seen.size() == 5;
+  });
+
+  const json kept = json::parse(viewer.get("/past.json?from=0").body)["frames"];
+
+  ASSERT_GE(kept.size(), seen.size());
+  std::vector<json> frames;
+  for (const json& each : kept) {
+    EXPECT_TRUE(each["at"].is_number_integer());
+    frames.push_back(each["frame"]);
+  }
+  EXPECT_THAT(frames, testing::IsSupersetOf(seen));
+  EXPECT_EQ(viewer.get("/past.json?from=9223372036854775808").body, "{\"frames\":[],\"more\":false}\n");
+  EXPECT_EQ(viewer.get("/past.json").status, 400);
 }
 
 TEST_F(View, TellsHowACameraIs) {

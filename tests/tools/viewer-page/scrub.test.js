@@ -60,6 +60,30 @@ describe('the live view', () => {
     await page.keyboard.press('Escape');
   });
 
+  test('opens at the same moment when its address is opened, with the frames from there on', async () => {
+    await page.locator('#scrubber').fill('-2');
+    const shown = (await drawn(page, 1)).timestamp;
+    assert.match(page.url(), /[#&]at=\d+/);
+    const { page: linked, complaints: others } = await look(viewer, { address: new URL(page.url()).hash });
+    await linked.getByRole('button', { name: 'Resume' }).waitFor();
+    assert.equal((await drawn(linked, 1)).timestamp, shown);
+    await linked.locator('#forward').click();
+    assert.ok(await shownAfter(linked, 1, shown) > shown);
+    assert.deepEqual(others, []);
+    await linked.close();
+  });
+
+  test('says so when the moment of its address is not kept, and shows what is now', async () => {
+    const { page: linked, complaints: others } = await look(viewer, { address: '#at=1' });
+    await linked.locator('#notice', { hasText: 'is no longer kept; this is the live view' }).waitFor();
+    const shown = (await drawn(linked, 1)).timestamp;
+    assert.ok(await shownAfter(linked, 1, shown) !== shown);
+    assert.ok(await linked.locator('#notice').isVisible());
+    assert.ok(!linked.url().includes('at='));
+    assert.deepEqual(others, []);
+    await linked.close();
+  });
+
   test('returns to now', async () => {
     await page.locator('#pause').click();
     assert.equal(await page.locator('#pause').textContent(), 'Pause');

@@ -12,6 +12,7 @@
 #include "recordings/recording_background.h"
 #include "records/box.h"
 #include "viewer/background.h"
+#include "viewer/kept_frames.h"
 #include "viewer/live_view.h"
 #include "viewer/page_setup.h"
 #include "viewer/view_server.h"
@@ -19,10 +20,12 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <charconv>
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
+#include <limits>
 #include <map>
 #include <memory>
 #include <optional>
@@ -38,6 +41,7 @@ namespace {
 constexpr int defaultPort = 8090;
 constexpr int greatestPort = 65535;
 constexpr std::chrono::milliseconds tickPeriod{50};
+constexpr std::uint64_t latestTime = std::numeric_limits<std::int64_t>::max();
 
 struct ViewOptions {
   std::vector<std::string> names;  ///< camera numbers, or recordings' folders
@@ -93,10 +97,14 @@ int viewCameras(const ViewOptions& options) {
   const std::set<int> cameras = chosenCameras(options.cameras.cameras);
   const Backgrounds backgrounds = readBackgrounds(options.backgrounds, cameras);
   EventHub hub;
+  KeptFrames kept;
   ViewServer server(options.address, options.port);
   addSetup(server.site(), options, cameras, backgrounds);
   server.stream(hub);
-  LiveView view(options.cameras, hub);
+  server.site().add("/past.json", [&kept](const ViewSite::Parameters& parameters) {
+    return shared(kept.since(static_cast<std::int64_t>(std::min(numberIn(parameters, "from"), latestTime))));
+  });
+  LiveView view(options.cameras, hub, kept);
   view.connect();
   begin(server);
   view.run();

@@ -72,7 +72,9 @@ void LiveView::show(const Arrival& arrival) {
   WatchedCamera& camera = group_.cameraOf(arrival);
   camera.statistics.add(*arrival.frame, arrival.at);
   histories_[arrival.camera].add(*arrival.frame, arrival.at);
-  hub_.publishFrame(makeEvent("frame", frameJson(*arrival.frame, arrival.camera), millisecondsOf(arrival.at)));
+  std::string json = frameJson(*arrival.frame, arrival.camera);
+  hub_.publishFrame(makeEvent("frame", json, millisecondsOf(arrival.at)));
+  kept_.add(arrival.at, std::move(json));
 }
 
 void LiveView::reportStatusChanges(Clock::time_point now) {

@@ -6,6 +6,7 @@
 
 #include "cameras/camera_group.h"
 #include "viewer/event_hub.h"
+#include "viewer/kept_frames.h"
 #include "viewer/live_history.h"
 
 #include <deque>
@@ -18,7 +19,7 @@ namespace tarn::command {
 class LiveView {
  public:
   /** @throw Failure when the service has no such camera */
-  LiveView(const CameraOptions& options, EventHub& hub) : group_(options), hub_(hub) {}
+  LiveView(const CameraOptions& options, EventHub& hub, KeptFrames& kept) : group_(options), hub_(hub), kept_(kept) {}
 
   /** Sets the cameras up, or tries to. @throw Failure when a detector does not know a class that was asked for */
   void connect() { group_.connect(); }
@@ -42,6 +43,7 @@ class LiveView {
 
   CameraGroup group_;
   EventHub& hub_;
+  KeptFrames& kept_;
   std::deque<StatusChange> statusChanges_;
   std::map<int, LiveHistory> histories_;  ///< by camera
   Clock::time_point publishedAt_;

@@ -20,4 +20,6 @@ export class ServerClock {
   }
 
   toPage = (time) => time / 1000 + this.#offset;
+
+  toServer = (time) => Math.round((time - this.#offset) * 1000);
 }

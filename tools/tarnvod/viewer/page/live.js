@@ -1,12 +1,24 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+import { fetchJson } from './answers.js';
 import { clock, clockText, ServerClock } from './clock.js';
 import { byId, counted, listEntries } from './format.js';
-import { History } from './history.js';
+import { History, trailLength } from './history.js';
 import { LiveCamera } from './live_camera.js';
 import { LivePlayer } from './live_player.js';
 import { Page } from './page.js';
+
+/** What the viewer keeps from this time of its clock on, in as many answers as it takes. */
+async function fetchFramesSince(from) {
+  const frames = [];
+  for (let isComplete = false; !isComplete;) {
+    const answer = await fetchJson(`past.json?from=${frames.length === 0 ? Math.max(0, from) : frames.at(-1).at + 1}`);
+    frames.push(...answer.frames);
+    isComplete = !answer.more;
+  }
+  return frames;
+}
 
 /** The page while it shows cameras. */
 export class LivePage extends Page {
@@ -19,6 +31,10 @@ export class LivePage extends Page {
   #statesSeen = 0;
   #dropped = 0;
   #statusChangesShown = '';
+  #isRefused = false;
+  /** The moment that the address asks for, until it is shown, and the frames from there on. */
+  #linked = null;
+  #fetched = [];
 
   constructor(setup) {
     super({ from: -History.kept, to: 0 }, { from: -History.window, to: 0 });
@@ -26,10 +42,19 @@ export class LivePage extends Page {
     byId('speeds').hidden = true;
     const cameras = setup.cameras.map((number) => new LiveCamera(number, setup, this));
     this.#byNumber = new Map(setup.cameras.map((number, place) => [number, cameras[place]]));
-    this.open(cameras, new LivePlayer(cameras, this.timeWindow));
+    this.open(cameras, new LivePlayer(cameras, this.timeWindow, () => this.changed()));
     setInterval(() => this.#refresh(), LivePage.#refreshPeriod);
-    this.#connect();
+    this.#begin();
     this.#paint();
+  }
+
+  /** A link to a moment needs the frames from it on; without one, those that come suffice. */
+  async #begin() {
+    if (/^\d+$/.test(this.address.at)) {
+      this.#linked = Number(this.address.at);
+      this.#fetched = await fetchFramesSince(this.#linked - 1000 * trailLength).catch(() => []);
+    }
+    this.#connect();
   }
 
   /** Once for each picture that the browser shows. */
@@ -45,7 +70,10 @@ export class LivePage extends Page {
 
   /** The members of the address that say which moment is shown. */
   moment() {
-    return {};
+    if (this.#linked !== null) {
+      return { at: this.#linked };
+    }
+    return { at: this.player.moment === null ? '' : this.#serverClock.toServer(this.player.moment) };
   }
 
   #connect() {
@@ -63,8 +91,12 @@ export class LivePage extends Page {
 
   #addFrame(frame, sent, text) {
     this.#takeOverPast();
+    this.#addFrameOf(frame, Math.min(clock(), this.#serverClock.toPage(sent)), text);
+  }
+
+  #addFrameOf(frame, at, text) {
     this.filters.offer(frame.detections.map(({ className }) => className));
-    this.#byNumber.get(frame.camera).add(frame, Math.min(clock(), this.#serverClock.toPage(sent)), text);
+    this.#byNumber.get(frame.camera).add(frame, at, text);
     frame.events.forEach((event) => this.selection.follow(frame.camera, event));
   }
 
@@ -75,6 +107,11 @@ export class LivePage extends Page {
 
   #takeOverPast() {
     const toPage = this.#serverClock.toPage;
+    if (this.#fetched.length > 0) {
+      this.#fetched.forEach(({ frame, at }) => this.#addFrameOf(frame, toPage(at), JSON.stringify(frame)));
+      this.#fetched = [];
+      this.#past = { cameras: [] };
+    }
     for (const { camera, tracks, events } of this.#past?.cameras ?? []) {
       this.filters.offer(tracks.map(({ className }) => className));
       this.#byNumber.get(camera).takeOver(
@@ -82,6 +119,22 @@ export class LivePage extends Page {
         events.map((event) => ({ ...event, at: toPage(event.at) })));
     }
     this.#past = { cameras: [] };
+    this.#showLinked();
+  }
+
+  #showLinked() {
+    if (this.#linked === null) {
+      return;
+    }
+    const at = this.#serverClock.toPage(this.#linked);
+    this.#linked = null;
+    const oldest = Math.min(...this.cameras.map(({ times }) => times[0] ?? Infinity));
+    if (oldest <= at && at <= clock()) {
+      this.player.show(at);
+    } else {
+      this.complain(`The moment of the link, ${clockText(at)}, is no longer kept; this is the live view.`);
+      this.changed();
+    }
   }
 
   #setState({ cameras, statusChanges }) {
@@ -118,6 +171,7 @@ export class LivePage extends Page {
   async #explainRefusal() {
     try {
       const answer = await fetch('events', { signal: AbortSignal.timeout(1000) });
+      this.#isRefused = true;
       this.complain(answer.status === 200 ? '' : await answer.text());
     } catch {
       this.complain('');
@@ -131,7 +185,8 @@ export class LivePage extends Page {
       pill.textContent = whole;
       pill.dataset.state = state;
     }
-    if (state === 'receiving') {
+    if (state === 'receiving' && this.#isRefused) {
+      this.#isRefused = false;
       this.complain('');
     }
   }

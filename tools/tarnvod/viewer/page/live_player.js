@@ -11,17 +11,20 @@ const scrubberStep = 0.1;
 export class LivePlayer {
   #cameras;
   #timeWindow;
+  #chosen;
   #scrubber = byId('scrubber');
   #paused = null;
 
-  /** @param timeWindow  of the timelines, which goes with the time */
-  constructor(cameras, timeWindow) {
+  /** @param timeWindow  of the timelines, which goes with the time; `chosen`: called when another moment was chosen */
+  constructor(cameras, timeWindow, chosen) {
     this.#cameras = cameras;
     this.#timeWindow = timeWindow;
+    this.#chosen = chosen;
     this.#scrubber.step = scrubberStep;
     this.#scrubber.max = 0;
     this.#scrubber.setAttribute('aria-label', 'Seconds before now');
-    this.#scrubber.addEventListener('input', () => this.show(this.#to() + Number(this.#scrubber.value)));
+    this.#scrubber.addEventListener('input', () => this.#goTo(this.#to() + Number(this.#scrubber.value)));
+    this.#scrubber.addEventListener('change', () => this.#chosen());
     this.refresh();
   }
 
@@ -38,10 +41,21 @@ export class LivePlayer {
       this.#pause();
     }
     this.refresh();
+    this.#chosen();
+  }
+
+  /** The moment of the past that is shown, by the page's clock; null for now. */
+  get moment() {
+    return this.#paused ? this.#paused.at : null;
   }
 
   /** Shows this moment, or the nearest that there is. In seconds of the page's clock. */
   show(at) {
+    this.#goTo(at);
+    this.#chosen();
+  }
+
+  #goTo(at) {
     if (!this.#paused) {
       this.#pause();
     }
