@@ -39,7 +39,15 @@ std::optional<Arrival> knownArrival(const IndexEntry& entry) {
 
 CheckedReader::CheckedReader(const std::filesystem::path& folder, LooksLikeScene looksLikeScene)
     : looksLikeScene_(std::move(looksLikeScene)), parts_(partsOf(folder)) {
-  open(0);
+  try {
+    open(0);
+  } catch (const RecordingError&) {
+    if (parts_.size() == 1) {
+      throw;
+    }
+    found_.push_back({fileOf(0), 0, "cannot be opened"});
+    partHasEnded_ = true;
+  }
 }
 
 CheckedNext CheckedReader::next() {

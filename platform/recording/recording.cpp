@@ -5,9 +5,11 @@
 
 #include "recording/segments.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <system_error>
+#include <vector>
 
 namespace vod::recording {
 
@@ -36,8 +38,23 @@ std::ifstream openFile(const std::filesystem::path& file) {
   return stream;
 }
 
+namespace {
+
+/** The last part with detector information that is not empty; the last one where none has any. */
+std::filesystem::path partWithInformation(const std::vector<std::filesystem::path>& parts) {
+  const auto hasAny = [](const std::filesystem::path& part) {
+    std::error_code absent;
+    const std::uintmax_t size = std::filesystem::file_size(part / detectorInformationFileName, absent);
+    return !absent && size > 0;
+  };
+  const auto found = std::find_if(parts.rbegin(), parts.rend(), hasAny);
+  return found != parts.rend() ? *found : parts.back();
+}
+
+}  // namespace
+
 std::string readDetectorInformation(const std::filesystem::path& folder) {
-  const std::string file = partsOf(folder).back() / detectorInformationFileName;
+  const std::string file = partWithInformation(partsOf(folder)) / detectorInformationFileName;
   std::ifstream stream = openFile(file);
   // One byte beyond the limit distinguishes a file of the greatest length from a longer one.
   std::string bytes;

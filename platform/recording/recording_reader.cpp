@@ -18,7 +18,16 @@ std::unique_ptr<std::istream> openScenes(const std::filesystem::path& folder) {
 }
 
 RecordingReader::RecordingReader(const std::filesystem::path& folder) : parts_(partsOf(folder)) {
-  read(openScenes(parts_.front()), parts_.front() / scenesFileName);
+  const std::filesystem::path file = parts_.front() / scenesFileName;
+  try {
+    read(openScenes(parts_.front()), file);
+  } catch (const RecordingError&) {
+    if (parts_.size() == 1) {
+      throw;
+    }
+    unopened_ = Damage{file, 0, "cannot be opened"};
+    read(std::make_unique<std::istringstream>(), file);
+  }
 }
 
 RecordingReader::RecordingReader(std::unique_ptr<std::istream> source, std::string name, std::size_t maximumSize,
