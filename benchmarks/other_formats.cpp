@@ -10,6 +10,9 @@ std::vector<Pipeline> otherFormatPipelines() {
 #ifdef TARNVOD_BENCHMARK_NLOHMANN_JSON
       {"nlohmann-json", nlohmannJsonPipeline},
 #endif
+#ifdef TARNVOD_BENCHMARK_RAPIDJSON
+      {"rapidjson", rapidjsonPipeline},
+#endif
 #ifdef TARNVOD_BENCHMARK_SIMDJSON
       {"simdjson", simdjsonPipeline},
 #endif

@@ -14,6 +14,7 @@
 namespace tarn::VOD::bench {
 
 ProcessFrame nlohmannJsonPipeline(const Sample& sample);
+ProcessFrame rapidjsonPipeline(const Sample& sample);
 ProcessFrame simdjsonPipeline(const Sample& sample);
 ProcessFrame flatbuffersPipeline(const Sample& sample);
 

@@ -59,6 +59,11 @@ ProcessFrame convertAlone(const Sample& sample) {
   };
 }
 
+/** What a frame must take in addition to its parse: an application receives a record of its own and destroys it. */
+ProcessFrame copyRecord(const Sample& sample) {
+  return [records = recordsOf(sample)]() mutable { use(*std::make_unique<DetectionData>(records.next())); };
+}
+
 ProcessFrame copyBytes(const Sample& sample) {
   return [messages = messagesOf(sample), target = std::string()]() mutable {
     const std::string& bytes = messages.next();
@@ -165,6 +170,12 @@ SceneNames namesOf(const ::VOD::DetectorInformation& detector) {
           std::make_shared<const AttributeClassNames>(std::move(values))};
 }
 
+Cycle<DetectionData> recordsOf(const Sample& sample) {
+  const SceneNames names = namesOf(sample.detector);
+  return ofEachScene(sample,
+                     [&names](const ::VOD::Scene& scene) { return *convertScene(scene, names, ignoreMissingType); });
+}
+
 ProcessFrame framePipeline(const Sample& sample, int camera, int classes) {
   Handler::teardown(camera);
   serve(sample, camera);
@@ -176,7 +187,11 @@ ProcessFrame framePipeline(const Sample& sample, int camera, int classes) {
 }
 
 std::vector<Pipeline> libraryPipelines() {
-  return {{"frame", framePipelineOfAllClasses}, {"parse", parseAlone}, {"convert", convertAlone}, {"copy", copyBytes}};
+  return {{"frame", framePipelineOfAllClasses},
+          {"parse", parseAlone},
+          {"convert", convertAlone},
+          {"copy", copyBytes},
+          {"copy-record", copyRecord}};
 }
 
 std::vector<Pipeline> allPipelines() {
@@ -191,6 +206,9 @@ std::vector<Pipeline> countedPipelines() {
   std::vector<Pipeline> pipelines = allPipelines();
   pipelines.push_back({"frame-with-retries", framePipelineWithRetries});
   pipelines.push_back({"camera", cameraPipeline});
+#ifdef TARNVOD_BENCHMARK_LINES
+  pipelines.push_back({"line", linePipeline});
+#endif
   return pipelines;
 }
 

@@ -6,6 +6,7 @@
 
 #include "detection-data/scene_names.h"
 
+#include <tarnvod/detection_data.h>
 #include <tarnvod/video_object_detection.pb.h>
 
 #include <cstddef>
@@ -59,6 +60,9 @@ auto ofEachScene(const Sample& sample, const Make& make) {
 /** The names of all classes and attributes that the detector knows. */
 SceneNames namesOf(const ::VOD::DetectorInformation& detector);
 
+/** The records of a sample's scenes. */
+Cycle<DetectionData> recordsOf(const Sample& sample);
+
 /** Passes the next frame of a sample through a pipeline. */
 using ProcessFrame = std::function<void()>;
 
@@ -68,7 +72,7 @@ struct Pipeline {
   std::function<ProcessFrame(const Sample&)> prepare;
 };
 
-/** The library's own: the whole pipeline, the parse alone, the conversion alone, a copy of the bytes. */
+/** The library's own: the whole pipeline, the parse alone, the conversion alone, a copy of the bytes, a copy of the record. */
 std::vector<Pipeline> libraryPipelines();
 
 /** The same frame in other formats, converted to the same records. Only formats whose library was found. */
@@ -77,7 +81,13 @@ std::vector<Pipeline> otherFormatPipelines();
 /** The library's own and those of other formats. */
 std::vector<Pipeline> allPipelines();
 
-/** All of them, and the whole pipeline through a `Camera`, whose thread makes the times too irregular to compare. */
+/** The text of the record on one line, as the command prints it; only where its libraries were found. */
+ProcessFrame linePipeline(const Sample& sample);
+
+/**
+ * All of them, the text of a record, and the whole pipeline through a `Camera`, whose thread makes the times too irregular to
+ * compare.
+ */
 std::vector<Pipeline> countedPipelines();
 
 /** Sets the camera up again, requesting this number of the detector's classes. Returns its whole pipeline. */

@@ -8,6 +8,7 @@ Counts are the difference between two runs that differ in their number of frames
 may hold a command that runs the program given to it and whose last line of output is the number of instructions, for
 machines without callgrind.
 """
+import functools
 import json
 import os
 import re
@@ -21,6 +22,7 @@ SAMPLES = ["3", "12", "100", "12-outlines", "12-long-names", "street"]
 BEGIN, END = "<!-- figures: scripts/benchmark -->", "<!-- end of figures -->"
 CAMERA_SAMPLES = ["0", "3", "12", "street"]
 CAMERA_PIPELINES = {"frame": "`Handler`, the only thread", "frame-with-retries": "`Handler` with retries", "camera": "`Camera`"}
+LINE_SAMPLES = ["3", "12", "100", "street"]
 CAMERA_LIMIT = 1.02  # of the instructions of a frame of 12 detections through `Handler` with retries
 COUNTER = shlex.split(os.environ.get("COUNTER", ""))
 
@@ -54,6 +56,7 @@ def heap(program):
     return {name: (blocks, size) for name, blocks, size in lines}
 
 
+@functools.lru_cache(maxsize=None)
 def per_frame(program, pipeline, sample, *classes):
     """Instructions. Both numbers of frames are multiples of the number of scenes that a sample takes in turn."""
     few, many = 40, 120
@@ -80,7 +83,7 @@ def table(head, rows):
 
 def pipelines_of(sample, measured):
     """The library's own in a fixed order, then other formats, which contain no outlines and do not depend on long names."""
-    ours = ["parse", "frame", "convert", "copy"]
+    ours = ["parse", "frame", "convert", "copy", "copy-record"]
     others = sorted({name.split("/")[0] for name in measured if "/" in name} - set(ours))
     return ours + (others if sample.isdigit() or sample == "street" else [])
 
@@ -100,6 +103,24 @@ def frame_rows(directory, measured):
                    *allocated[f"{pipeline}/{sample}"])
 
 
+def limit_rows(directory):
+    """How far a frame is from the least that it can take: its parse, and a copy of the finished record."""
+    program = os.path.join(directory, "count_frames")
+    for sample in SAMPLES:
+        frame, *parts = (per_frame(program, pipeline, sample) for pipeline in ("frame", "parse", "copy-record"))
+        yield sample, f"{sum(parts):.0f}", f"{frame:.0f}", f"{frame / sum(parts):.3f}"
+
+
+def line_rows(directory):
+    """What the text of a record takes; nothing where its libraries were not found."""
+    program = os.path.join(directory, "count_frames")
+    allocated = heap(os.path.join(directory, "count_allocations"))
+    for sample in LINE_SAMPLES:
+        if f"line/{sample}" in allocated:
+            line, frame = per_frame(program, "line", sample), per_frame(program, "frame", sample)
+            yield sample, f"{line:.0f}", f"{line / frame:.2f}", *allocated[f"line/{sample}"]
+
+
 def camera_rows(directory):
     """What a frame costs through each class; fails when a `Camera` adds more than it may."""
     program = os.path.join(directory, "count_frames")
@@ -117,12 +138,24 @@ def camera_table(directory):
     return table(["sample", "through", "instructions", "to `Handler` with retries", "allocations", "bytes"], camera_rows(directory))
 
 
+def latency_table(directory):
+    """Times, so they are those of a machine with that load; what holds the lock how long is what they show."""
+    rows = [line.split() for line in output_of([os.path.join(directory, "frame_latency"), "20"]).splitlines()]
+    def microseconds(nanoseconds):
+        return f"{int(nanoseconds) / 1000:.1f}"
+
+    return table(["eight cameras, 30 frames a second", "count", "median µs", "99 %", "99.9 %", "worst"],
+                 [(name.replace("-", " "), count, *map(microseconds, times)) for name, count, *times in rows])
+
+
 def figures(directory):
     program = os.path.join(directory, "count_frames")
     measured = times(os.path.join(directory, "frame_benchmark"))
     lines = table(["sample", "pipeline", "instructions", "to parse", "best µs", "to parse (quartiles)", "allocations",
                    "bytes"], frame_rows(directory, measured))
+    lines += table(["sample", "parse and a copy of the record", "frame", "ratio"], limit_rows(directory))
     lines += camera_table(directory)
+    lines += table(["sample", "instructions of a line of JSON", "to `frame`", "allocations", "bytes"], line_rows(directory))
     lines += table(["other than frames", "best µs"],
                    [(name, f"{min(values) / 1000:.1f}") for name, values in measured.items() if "/" not in name])
     lines += table(["requested classes", "instructions of an empty frame"],
@@ -133,8 +166,14 @@ def figures(directory):
                     for row in scaling if row[0] == "scaling"])
     lines += table(["requested classes", "lock held, median ns including one clock reading"],
                    [(row[1], row[2]) for row in scaling if row[0] == "lock"])
+    lines += latency_table(directory)
     lines += [f"One clock reading took {row[1]} ns on average." for row in scaling if row[0] == "clock"]
     return "\n".join(lines)
+
+
+def load(when):
+    """Times are worth something only when little else ran; counts do not depend on it."""
+    return f"Load of the machine {when} the measurement: {os.getloadavg()[0]:.1f} with {os.cpu_count()} processors."
 
 
 def main():
@@ -144,7 +183,7 @@ def main():
         document = file.read()
     if BEGIN not in document or END not in document:
         sys.exit(f"{sys.argv[2]} lacks the markers {BEGIN} and {END}")
-    text = figures(sys.argv[1])
+    text = load("before") + "\n\n" + figures(sys.argv[1]) + "\n" + load("after")
     print(text)
     before, rest = document.split(BEGIN, 1)
     after = rest.split(END, 1)[1]
