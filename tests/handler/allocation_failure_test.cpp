@@ -6,9 +6,9 @@
 #include "support/allocation_failure.h"
 
 #include "handler/handler_test.h"
+#include "support/at_each_allocation.h"
 #include "support/parsing_without_memory.h"
 
-#include <functional>
 #include <optional>
 
 namespace tarn::test {
@@ -16,33 +16,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-/**
- * Tries a call again and again, each time with the next allocation failing, until none fails; after each failure looks
- * whether all is well. The call may get through without the allocation: `std::stable_sort` does.
- */
-void atEachAllocation(const std::function<void()>& call, const std::function<void()>& expectAllWell) {
-  std::size_t number = 0;
-  bool failed = true;
-  bool everThrew = false;
-  while (failed) {
-    ++number;
-    bool threw = false;
-    {
-      const AllocationFailure failure(number);
-      try {
-        call();
-      } catch (const std::bad_alloc&) {
-        threw = true;
-      }
-      failed = failure.happened();
-    }
-    EXPECT_TRUE(failed || !threw) << "allocation " << number;
-    everThrew = everThrew || threw;
-    expectAllWell();
-  }
-  EXPECT_TRUE(everThrew) << "nothing was allocated at all";
-}
 
 class AFullMemory : public HandlerTest {
  protected:
@@ -140,6 +113,27 @@ TEST_F(AFullMemory, DoesNotMatterWhenACameraIsTornDownOrDropped) {
   Handler::teardown(1);
   dropped.teardown(dropped.userData);
   EXPECT_FALSE(failure.happened()) << "moving a record from map to map needs no memory";
+}
+
+TEST_F(AFullMemory, AtTheBeginningOfARetryKeepsAllCamerasPendingForTheNextRound) {
+  setUp(0);  // has no channel, and so stays pending: each round begins with a question for its detector
+  retryOnce();
+  const int down = vod::host::plan(Fault(Function::Subscribe).always().failsWith(1));
+  setUp(1, {"human"});
+  vod::host::lift(down);
+  std::optional<AllocationFailure> failure;
+  const int trigger = vod::host::plan(Fault(Function::Create).onCall(1).runs([&] { failure.emplace(1); }));
+  sleep_.release();
+  sleep_.waitUntilAsleep();
+  vod::host::lift(trigger);
+  ASSERT_TRUE(failure);
+  EXPECT_TRUE(failure->happened());
+  failure.reset();
+  EXPECT_EQ(vod::host::liveSubscribers(), 0) << "the round has ended";
+
+  sleep_.release();
+  sleep_.waitUntilAsleep();
+  EXPECT_THAT(classesAfter(1, sceneOf({1, 5})), ElementsAre(ElementsAre("human")));
 }
 
 TEST_F(MemoryRunningOut, InARetryKeepsTheCameraPendingWithItsCallableAndClassesForTheNextRound) {
