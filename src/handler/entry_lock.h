@@ -50,6 +50,7 @@ class TARNVOD_ANNOTATION(scoped_lockable) EntryLock {
     AnnotatedMutex<Mutex>* const mutex = std::exchange(mutex_, nullptr);
     mutex->unlock();
     action();
+    // may be uncovered: only at the end of the process, after the figures are written
     if (!isClosed()) {
       mutex->lock();
       mutex_ = mutex;
@@ -57,6 +58,7 @@ class TARNVOD_ANNOTATION(scoped_lockable) EntryLock {
   }
 
   /** Whether what the mutex guards may be used; otherwise return without it. */
+  // may be uncovered: only at the end of the process, after the figures are written
   bool isOpen() const { return mutex_ != nullptr && !isClosed(); }
 
  private:

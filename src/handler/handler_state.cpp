@@ -34,8 +34,8 @@ void requireThatTheRetryThreadHasEnded() {
   if (!lifecycleMutex.try_lock()) {
     return;  // another thread is in the middle of starting or stopping it
   }
-  if (retryThread->isRunning()) {
-    std::terminate();
+  if (retryThread->isRunning()) {  // uncovered: such a process aborts, and writes no figures of what was reached
+    std::terminate();              // uncovered: as above
   }
   lifecycleMutex.unlock();
 }

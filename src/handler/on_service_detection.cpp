@@ -41,6 +41,7 @@ Receiver copyReceiver(const void* userData) {
           subscription.request.callback,
           {subscription.classNames, findTable(registry->attributeTypeNames, camera),
            findTable(registry->attributeClassNames, camera)}};
+  // uncovered: conditions of the compiler's own, about which members to destroy when a later one throws
 }
 
 void parse(::VOD::Scene& scene, const std::uint8_t* buffer, std::int32_t length) {

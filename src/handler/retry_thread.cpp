@@ -38,8 +38,8 @@ void retry(const HandlerLock& lock, int camera, DiscardedSubscriptions& discarde
 void retryPendingSubscriptions() {
   DiscardedSubscriptions discarded;
   const HandlerLock lock(handlerMutex);
-  if (!lock.isOpen()) {
-    return;
+  if (!lock.isOpen()) {  // may be uncovered: only at the end of the process, after the figures are written
+    return;              // may be uncovered: as above
   }
   // Continues by camera number instead of by iterator: a platform that calls back from inside its functions can change
   // the map in between, the mutex being recursive.
@@ -48,10 +48,12 @@ void retryPendingSubscriptions() {
     retry(lock, camera, discarded);
     next = registry->pending.upper_bound(camera);
   }
+  // may be uncovered: the way out of the return above
 }
 
 void sleepFor(std::int64_t seconds) {
   timespec remaining{static_cast<time_t>(seconds), 0};
+  // uncovered: it has no other error for a whole number of seconds
   while (nanosleep(&remaining, &remaining) == -1 && errno == EINTR) {
   }
 }
@@ -61,7 +63,7 @@ void retryUntilStopped() {
   while (handlerRunning) {
     try {
       retryPendingSubscriptions();
-    } catch (const std::bad_alloc&) {
+    } catch (const std::bad_alloc&) {  // uncovered: another exception ends the process, which writes no figures then
       // Every camera that was not reached is still pending, and so retried when memory may be there again.
     }
     if (retryPeriod >= 1) {
@@ -78,6 +80,7 @@ void startRetryThread(int period) {
              // return
   }
   const LifecycleLock lock(lifecycleMutex);
+  // may be uncovered: only at the end of the process, after the figures are written
   if (!lock.isOpen() || retryThread->isRunning()) {
     return;
   }
@@ -94,6 +97,7 @@ void stopRetryThread() {
     throw std::system_error(std::make_error_code(std::errc::resource_deadlock_would_occur));
   }
   const LifecycleLock lock(lifecycleMutex);
+  // may be uncovered: only at the end of the process, after the figures are written
   if (!lock.isOpen() || !retryThread->isRunning()) {
     return;
   }

@@ -126,6 +126,7 @@ void askTwice() {
   EXPECT_THAT(calls, ElementsAre("create(channel=0)", "get_information(#1)", "delete(#1)"));
   EXPECT_EQ(Handler::getSupportedAttributes(), attributes);
   EXPECT_EQ(vod::host::journal(), calls) << "a second call reads nothing";
+  std::exit(testing::Test::HasFailure() ? 1 : 0);  // an orderly end, with which figures of coverage are written
 }
 
 TEST_F(AFreshProcess, ReadsTheAttributesOfCameraOneOnce) {

@@ -36,6 +36,33 @@ tests_of() {
   touch tests/part/thing_test.cpp
 }
 
+# counted SOURCE LINES...: a source, and a program in the place of gcov that has these counts for it, one object after the other.
+counted() {
+  mkdir -p src build/tarnvod_internals.dir
+  echo "$1" >src/a.cpp
+  printf '#!/bin/bash\n[[ $* != *--help* ]] || { echo --conditions; exit; }\ncat "${!#}"\n' >gcov
+  chmod +x gcov
+  local number=0 lines
+  for lines in "${@:2}"; do
+    lines=${lines//$'\n'/}
+    echo "{\"current_working_directory\": \"$PWD\", \"files\": [{\"file\": \"src/a.cpp\", \"lines\": [$lines]}]}" \
+      >"build/tarnvod_internals.dir/$((++number)).gcno"
+  done
+}
+
+# line NUMBER COUNT [BRANCH...]: what gcov counted of a line and of its branches.
+line() {
+  local branch branches=
+  for branch in "${@:3}"; do
+    branches+="${branches:+, }{\"throw\": false, \"count\": $branch}"
+  done
+  echo "{\"line_number\": $1, \"count\": $2, \"branches\": [$branches]}"
+}
+
+readonly undecided='{"line_number": 1, "count": 4, "branches": [], "conditions": [
+  {"count": 4, "covered": 3, "not_covered_true": [1], "not_covered_false": []}]}'
+readonly all_lines='lines: 100.0 % (1 of 1)'
+
 case $3 in
   FindAvoidedWords.AcceptsPlainWords)
     echo "The library reports a tallest teller." >text
@@ -80,6 +107,73 @@ find-avoided-words: plainer words are at the head of $scripts/lib/avoided-words.
     project 1.2.3 1.2.3 1.2
     expect 1 "src/CMakeLists.txt:2:  VERSION 1.2)
 check-version: take the version from PROJECT_VERSION" "$scripts/lib/check-version" ;;
+  FindUncovered.AcceptsWhatIsCovered)
+    counted "a;" "$(line 1 4 1 3)"
+    expect 0 "$all_lines
+branches: 100.0 % (2 of 2)
+conditions: none
+exempt lines: 0" "$scripts/lib/find-uncovered" --gcov ./gcov build ;;
+  FindUncovered.ReportsALineThatIsNotReached)
+    counted "a;" "$(line 1 0)"
+    expect 1 "src/a.cpp:1: is not reached
+lines: 0.0 % (0 of 1)
+branches: none
+conditions: none
+exempt lines: 0" "$scripts/lib/find-uncovered" --gcov ./gcov build ;;
+  FindUncovered.ReportsABranchThatIsNotTaken)
+    counted "a;" "$(line 1 4 4 0)"
+    expect 1 "src/a.cpp:1: 1 of 2 branches are not taken
+$all_lines
+branches: 50.0 % (1 of 2)
+conditions: none
+exempt lines: 0" "$scripts/lib/find-uncovered" --gcov ./gcov build ;;
+  FindUncovered.AddsUpWhatSeveralObjectsHaveCounted)
+    counted "a;" "$(line 1 4 4 0)" "$(line 1 4 0 4)"
+    expect 0 "$all_lines
+branches: 100.0 % (2 of 2)
+conditions: none
+exempt lines: 0" "$scripts/lib/find-uncovered" --gcov ./gcov build ;;
+  FindUncovered.ReportsATermThatHasNotDecided)
+    counted "a;" "$undecided"
+    expect 1 "src/a.cpp:1: term 2 of 2 has never decided the condition by being true
+$all_lines
+branches: none
+conditions: 75.0 % (3 of 4)
+exempt lines: 0" "$scripts/lib/find-uncovered" --gcov ./gcov build ;;
+  FindUncovered.AcceptsAnExemptionBehindItsLine)
+    counted "a;  // uncovered: a reason" "$undecided"
+    expect 0 "$all_lines
+branches: none
+conditions: 75.0 % (3 of 4)
+exempt lines: 1" "$scripts/lib/find-uncovered" --gcov ./gcov build ;;
+  FindUncovered.AcceptsAnExemptionAboveItsLine)
+    counted "// uncovered: a reason
+// of two lines
+a;" "$(line 3 0)"
+    expect 0 "lines: 0.0 % (0 of 1)
+branches: none
+conditions: none
+exempt lines: 1" "$scripts/lib/find-uncovered" --gcov ./gcov build ;;
+  FindUncovered.ReportsAnExemptionWithoutAReason)
+    counted "a;  // uncovered:" "$(line 1 0)"
+    expect 1 "src/a.cpp:1: is not reached
+lines: 0.0 % (0 of 1)
+branches: none
+conditions: none
+exempt lines: 0" "$scripts/lib/find-uncovered" --gcov ./gcov build ;;
+  FindUncovered.ReportsAnExemptionThatIsOutOfDate)
+    counted "a;  // uncovered: a reason" "$(line 1 4)"
+    expect 1 "src/a.cpp:1: is exempt, but covered
+$all_lines
+branches: none
+conditions: none
+exempt lines: 1" "$scripts/lib/find-uncovered" --gcov ./gcov build ;;
+  FindUncovered.AcceptsAnExemptionOfWhatMayBeCovered)
+    counted "a;  // may be uncovered: a reason" "$(line 1 4)"
+    expect 0 "$all_lines
+branches: none
+conditions: none
+exempt lines: 1" "$scripts/lib/find-uncovered" --gcov ./gcov build ;;
   Check.RefusesUnknownArguments)
     expect 2 "usage: $scripts/check [--quick|--nightly]" "$scripts/check" --fast ;;
   CheckReproducible.RefusesUnknownArguments)
