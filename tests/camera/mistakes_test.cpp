@@ -5,6 +5,7 @@
 // reason, or its counts. documented_mistakes_test.cpp sees that nothing that the documents list is left out.
 
 #include "camera/camera_test.h"
+#include "support/scene_builder.h"
 
 #include <cstdlib>
 #include <memory>
@@ -178,9 +179,7 @@ class AnAttributeWithoutAName : public CameraTest {
  protected:
   void deliverIt() {
     ::VOD::Scene scene;
-    ::VOD::Detection& detection = *scene.add_detections();
-    detection.set_class_id(1);
-    detection.add_attributes()->set_type(42);
+    addAttribute(addDetection(scene, 1), 42);
     vod::host::channel(0).deliverScene(scene.SerializeAsString());
   }
 

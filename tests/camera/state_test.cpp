@@ -4,6 +4,7 @@
 // What a camera reports of itself.
 
 #include "camera/camera_test.h"
+#include "support/detector_builder.h"
 #include "support/printed.h"
 
 #include <stdexcept>
@@ -290,9 +291,7 @@ TEST_F(AnUnknownClass, IsAcceptedOnceTheDetectorKnowsIt) {
   const TestCamera camera(1, {{"human", "unicorn"}, {}}, camera_);
   ::VOD::DetectorInformation information;
   information.ParseFromString(detectorBytes());
-  ::VOD::ObjectClass& unicorn = *information.add_object_classes();
-  unicorn.set_id(9);
-  unicorn.set_name("unicorn");
+  addClass(information, 9, "unicorn");
   vod::host::channel(0).detectorInformation(information.SerializeAsString());
   pass(1s);
   EXPECT_EQ(camera.status().state, CameraState::Receiving);

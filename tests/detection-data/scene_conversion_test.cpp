@@ -3,6 +3,8 @@
 
 #include "detection-data/scene_conversion.h"
 
+#include "support/scene_builder.h"
+
 #include <gtest/gtest.h>
 #include <tarnvod/video_object_detection.pb.h>
 
@@ -32,17 +34,7 @@ class AScene : public testing::Test {
     return convertScene(scene_, names, [](std::uint32_t type) { missingTypes.push_back(type); });
   }
 
-  ::VOD::Detection& addDetection(std::uint32_t classId) {
-    ::VOD::Detection& detection = *scene_.add_detections();
-    detection.set_class_id(classId);
-    return detection;
-  }
-
-  static void addClassification(::VOD::Detection& detection, std::uint32_t classId) {
-    ::VOD::Classification& classification = *detection.add_classifications();
-    classification.set_class_(classId);
-    classification.set_score(1);
-  }
+  ::VOD::Detection& addDetection(std::uint32_t classId) { return test::addDetection(scene_, classId); }
 
   ::VOD::Scene scene_;
 };
@@ -67,7 +59,7 @@ TEST_F(AScene, LeavesNoRoomForWhatIsDroppedOfADetection) {
   ::VOD::Detection& detection = addDetection(known);
   for (const std::uint32_t id : {known, unknown, unknown, known, unknown}) {
     detection.add_attributes()->set_type(id);
-    addClassification(detection, id);
+    test::addClassification(detection, id, 1);
   }
   const auto record = converted();
   EXPECT_EQ(record->detections[0].attributes.size(), 2U);

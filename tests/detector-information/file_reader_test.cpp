@@ -2,12 +2,12 @@
 // SPDX-License-Identifier: MIT
 
 #include "support/detector_builder.h"
+#include "support/temporary_folder.h"
 #include "support/wire_bytes.h"
 
 #include <gmock/gmock.h>
 #include <tarnvod/detector_information_file_reader.h>
 #include <tarnvod/video_object_detection.pb.h>
-#include <unistd.h>
 
 #include <filesystem>
 
@@ -34,15 +34,8 @@ std::string thrownBy(const Action& action) {
 /** A folder of its own for each test, gone afterwards. */
 class AFile : public testing::Test {
  protected:
-  AFile() : folder_(testing::TempDir() + "tarnvod-file-reader-XXXXXX") {
-    if (mkdtemp(folder_.data()) == nullptr) {
-      throw std::runtime_error("cannot make the folder " + folder_);
-    }
-  }
-  ~AFile() override { std::filesystem::remove_all(folder_); }
-
-  std::string folder() const { return folder_; }
-  std::string path() const { return folder_ + "/detector-information.pb"; }
+  std::string folder() const { return folder_.path(); }
+  std::string path() const { return folder_.path() / "detector-information.pb"; }
 
   DetectorInformationFileReader readerOf(const std::string& bytes) const {
     std::ofstream(path(), std::ios::binary) << bytes;
@@ -50,7 +43,7 @@ class AFile : public testing::Test {
   }
 
  private:
-  std::string folder_;
+  const test::TemporaryFolder folder_;
 };
 
 TEST_F(AFile, ThatDoesNotExistCannotBeOpened) {

@@ -8,6 +8,7 @@
 #include "handler/handler_test.h"
 #include "support/at_each_allocation.h"
 #include "support/parsing_without_memory.h"
+#include "support/scene_builder.h"
 
 #include <optional>
 
@@ -70,13 +71,11 @@ TEST_F(MemoryRunningOut, WhileAFrameIsConvertedLosesThatFrameOnly) {
   int frames = 0;
   Handler::setup(1, [&frames](auto&&, int) { ++frames; }, {"human"});
   ::VOD::Scene scene;
-  ::VOD::Detection& detection = *scene.add_detections();
-  detection.set_class_id(1);
-  detection.add_attributes()->set_type(10);
-  detection.mutable_attributes(0)->set_class_(1);
-  detection.add_classifications()->set_class_(1);
-  detection.mutable_classifications(0)->set_score(3);
-  *scene.add_detections() = detection;
+  for (int i = 0; i < 2; ++i) {
+    ::VOD::Detection& detection = addDetection(scene, 1);
+    addAttribute(detection, 10, 1);
+    addClassification(detection, 1, 3);
+  }
   scene.add_events()->add_object_ids(4);
   const std::string bytes = scene.SerializeAsString();
   const vod::host::Registration live = vod::host::registration(2);

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 
 #include "handler/handler_test.h"
+#include "support/detector_builder.h"
+#include "support/scene_builder.h"
 
 namespace tarn::test {
 namespace {
@@ -24,22 +26,13 @@ class ASubscribedCamera : public HandlerTest {
 TEST_F(ASubscribedCamera, DeliversEveryMemberOfADetection) {
   ::VOD::Scene scene;
   scene.set_timestamp(0xFFFFFFFFFFFFFFFF);
-  ::VOD::Detection& detection = *scene.add_detections();
-  detection.set_coord_1(-0.5F);
-  detection.set_coord_2(0.25F);
-  detection.set_coord_3(1.5F);
-  detection.set_coord_4(1e30F);
+  ::VOD::Detection& detection = addDetection(scene, 5);
+  setBox(detection, -0.5F, 0.25F, 1.5F, 1e30F);
   detection.set_object_id(4000000000);
-  detection.set_class_id(5);
   detection.set_score(77);
   detection.set_status(::VOD::Detection::TRACKED_CONFIDENT);
-  ::VOD::Attribute& attribute = *detection.add_attributes();
-  attribute.set_type(10);
-  attribute.set_class_(2);
-  attribute.set_score(9);
-  ::VOD::Classification& classification = *detection.add_classifications();
-  classification.set_class_(1);
-  classification.set_score(8);
+  addAttribute(detection, 10, 2, 9);
+  addClassification(detection, 1, 8);
 
   const VOD::DetectionData expected(
       0xFFFFFFFFFFFFFFFF,
@@ -51,8 +44,7 @@ TEST_F(ASubscribedCamera, DeliversEveryMemberOfADetection) {
 
 TEST_F(ASubscribedCamera, DeliversADetectionWithoutListsWithItsOtherMembers) {
   ::VOD::Scene scene;
-  ::VOD::Detection& detection = *scene.add_detections();
-  detection.set_class_id(5);
+  ::VOD::Detection& detection = addDetection(scene, 5);
   detection.set_coord_3(0.5F);
   detection.set_object_id(8);
   detection.set_score(9);
@@ -68,11 +60,8 @@ TEST_F(ASubscribedCamera, DeliversAFrameWithOnlyATimestamp) {
 
 TEST_F(ASubscribedCamera, DeliversAnAttributeWithAScoreButNoValue) {
   ::VOD::Scene scene;
-  ::VOD::Detection& detection = *scene.add_detections();
-  detection.set_class_id(1);
-  ::VOD::Attribute& attribute = *detection.add_attributes();
-  attribute.set_type(10);
-  attribute.set_score(42);
+  ::VOD::Detection& detection = addDetection(scene, 1);
+  addAttribute(detection, 10, std::nullopt, 42);
   EXPECT_THAT(frameOf(scene).detections[0].attributes, ElementsAre(VOD::Attribute("colour", std::nullopt, 42)));
 }
 
@@ -80,11 +69,9 @@ TEST_F(ASubscribedCamera, DeliversFramesOfAnySizeWhole) {
   for (const int detections : {1, 100, 1000, 30000}) {
     ::VOD::Scene scene;
     for (int object = 0; object < detections; ++object) {
-      ::VOD::Detection& detection = *scene.add_detections();
-      detection.set_class_id(object % 2 == 0 ? 1 : 5);
+      ::VOD::Detection& detection = addDetection(scene, object % 2 == 0 ? 1 : 5);
       detection.set_object_id(static_cast<std::uint32_t>(object));
-      detection.add_attributes()->set_type(10);
-      detection.mutable_attributes(0)->set_class_(1);
+      addAttribute(detection, 10, 1);
     }
     const VOD::DetectionData frame = frameOf(scene);
     ASSERT_THAT(frame.detections, SizeIs(static_cast<std::size_t>(detections)));
@@ -150,11 +137,10 @@ TEST_F(ASubscribedCamera, IgnoresNullUserData) {
 
 TEST_F(ASubscribedCamera, DropsAnAttributeWithoutATypeNameAndLogsIt) {
   ::VOD::Scene scene;
-  ::VOD::Detection& detection = *scene.add_detections();
-  detection.set_class_id(1);
-  detection.add_attributes()->set_type(42);
-  detection.add_attributes()->set_type(10);
-  detection.add_attributes()->set_type(42);
+  ::VOD::Detection& detection = addDetection(scene, 1);
+  addAttribute(detection, 42);
+  addAttribute(detection, 10);
+  addAttribute(detection, 42);
   EXPECT_THAT(frameOf(scene).detections[0].attributes,
               ElementsAre(VOD::Attribute("colour", std::nullopt, std::nullopt)));
   const LogLine line{LOG_ERR, "Missing vod attribute string for attribute type id 42\n"};
@@ -165,24 +151,17 @@ TEST_F(ASubscribedCamera, DropsAnAttributeWithoutATypeNameAndLogsIt) {
 
 TEST_F(ASubscribedCamera, LogsNothingOfTheAttributesOfAClassThatWasNotRequested) {
   ::VOD::Scene scene;
-  ::VOD::Detection& detection = *scene.add_detections();
-  detection.set_class_id(7);
-  detection.add_attributes()->set_type(42);
+  ::VOD::Detection& detection = addDetection(scene, 7);
+  addAttribute(detection, 42);
   EXPECT_THAT(frameOf(scene).detections, IsEmpty());
   EXPECT_THAT(log_.lines(), IsEmpty());
 }
 
 TEST_F(ASubscribedCamera, KeepsAnAttributeWhoseValueHasNoName) {
   ::VOD::Scene scene;
-  ::VOD::Detection& detection = *scene.add_detections();
-  detection.set_class_id(1);
-  ::VOD::Attribute& unnamed = *detection.add_attributes();
-  unnamed.set_type(10);
-  unnamed.set_class_(99);
-  ::VOD::Attribute& ofAnotherType = *detection.add_attributes();
-  ofAnotherType.set_type(20);
-  ofAnotherType.set_class_(2);
-  ofAnotherType.set_score(0);
+  ::VOD::Detection& detection = addDetection(scene, 1);
+  addAttribute(detection, 10, 99);    // no such value
+  addAttribute(detection, 20, 2, 0);  // a value of the other type
   EXPECT_THAT(frameOf(scene).detections[0].attributes, ElementsAre(VOD::Attribute("colour", std::nullopt, std::nullopt),
                                                                    VOD::Attribute("hat", std::nullopt, 0)));
   EXPECT_THAT(log_.lines(), IsEmpty());
@@ -190,16 +169,11 @@ TEST_F(ASubscribedCamera, KeepsAnAttributeWhoseValueHasNoName) {
 
 TEST_F(ASubscribedCamera, DropsClassificationsWithoutClassWithoutScoreOrOfAClassThatWasNotRequested) {
   ::VOD::Scene scene;
-  ::VOD::Detection& detection = *scene.add_detections();
-  detection.set_class_id(1);
-  detection.add_classifications()->set_score(1);   // no class
-  detection.add_classifications()->set_class_(1);  // no score
-  ::VOD::Classification& notRequested = *detection.add_classifications();
-  notRequested.set_class_(7);
-  notRequested.set_score(1);
-  ::VOD::Classification& good = *detection.add_classifications();
-  good.set_class_(5);
-  good.set_score(0);
+  ::VOD::Detection& detection = addDetection(scene, 1);
+  addClassification(detection, std::nullopt, 1);
+  addClassification(detection, 1);
+  addClassification(detection, 7, 1);  // not requested
+  addClassification(detection, 5, 0);
   EXPECT_THAT(frameOf(scene).detections[0].classifications, ElementsAre(VOD::Classification("car", 0)));
   EXPECT_THAT(log_.lines(), IsEmpty());
 }
@@ -207,8 +181,7 @@ TEST_F(ASubscribedCamera, DropsClassificationsWithoutClassWithoutScoreOrOfAClass
 TEST_F(ASubscribedCamera, TakesStatusesItDoesNotKnowForUntracked) {
   ::VOD::Scene scene;
   for (const int status : {0, 1, 2, 3, 7, -1}) {
-    ::VOD::Detection& detection = *scene.add_detections();
-    detection.set_class_id(1);
+    ::VOD::Detection& detection = addDetection(scene, 1);
     detection.set_status(static_cast<::VOD::Detection_DetectionStatus>(status));
   }
   std::vector<VOD::DetectionStatus> statuses;
@@ -223,10 +196,7 @@ TEST_F(ASubscribedCamera, TakesStatusesItDoesNotKnowForUntracked) {
 TEST_F(ASubscribedCamera, DropsEventsOfAnUnknownAction) {
   ::VOD::Scene scene;
   for (const int action : {2, 0, -1, 1, 7}) {
-    ::VOD::Event& event = *scene.add_events();
-    event.set_action(static_cast<::VOD::EventAction>(action));
-    event.set_object_id(-100 - action);
-    event.add_object_ids(200 + action);
+    addEvent(scene, static_cast<::VOD::EventAction>(action), -100 - action, {200 + action});
   }
   EXPECT_THAT(frameOf(scene).events, ElementsAre(VOD::VodEvent(VOD::EventAction::Delete, -100, {200}),
                                                  VOD::VodEvent(VOD::EventAction::Connect, -101, {201})));
@@ -235,11 +205,7 @@ TEST_F(ASubscribedCamera, DropsEventsOfAnUnknownAction) {
 
 TEST_F(ASubscribedCamera, KeepsTheIdsOfAnEventInTheirOrderWithDuplicates) {
   ::VOD::Scene scene;
-  ::VOD::Event& event = *scene.add_events();
-  event.set_action(::VOD::EVENT_CONNECT);
-  for (const int id : {5, 3, -1, 5}) {
-    event.add_object_ids(id);
-  }
+  addEvent(scene, ::VOD::EVENT_CONNECT, 0, {5, 3, -1, 5});
   EXPECT_THAT(frameOf(scene).events, ElementsAre(VOD::VodEvent(VOD::EventAction::Connect, 0, {5, 3, -1, 5})));
 }
 
@@ -258,7 +224,7 @@ TEST_F(ASubscribedCamera, ReceivesFramesWithoutDetections) {
 TEST_F(ASubscribedCamera, WithoutClassesStillReceivesEvents) {
   setUp(1, {});
   ::VOD::Scene scene;
-  scene.add_detections()->set_class_id(1);
+  addDetection(scene, 1);
   scene.add_events()->set_object_id(3);
   const VOD::DetectionData frame = frameOf(scene);
   EXPECT_THAT(frame.detections, IsEmpty());
@@ -267,8 +233,7 @@ TEST_F(ASubscribedCamera, WithoutClassesStillReceivesEvents) {
 
 TEST_F(ASubscribedCamera, ComparesClassIdsAsSignedNumbers) {
   ::VOD::DetectorInformation information;
-  information.add_object_classes()->set_name("ghost");
-  information.mutable_object_classes(0)->set_id(0xFFFFFFFE);
+  addClass(information, 0xFFFFFFFE, "ghost");
   vod::host::channel(0).detectorInformation(information.SerializeAsString());
   setUp(1, {"ghost"});
   EXPECT_THAT(classesAfter(1, sceneOf({0xFFFFFFFE, 2})), ElementsAre(ElementsAre("ghost")));
@@ -281,10 +246,9 @@ TEST_F(ASubscribedCamera, TellsAnAttributeWithoutAValueFromOneOfValueZero) {
   vod::host::channel(1).detectorInformation(information.SerializeAsString());
   setUp(2);
   ::VOD::Scene scene;
-  scene.add_detections()->set_class_id(1);
-  scene.mutable_detections(0)->add_attributes()->set_type(10);
-  scene.mutable_detections(0)->add_attributes()->set_type(10);
-  scene.mutable_detections(0)->mutable_attributes(1)->set_class_(0);
+  ::VOD::Detection& detection = addDetection(scene, 1);
+  addAttribute(detection, 10);
+  addAttribute(detection, 10, 0);
   vod::host::channel(1).deliverScene(scene.SerializeAsString());
   EXPECT_THAT(inbox_.last().detections[0].attributes, ElementsAre(VOD::Attribute("colour", std::nullopt, std::nullopt),
                                                                   VOD::Attribute("colour", "red", std::nullopt)));
@@ -297,7 +261,7 @@ TEST_F(ASubscribedCamera, NamesAttributesByItsOwnDetector) {
   vod::host::channel(1).detectorInformation(other.SerializeAsString());
   setUp(2);
   ::VOD::Scene scene;
-  scene.add_detections()->set_class_id(1);
+  addDetection(scene, 1);
   scene.mutable_detections(0)->add_attributes()->set_type(10);
   EXPECT_EQ(frameOf(scene).detections[0].attributes[0].typeName, "colour");
   vod::host::channel(1).deliverScene(scene.SerializeAsString());

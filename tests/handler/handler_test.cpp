@@ -3,24 +3,17 @@
 
 #include "handler/handler_test.h"
 
+#include "support/detector_builder.h"
+#include "support/scene_builder.h"
+
 namespace tarn::test {
 namespace {
 
-void addClass(::VOD::DetectorInformation& information, std::uint32_t id, const std::string& name) {
-  ::VOD::ObjectClass& added = *information.add_object_classes();
-  added.set_id(id);
-  added.set_name(name);
-}
-
 void addAttribute(::VOD::DetectorInformation& information, std::uint32_t id, const std::string& name,
                   const std::vector<std::string>& values) {
-  ::VOD::AttributeType& type = *information.add_attribute_types();
-  type.set_id(id);
-  type.set_name(name);
+  ::VOD::AttributeType& type = addAttributeType(information, id, name);
   for (const std::string& value : values) {
-    ::VOD::AttributeClass& added = *type.add_attribute_classes();
-    added.set_id(static_cast<std::uint32_t>(type.attribute_classes_size()));
-    added.set_name(value);
+    addAttributeValue(type, static_cast<std::uint32_t>(type.attribute_classes_size()) + 1, value);
   }
 }
 
@@ -43,8 +36,7 @@ std::string sceneOf(const std::vector<std::uint32_t>& classIds, std::uint64_t ti
   ::VOD::Scene scene;
   scene.set_timestamp(timestamp);
   for (const std::uint32_t classId : classIds) {
-    ::VOD::Detection& detection = *scene.add_detections();
-    detection.set_class_id(classId);
+    ::VOD::Detection& detection = addDetection(scene, classId);
     detection.set_object_id(static_cast<std::uint32_t>(scene.detections_size()));
   }
   return scene.SerializeAsString();

@@ -4,6 +4,8 @@
 // Several cameras deliver on threads of their own while others are set up, updated, dropped, retried and torn down.
 
 #include "handler/handler_test.h"
+#include "support/detector_builder.h"
+#include "support/scene_builder.h"
 
 #include <array>
 #include <atomic>
@@ -23,17 +25,14 @@ std::string nameFor(const std::string& what, int camera) {
 
 std::string detectorOf(int camera) {
   ::VOD::DetectorInformation information;
-  information.add_object_classes()->set_id(1);
-  information.mutable_object_classes(0)->set_name(nameFor("thing", camera));
-  information.add_attribute_types()->set_id(1);
-  information.mutable_attribute_types(0)->set_name(nameFor("kind", camera));
+  addClass(information, 1, nameFor("thing", camera));
+  addAttributeType(information, 1, nameFor("kind", camera));
   return information.SerializeAsString();
 }
 
 std::string sceneWithAttribute() {
   ::VOD::Scene scene;
-  scene.add_detections()->set_class_id(1);
-  scene.mutable_detections(0)->add_attributes()->set_type(1);
+  addAttribute(addDetection(scene, 1), 1);
   return scene.SerializeAsString();
 }
 

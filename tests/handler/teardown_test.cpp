@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "handler/handler_test.h"
+#include "support/scene_builder.h"
 
 #include <future>
 
@@ -112,10 +113,7 @@ TEST_F(TheServiceDropping, ACameraIsHealedByTheRetryWithCallbackClassesAndRegion
                   "set_channel_configuration(channel=0, roi=[0, 0, 1, 1])", "use_channel_configuration(#5, true)",
                   "subscribe(#5)", "get_information(#5)", "create(channel=0)", "get_information(#6)", "delete(#6)"));
   ::VOD::Scene scene;
-  ::VOD::Detection& detection = *scene.add_detections();
-  detection.set_class_id(1);
-  detection.set_coord_3(1);
-  detection.set_coord_4(1);
+  setBox(addDetection(scene, 1), 0, 0, 1, 1);
   EXPECT_THAT(classesAfter(1, scene.SerializeAsString()), ElementsAre(ElementsAre("human")));
 }
 

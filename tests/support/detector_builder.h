@@ -31,15 +31,23 @@ inline void addCalibration(::VOD::ObjectClass& objectClass, float a, float b, fl
   calibration.set_coefficient_c(c);
 }
 
-/** Adds an attribute type with its values. */
-inline void addAttributeType(::VOD::DetectorInformation& message, std::uint32_t id, const std::string& name,
-                             std::initializer_list<const char*> values) {
+/** Adds a value to an attribute type. */
+inline void addAttributeValue(::VOD::AttributeType& type, std::uint32_t id, const std::string& name) {
+  ::VOD::AttributeClass& added = *type.add_attribute_classes();
+  added.set_id(id);
+  added.set_name(name);
+}
+
+/** Adds an attribute type, with values that have no ids, and returns it, to be filled further. */
+inline ::VOD::AttributeType& addAttributeType(::VOD::DetectorInformation& message, std::uint32_t id,
+                                              const std::string& name, std::initializer_list<const char*> values = {}) {
   auto& type = *message.add_attribute_types();
   type.set_id(id);
   type.set_name(name);
   for (const char* const value : values) {
     type.add_attribute_classes()->set_name(value);
   }
+  return type;
 }
 
 }  // namespace tarn::test

@@ -2,21 +2,15 @@
 // SPDX-License-Identifier: MIT
 
 #include "sample_messages.h"
-#include "support/wire_bytes.h"
 
 #include <gmock/gmock.h>
-#include <tarnvod/video_object_detection.pb.h>
 
 #include <algorithm>
 
+namespace tarn::test {
 namespace {
 
-using tarn::test::field;
-using tarn::test::parse;
-using tarn::test::parsed;
-using tarn::test::wire;
-using testing::ElementsAre;
-namespace sample = tarn::test::sample;
+using ::testing::ElementsAre;
 
 TEST(ADetectorInformationMessage, IsWrittenFieldByFieldInTheOrderOfNumbers) {
   EXPECT_EQ(sample::detectorInformation().SerializeAsString(), sample::joined(sample::detectorInformationBytes()));
@@ -149,3 +143,4 @@ TEST(AKnownNumberWithAnotherWireType, IsAnUnknownField) {
 }
 
 }  // namespace
+}  // namespace tarn::test

@@ -2,21 +2,15 @@
 // SPDX-License-Identifier: MIT
 
 #include "sample_messages.h"
-#include "support/wire_bytes.h"
 
 #include <gmock/gmock.h>
-#include <tarnvod/video_object_detection.pb.h>
 
 #include <limits>
 
+namespace tarn::test {
 namespace {
 
-using tarn::test::field;
-using tarn::test::parse;
-using tarn::test::parsed;
-using tarn::test::wire;
-using testing::ElementsAre;
-namespace sample = tarn::test::sample;
+using ::testing::ElementsAre;
 
 TEST(ASceneMessage, IsWrittenFieldByFieldInTheOrderOfNumbers) {
   EXPECT_EQ(sample::scene().SerializeAsString(), sample::joined(sample::sceneBytes()));
@@ -142,3 +136,4 @@ TEST(ASceneMessage, RejectsMalformedBytesInTheMiddleOfADetection) {
 }
 
 }  // namespace
+}  // namespace tarn::test

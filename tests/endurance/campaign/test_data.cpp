@@ -3,6 +3,9 @@
 
 #include "endurance/campaign/test_data.h"
 
+#include "support/detector_builder.h"
+#include "support/scene_builder.h"
+
 #include <tarnvod/video_object_detection.pb.h>
 
 namespace tarn::test {
@@ -14,20 +17,10 @@ std::string nameOf(const std::string& what, int camera, std::uint32_t number) {
   return what + ' ' + std::to_string(number) + " of camera " + std::to_string(camera);
 }
 
-void addClass(::VOD::DetectorInformation& information, std::uint32_t id, const std::string& name) {
-  ::VOD::ObjectClass& added = *information.add_object_classes();
-  added.set_id(id);
-  added.set_name(name);
-}
-
 void addAttribute(::VOD::DetectorInformation& information, std::uint32_t id, int camera, std::uint32_t values) {
-  ::VOD::AttributeType& type = *information.add_attribute_types();
-  type.set_id(id);
-  type.set_name(nameOf("type", camera, id));
+  ::VOD::AttributeType& type = addAttributeType(information, id, nameOf("type", camera, id));
   for (std::uint32_t value = 0; value < values; ++value) {
-    ::VOD::AttributeClass& added = *type.add_attribute_classes();
-    added.set_id(value);
-    added.set_name(nameOf("value", camera, value));
+    addAttributeValue(type, value, nameOf("value", camera, value));
   }
 }
 
@@ -52,10 +45,7 @@ std::string cutOff(const Choose& choose, std::string bytes) {
 
 void addDetection(const Choose& choose, ::VOD::Scene& scene) {
   ::VOD::Detection& detection = *scene.add_detections();
-  detection.set_coord_1(0.4F);
-  detection.set_coord_2(0.4F);
-  detection.set_coord_3(0.6F);
-  detection.set_coord_4(0.6F);
+  setBox(detection, 0.4F, 0.4F, 0.6F, 0.6F);
   detection.set_object_id(choose(100));
   detection.set_class_id(choose(ids));
   detection.set_score(choose(100));

@@ -4,6 +4,8 @@
 #include "scripted_platform.h"
 
 #include "scheduler.h"
+#include "support/detector_builder.h"
+#include "support/scene_builder.h"
 
 #include <tarnvod/video_object_detection.pb.h>
 
@@ -26,21 +28,14 @@ const std::string* neverDestroyed(std::string text) {
 
 std::string detectorBytes() {
   ::VOD::DetectorInformation information;
-  ::VOD::ObjectClass& known = *information.add_object_classes();
-  known.set_id(human);
-  known.set_name("human");
-  ::VOD::AttributeType& colour = *information.add_attribute_types();
-  colour.set_id(1);
-  colour.set_name("colour");
-  colour.add_attribute_classes()->set_name("red");
+  addClass(information, human, "human");
+  addAttributeType(information, 1, "colour", {"red"});
   return information.SerializeAsString();
 }
 
 std::string frameBytes() {
   ::VOD::Scene scene;
-  ::VOD::Detection& detection = *scene.add_detections();
-  detection.set_class_id(human);
-  detection.add_attributes()->set_type(1);
+  addAttribute(addDetection(scene, human), 1);
   return scene.SerializeAsString();
 }
 

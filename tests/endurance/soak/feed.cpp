@@ -4,6 +4,8 @@
 #include "endurance/soak/feed.h"
 
 #include "endurance/soak/process_hooks.h"
+#include "support/detector_builder.h"
+#include "support/scene_builder.h"
 
 #include <tarnvod/tarnvod.h>
 #include <vod_host.h>
@@ -44,13 +46,9 @@ std::string className(int camera) {
 std::string detectorOf(int camera) {
   ::VOD::DetectorInformation information;
   for (std::uint32_t id = 1; id <= 3; ++id) {
-    information.add_object_classes()->set_id(id);
-    information.mutable_object_classes(static_cast<int>(id) - 1)
-        ->set_name(id == 1 ? className(camera) : std::to_string(id));
+    addClass(information, id, id == 1 ? className(camera) : std::to_string(id));
   }
-  information.add_attribute_types()->set_id(1);
-  information.mutable_attribute_types(0)->set_name("kind");
-  information.mutable_attribute_types(0)->add_attribute_classes()->set_name("small");
+  addAttributeType(information, 1, "kind", {"small"});
   return information.SerializeAsString();
 }
 
@@ -58,11 +56,9 @@ std::string detectorOf(int camera) {
 std::string sceneOf() {
   ::VOD::Scene scene;
   for (std::uint32_t id = 1; id <= 3; ++id) {
-    ::VOD::Detection& detection = *scene.add_detections();
-    detection.set_class_id(id);
+    ::VOD::Detection& detection = addDetection(scene, id);
     detection.set_object_id(objectId);
-    detection.add_attributes()->set_type(1);
-    detection.mutable_attributes(0)->set_class_(0);
+    addAttribute(detection, 1, 0);
   }
   return scene.SerializeAsString();
 }

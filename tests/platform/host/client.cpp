@@ -3,6 +3,8 @@
 
 #include "client.h"
 
+#include "support/scene_builder.h"
+
 namespace vod::host {
 
 using Lock = tarn::VOD::WaitingLock;
@@ -142,11 +144,7 @@ std::string sceneWith(const std::vector<Centre>& centres, std::uint64_t timestam
   scene.set_timestamp(timestamp);
   for (const Centre& centre : centres) {
     constexpr float half = 0.05F;
-    VOD::Detection& detection = *scene.add_detections();
-    detection.set_coord_1(centre.x - half);
-    detection.set_coord_2(centre.y - half);
-    detection.set_coord_3(centre.x + half);
-    detection.set_coord_4(centre.y + half);
+    tarn::test::setBox(*scene.add_detections(), centre.x - half, centre.y - half, centre.x + half, centre.y + half);
   }
   return scene.SerializeAsString();
 }

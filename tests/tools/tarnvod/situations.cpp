@@ -3,6 +3,9 @@
 
 #include "situations.h"
 
+#include "support/detector_builder.h"
+#include "support/scene_builder.h"
+
 #include <recording/recording_writer.h>
 
 #include <algorithm>
@@ -14,6 +17,15 @@
 #include <thread>
 
 namespace test {
+
+using tarn::test::addAttribute;
+using tarn::test::addAttributeType;
+using tarn::test::addAttributeValue;
+using tarn::test::addCalibration;
+using tarn::test::addClass;
+using tarn::test::addDetection;
+using tarn::test::addEvent;
+using tarn::test::setBox;
 
 TemporaryFolder::TemporaryFolder() {
   std::string pattern = (std::filesystem::temp_directory_path() / "tarnvod-command-XXXXXX").string();
@@ -40,47 +52,27 @@ void writeTo(const std::filesystem::path& file, const std::string& bytes) {
 ::VOD::DetectorInformation detector() {
   ::VOD::DetectorInformation information;
   information.mutable_properties()->set_inference_chip(::VOD::CPU);
-  auto* human = information.add_object_classes();
-  human->set_name("Human");
-  human->add_attribute_type_ids(3);
-  auto* car = information.add_object_classes();
-  car->set_id(1);
-  car->set_name("car");
-  auto* calibration = car->add_calibrations();
-  calibration->set_coefficient_a(0.1F);
-  auto* coat = information.add_attribute_types();
-  coat->set_id(3);
-  coat->set_name("coat");
-  auto* red = coat->add_attribute_classes();
-  red->set_id(5);
-  red->set_name("red");
+  addClass(information, 0, "Human", {3});
+  addCalibration(addClass(information, 1, "car"), 0.1F, 0, 0);
+  addAttributeValue(addAttributeType(information, 3, "coat"), 5, "red");
   return information;
 }
 
 ::VOD::Scene scene(int number) {
   ::VOD::Scene result;
   result.set_timestamp(static_cast<std::uint64_t>(number) * 100000);
-  auto* human = result.add_detections();
-  human->set_coord_1(0.1F + 0.01F * static_cast<float>(number));
-  human->set_coord_2(0.2F);
-  human->set_coord_3(0.2F + 0.01F * static_cast<float>(number));
-  human->set_coord_4(0.6F);
-  human->set_object_id(7);
-  human->set_score(80);
-  human->set_status(::VOD::Detection::TRACKED_CONFIDENT);
-  auto* coat = human->add_attributes();
-  coat->set_type(3);
-  coat->set_class_(5);
+  ::VOD::Detection& human = addDetection(result, 0);
+  const float shift = 0.01F * static_cast<float>(number);
+  setBox(human, 0.1F + shift, 0.2F, 0.2F + shift, 0.6F);
+  human.set_object_id(7);
+  human.set_score(80);
+  human.set_status(::VOD::Detection::TRACKED_CONFIDENT);
+  addAttribute(human, 3, 5);
   if (number % 2 == 0) {
-    auto* car = result.add_detections();
-    car->set_class_id(1);
-    car->set_object_id(9);
+    addDetection(result, 1).set_object_id(9);
   }
   if (number == 10) {
-    auto* event = result.add_events();
-    event->set_action(::VOD::EVENT_CONNECT);
-    event->set_object_id(7);
-    event->add_object_ids(9);
+    addEvent(result, ::VOD::EVENT_CONNECT, 7, {9});
   }
   return result;
 }

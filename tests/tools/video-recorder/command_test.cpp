@@ -4,11 +4,11 @@
 // The command as it is used: on a small video that each test draws, of a grey wall that grows lighter. Nobody is in it.
 
 #include "recording/recording_reader.h"
+#include "support/temporary_folder.h"
 
 #include <gmock/gmock.h>
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/videoio.hpp>
-#include <stdlib.h>
 #include <sys/wait.h>
 #include <tarnvod/video_object_detection.pb.h>
 
@@ -64,26 +64,21 @@ std::vector<VOD::Scene> scenesOf(const fs::path& recording) {
 class AVideo : public testing::Test {
  protected:
   AVideo() {
-    std::string name = (fs::temp_directory_path() / "video-recorder-XXXXXX").string();
-    folder = ::mkdtemp(name.data());
-    video = folder / "wall.avi";
-    output = folder / "recording";
     const cv::Size size(160, 160);
     cv::VideoWriter writer(video.string(), cv::VideoWriter::fourcc('M', 'J', 'P', 'G'), 10, size);
     for (int frame = 0; frame < frames; ++frame) {
       writer.write(cv::Mat(size, CV_8UC3, cv::Scalar::all(40 * frame)));
     }
   }
-  ~AVideo() override { fs::remove_all(folder); }
 
   Result record(const std::string& arguments = "") const {
     return run(video.string() + " --output " + output.string() + " " + arguments);
   }
 
   static constexpr int frames = 5;
-  fs::path folder;
-  fs::path video;
-  fs::path output;
+  const tarn::test::TemporaryFolder folder;
+  fs::path video = folder.path() / "wall.avi";
+  const fs::path output = folder.path() / "recording";
 };
 
 using AnInput = AVideo;
@@ -161,7 +156,7 @@ TEST_F(AVideo, IsRecordedForTheCameraThatWasAskedFor) {
 }
 
 TEST_F(AnInput, ThatIsNoVideoIsNamed) {
-  video = folder / "text.avi";
+  video = folder.path() / "text.avi";
   std::ofstream(video) << "no video";
   const Result result = record();
   EXPECT_EQ(result.exitCode, 1);
