@@ -3,21 +3,20 @@
 
 // Turns a video into a recording of the people in it, which the host platform replays as a camera.
 
+#include "tarnvod/base/signal_flag.h"
 #include "video-recorder/record.h"
 
 #include <CLI/CLI.hpp>
 #include <opencv2/core.hpp>
 #include <opencv2/core/utils/logger.hpp>
 
-#include <atomic>
 #include <csignal>
 #include <exception>
 #include <iostream>
 
 namespace {
 
-std::atomic<bool> isStopping{false};
-static_assert(std::atomic<bool>::is_always_lock_free, "the signal handler may only touch a lock-free flag");
+tarn::command::SignalFlag isStopping = false;
 
 void stop(int /*signal*/) {
   isStopping = true;

@@ -3,15 +3,14 @@
 
 #include "base/event_signal.h"
 
-#include <atomic>
+#include "base/signal_flag.h"
+
 #include <csignal>
 
 namespace tarn::command {
 namespace {
 
-// The handler runs on whichever thread the system chooses.
-std::atomic<bool> eventCame = false;
-static_assert(std::atomic<bool>::is_always_lock_free, "may be used in a signal handler");
+SignalFlag eventCame = false;
 
 }  // namespace
 

@@ -4,17 +4,15 @@
 #include "base/stop_signal.h"
 
 #include "base/errors.h"
+#include "base/signal_flag.h"
 
-#include <atomic>
 #include <csignal>
 #include <initializer_list>
 
 namespace tarn::command {
 namespace {
 
-// The handler runs on whichever thread the system chooses.
-std::atomic<bool> requested = false;
-static_assert(std::atomic<bool>::is_always_lock_free, "may be used in a signal handler");
+SignalFlag requested = false;
 
 }  // namespace
 
