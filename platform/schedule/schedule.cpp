@@ -3,6 +3,7 @@
 
 #include "schedule/schedule.h"
 
+#include <algorithm>
 #include <array>
 #include <tuple>
 
@@ -42,6 +43,18 @@ bool operator==(const Fault& left, const Fault& right) {
 
 bool operator==(const Schedule& left, const Schedule& right) {
   return std::tie(left.rounds, left.length, left.faults) == std::tie(right.rounds, right.length, right.faults);
+}
+
+std::vector<Step> stepsOf(const std::vector<Fault>& faults) {
+  std::vector<Step> steps;
+  for (std::size_t fault = 0; fault < faults.size(); ++fault) {
+    steps.push_back({faults[fault].at, fault, true});
+    if (formOf(faults[fault].kind).hasDuration) {
+      steps.push_back({faults[fault].end(), fault, false});
+    }
+  }
+  std::stable_sort(steps.begin(), steps.end(), [](const Step& left, const Step& right) { return left.at < right.at; });
+  return steps;
 }
 
 }  // namespace vod::schedule

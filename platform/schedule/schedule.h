@@ -69,7 +69,7 @@ struct Fault {
   std::string function;
   /** Counted from 1; none for all of them. */
   std::optional<int> camera;
-  /** Of a burst, the number of scenes; of a lost class, its place in the detector's list, counted from 1. */
+  /** Scenes of a burst; of a lost class, its place in the detector's list, from 1; the refused call, from 1, 0 for all. */
   int count = 0;
   /** Of a jump; may be negative. */
   Time jump{0};
@@ -86,6 +86,17 @@ struct Schedule {
   std::vector<Fault> faults;
 };
 bool operator==(const Schedule& left, const Schedule& right);
+
+/** The beginning or the end of a fault. */
+struct Step {
+  Time at;
+  /** Its place in the schedule's list. */
+  std::size_t fault;
+  bool begins;
+};
+
+/** What happens in one round, in the order of the times. A fault without a duration has no end. */
+std::vector<Step> stepsOf(const std::vector<Fault>& faults);
 
 /** The text is not a schedule; `what` is one line with its name, the line and column, the expected and the actual text. */
 class ScheduleError : public std::runtime_error {

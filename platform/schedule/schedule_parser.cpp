@@ -24,6 +24,7 @@ constexpr int mostRounds = 1000;
 constexpr int mostScenes = 10'000;
 constexpr int mostCameras = 1000;
 constexpr int mostClasses = 1000;
+constexpr int mostCalls = 1000;
 constexpr std::size_t mostFaults = 10'000;
 
 #define NAME(enumerator, function) #function,
@@ -160,6 +161,9 @@ Fault parseFault(Line& line) {
   const Form& form = formOf(fault.kind);
   if (form.hasFunction) {
     fault.function = line.function();
+  }
+  if (fault.kind == Kind::Refuse && line.accepts("call")) {
+    fault.count = line.number(mostCalls);
   }
   if (fault.kind == Kind::Lose) {
     line.expect("class");

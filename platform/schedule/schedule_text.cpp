@@ -30,7 +30,8 @@ std::string happening(const Fault& fault) {
     case Kind::Drop:
       return "the service ends the subscriptions of " + cameras(fault);
     case Kind::Refuse:
-      return "the platform's function " + fault.function + " fails";
+      return (fault.count > 0 ? "call " + std::to_string(fault.count) + " of " : "") + "the platform's function " +
+             fault.function + " fails";
     case Kind::Hang:
       return "the platform's function " + fault.function + " does not return";
     case Kind::Silence:
@@ -67,6 +68,9 @@ std::string toText(const Fault& fault) {
   if (form.hasFunction) {
     text += ' ' + fault.function;
   }
+  if (fault.kind == Kind::Refuse && fault.count > 0) {
+    text += " call " + std::to_string(fault.count);
+  }
   if (fault.kind == Kind::Lose) {
     text += " class " + std::to_string(fault.count);
   }
@@ -97,7 +101,7 @@ std::string toText(const Schedule& schedule) {
 }
 
 std::string sentence(const Fault& fault) {
-  const bool lasts = formOf(fault.kind).hasDuration;
+  const bool lasts = formOf(fault.kind).hasDuration && !(fault.kind == Kind::Refuse && fault.count > 0);
   return happening(fault) + (lasts ? " for " + spoken(fault.duration) : "");
 }
 

@@ -95,7 +95,7 @@ void Rehearsal::beginNamed(const RehearsalFiles& files) {
 }
 
 Rehearsal::Rehearsal(schedule::Schedule schedule, const std::vector<std::string>& folders)
-    : schedule_(std::move(schedule)), steps_(stepsOf(schedule_)) {
+    : schedule_(std::move(schedule)), steps_(stepsOf(schedule_.faults)) {
   for (const std::string& folder : folders) {
     players_.emplace_back(folder);
     channel(static_cast<int>(players_.size()) - 1).detectorInformation(players_.back().detectorInformation());
@@ -105,18 +105,6 @@ Rehearsal::Rehearsal(schedule::Schedule schedule, const std::vector<std::string>
   while (nextStep_ < steps_.size() && steps_[nextStep_].at == schedule::Time(0)) {
     take(steps_[nextStep_++]);
   }
-}
-
-std::vector<Rehearsal::Step> Rehearsal::stepsOf(const schedule::Schedule& schedule) {
-  std::vector<Step> steps;
-  for (std::size_t fault = 0; fault < schedule.faults.size(); ++fault) {
-    steps.push_back({schedule.faults[fault].at, fault, true});
-    if (formOf(schedule.faults[fault].kind).hasDuration) {
-      steps.push_back({schedule.faults[fault].end(), fault, false});
-    }
-  }
-  std::stable_sort(steps.begin(), steps.end(), [](const Step& left, const Step& right) { return left.at < right.at; });
-  return steps;
 }
 
 void Rehearsal::run() {
@@ -160,7 +148,7 @@ void Rehearsal::waitUntil(Clock::time_point time) {
   never.wait_until(lock, time, [] { return false; });
 }
 
-void Rehearsal::take(const Step& step) {
+void Rehearsal::take(const schedule::Step& step) {
   const ScheduledFault& fault = schedule_.faults[step.fault];
   Watch& watch = Watch::instance();
   watch.write(step.begins ? "fault" : "end", {{"number", std::to_string(step.fault)}});
@@ -224,6 +212,8 @@ void Rehearsal::beginCallFault(const ScheduledFault& fault, std::size_t number) 
   std::optional<Gate> gate;
   if (fault.kind == Kind::Hang) {
     planned.always().waitsAt(gate.emplace());
+  } else if (fault.count > 0) {
+    planned.onCall(fault.count).failsWith(refused);
   } else {
     planned.always().failsWith(refused);
   }

@@ -34,19 +34,11 @@ class Rehearsal {
 
   Rehearsal(schedule::Schedule schedule, const std::vector<std::string>& folders);
 
-  /** The beginning or the end of a fault. */
-  struct Step {
-    schedule::Time at;
-    std::size_t fault;
-    bool begins;
-  };
-  static std::vector<Step> stepsOf(const schedule::Schedule& schedule);
-
   void run();
   void runRound(Clock::time_point begin);
   void waitUntil(Clock::time_point time);
 
-  void take(const Step& step);
+  void take(const schedule::Step& step);
   void begin(const schedule::Fault& fault, std::size_t number);
   void end(const schedule::Fault& fault, std::size_t number);
   void beginCallFault(const schedule::Fault& fault, std::size_t number);
@@ -59,7 +51,7 @@ class Rehearsal {
   std::vector<int> channelsOf(const schedule::Fault& fault) const;
 
   const schedule::Schedule schedule_;
-  const std::vector<Step> steps_;
+  const std::vector<schedule::Step> steps_;
   std::size_t nextStep_ = 0;
   const Clock::time_point begin_ = Clock::now();
   std::vector<ScenePlayer> players_;  // in the order of the channels

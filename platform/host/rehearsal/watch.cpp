@@ -3,7 +3,7 @@
 
 #include "rehearsal/watch.h"
 
-#include "rehearsal/process_resources.h"
+#include "schedule/process_resources.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -128,7 +128,7 @@ void Watch::mark(int round) {
   for (const auto& [number, callback] : running) {
     writeBlocked(callback, false);
   }
-  const ProcessResources resources = processResources();
+  const schedule::ProcessResources resources = schedule::processResources();
   write("mark", {{"round", std::to_string(round)},
                  {"heap", std::to_string(resources.heap)},
                  {"threads", std::to_string(resources.threads)},

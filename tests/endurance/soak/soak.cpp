@@ -6,10 +6,10 @@
 
 #include "endurance/soak/feed.h"
 #include "endurance/soak/process_hooks.h"
-#include "endurance/soak/resources.h"
 
 #include <CLI/CLI.hpp>
 #include <poll.h>
+#include <schedule/process_resources.h>
 #include <tarnvod/handler.h>
 #include <vod_host.h>
 
@@ -18,6 +18,7 @@
 #include <deque>
 #include <iostream>
 #include <mutex>
+#include <string>
 #include <thread>
 
 namespace {
@@ -25,11 +26,12 @@ namespace {
 using namespace tarn::test;
 using tarn::VOD::Handler;
 using Clock = std::chrono::steady_clock;
+using Resources = vod::schedule::ProcessResources;
 
 struct Options {
   std::int64_t frames = 10'000'000;
   int cameras = 4;
-  std::int64_t allowedGrowth = 4096;
+  std::size_t allowedGrowth = 4096;
 };
 
 Options parse(int argc, char** argv) {
@@ -118,7 +120,7 @@ Resources settled(const std::deque<Feed>& feeds) {
   // A joined thread stays listed until the kernel is done with it. The sleeps of the C++ library are cut short here.
   constexpr int milliseconds = 200;
   poll(nullptr, 0, milliseconds);
-  return Resources::now();
+  return vod::schedule::processResources();
 }
 
 void print(const FrameCounts& counts, const Disturbances& disturbances) {
@@ -129,6 +131,11 @@ void print(const FrameCounts& counts, const Disturbances& disturbances) {
             << disturbances.drops << " subscriptions dropped, " << disturbances.outages << " outages, "
             << disturbances.teardowns << " teardowns, " << disturbances.updates << " updates, " << logLines()
             << " lines logged\n";
+}
+
+std::string described(const Resources& resources) {
+  return std::to_string(resources.resident / 1024) + " kB resident, " + std::to_string(resources.descriptors) +
+         " descriptors, " + std::to_string(resources.threads) + " threads";
 }
 
 bool expect(bool holds, const char* what) {
@@ -159,13 +166,13 @@ bool soak(const Options& options) {
 
   const FrameCounts counts = sumOf(feeds);
   print(counts, disturbances);
-  std::cout << "after a tenth of the run: " << before << "\nat its end: " << after << '\n'
+  std::cout << "after a tenth of the run: " << described(before) << "\nat its end: " << described(after) << '\n'
             << seconds.count() << " s, " << static_cast<double>(counts.delivered) / seconds.count()
             << " frames delivered per second\n";
   ok = expect(counts.wrong == 0, "frames arrived that are not what was sent") && ok;
   ok = expect(counts.unexplained == 0, "frames were dropped for no reason") && ok;
   ok = expect(counts.received == counts.delivered + counts.duringTeardown, "frames are not accounted for") && ok;
-  ok = expect(after.residentKilobytes <= before.residentKilobytes + options.allowedGrowth, "memory grew") && ok;
+  ok = expect(after.resident <= before.resident + options.allowedGrowth * 1024, "memory grew") && ok;
   ok = expect(after.descriptors == before.descriptors, "the number of descriptors changed") && ok;
   ok = expect(after.threads == before.threads, "the number of threads changed") && ok;
   return expect(vod::host::liveSubscribers() == 0, "subscribers are left") && ok;

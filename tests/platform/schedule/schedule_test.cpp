@@ -22,6 +22,7 @@ at 0s down for 3s
 at 1500ms drop
 at 2s drop camera 2
 at 3s refuse get_information for 4s
+at 3s refuse subscribe call 2 for 4s
 at 4s hang subscribe for 5s
 at 5s silence for 1s
 at 6s burst camera 1 of 200
@@ -114,6 +115,6 @@ TEST(AFault, IsASentenceForPeople) {
 
   EXPECT_EQ(sentence(schedule.faults[0]), "the service is down for 3 s");
   EXPECT_EQ(sentence(schedule.faults[2]), "the service ends the subscriptions of camera 2");
-  EXPECT_EQ(sentence(schedule.faults[10]), "the time stamps of all cameras jump by -3600 s");
-  EXPECT_EQ(sentence(schedule.faults[11]), "the detector of all cameras restarts without class 2 for 0.25 s");
+  EXPECT_EQ(sentence(schedule.faults[11]), "the time stamps of all cameras jump by -3600 s");
+  EXPECT_EQ(sentence(schedule.faults[12]), "the detector of all cameras restarts without class 2 for 0.25 s");
 }

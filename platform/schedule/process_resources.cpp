@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "rehearsal/process_resources.h"
+#include "schedule/process_resources.h"
 
 #include <malloc.h>
 #include <unistd.h>
@@ -11,7 +11,7 @@
 #include <iterator>
 #include <system_error>
 
-namespace vod::host {
+namespace vod::schedule {
 
 namespace {
 
@@ -43,7 +43,7 @@ std::size_t heapBytes() {
 }  // namespace
 
 ProcessResources processResources() {
-  return {heapBytes(), entriesOf("/proc/self/task"), entriesOf("/proc/self/fd")};
+  return {heapBytes(), residentBytes(), entriesOf("/proc/self/task"), entriesOf("/proc/self/fd")};
 }
 
-}  // namespace vod::host
+}  // namespace vod::schedule
