@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <iostream>
 #include <map>
+#include <utility>
 
 using tarn::VOD::Data;
 using tarn::VOD::DetectionData;
@@ -28,10 +29,15 @@ class LifeLog {
     for (const VodEvent& event : frame.events) {
       writeEvent(frame.timestamp, event);
     }
+    // The frame that says that an object is gone may itself be lost: what is not seen in 600 frames or more is forgotten.
+    if (++frames_ % 600 == 0) {
+      earlier_ = std::exchange(statuses_, {});
+    }
   }
 
  private:
   void writeStatus(std::uint64_t time, const Data& detection) {
+    statuses_.insert(earlier_.extract(detection.objectId));
     const auto [known, isNew] = statuses_.try_emplace(detection.objectId, detection.status);
     if (isNew) {
       std::cout << time << ": " << detection.objectId << " appears: " << detection.className << std::endl;
@@ -45,6 +51,7 @@ class LifeLog {
     std::cout << time << ": " << event.objectId;
     if (event.action == tarn::VOD::EventAction::Delete) {
       statuses_.erase(static_cast<std::uint32_t>(event.objectId));
+      earlier_.erase(static_cast<std::uint32_t>(event.objectId));
       std::cout << " is gone" << std::endl;
       return;
     }
@@ -56,6 +63,8 @@ class LifeLog {
   }
 
   std::map<std::uint32_t, DetectionStatus> statuses_;
+  std::map<std::uint32_t, DetectionStatus> earlier_;
+  std::uint64_t frames_ = 0;
 };
 
 }  // namespace
