@@ -35,6 +35,17 @@ TEST(EveryDay, LeavesTimeToRecover) {
   }
 }
 
+TEST(AThousandDays, BringOutagesOfHours) {
+  int outages = 0;
+  for (std::uint64_t day = 1; day <= 1000; ++day) {
+    for (const Fault& fault : drawDay(1, day, 15s).faults) {
+      outages += fault.duration >= 1h ? 1 : 0;
+    }
+  }
+  EXPECT_GT(outages, 0);
+  EXPECT_LT(outages, 20);
+}
+
 TEST(AHundredDays, BringEveryKindOfFaultAndQuietDays) {
   std::set<Kind> kinds;
   bool quiet = false;

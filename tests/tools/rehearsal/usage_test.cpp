@@ -83,6 +83,21 @@ TEST(WhatMustNotBePrinted, FailsTheDay) {
   EXPECT_THAT(outcome.output, HasSubstr("It printed \"frame\""));
 }
 
+TEST(WhatMustBePrinted, FailsTheDayWhenItIsMissing) {
+  const Outcome outcome = test::run({"rehearse", "--days", "1", "--must-print", "a frame", "--", faultless});
+
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_THAT(outcome.output, HasSubstr("It did not print what it must print"));
+}
+
+TEST(AnApplicationThatIgnoresSigterm, IsFoundNotToEnd) {
+  const Outcome outcome = test::run({"rehearse", "--days", "1", "--stop-limit", "1", "--", "sh", "-c",
+                                     "trap '' TERM; " + faultless + "; sleep 1000"});
+
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_THAT(outcome.output, HasSubstr("It does not end after SIGTERM"));
+}
+
 TEST(ACheckThatFails, FailsTheDay) {
   const Outcome outcome = test::run({"rehearse", "--days", "1", "--check", "false", "--", faultless});
 

@@ -116,10 +116,17 @@ RunFolder::~RunFolder() {
   std::filesystem::remove_all(path_, ignored);
 }
 
+std::vector<std::string> currentEnvironment() {
+  std::vector<std::string> all;
+  for (char** entry = environ; *entry != nullptr; ++entry) {
+    all.emplace_back(*entry);
+  }
+  return all;
+}
+
 std::vector<std::string> rehearsalEnvironment(const RunFolder& folder, double speed) {
   std::map<std::string, std::string> variables;
-  for (char** entry = environ; *entry != nullptr; ++entry) {
-    const std::string text = *entry;
+  for (const std::string& text : currentEnvironment()) {
     const std::size_t equals = text.find('=');
     variables[text.substr(0, equals)] = equals == std::string::npos ? "" : text.substr(equals + 1);
   }

@@ -28,6 +28,9 @@ class RunFolder {
   std::filesystem::path path_;
 };
 
+/** The environment of this process. */
+std::vector<std::string> currentEnvironment();
+
 /** The environment of an application that is rehearsed: the present one, and what the host platform reads. */
 std::vector<std::string> rehearsalEnvironment(const RunFolder& folder, double speed);
 

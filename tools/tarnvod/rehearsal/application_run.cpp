@@ -135,14 +135,6 @@ class Running {
     return shell.exitCode() == 0;
   }
 
-  static std::vector<std::string> currentEnvironment() {
-    std::vector<std::string> all;
-    for (char** entry = environ; *entry != nullptr; ++entry) {
-      all.emplace_back(*entry);
-    }
-    return all;
-  }
-
   void conclude() {
     run_.wasKilled = !process_.exitCode();
     process_.signal(SIGKILL);

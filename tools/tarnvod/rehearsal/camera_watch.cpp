@@ -74,19 +74,19 @@ std::map<int, std::set<std::string>> CameraWatch::cameras() const {
   return result;
 }
 
-std::optional<std::string> CameraWatch::blindness() const {
+std::optional<CameraWatch::Blindness> CameraWatch::blindness() const {
   const auto present = cameras();
   for (const auto& [camera, expected] : expectation_.cameras) {
     const std::string name = "camera " + std::to_string(camera);
     const auto found = present.find(camera);
     if (found == present.end()) {
-      return name + " is not set up again";
+      return Blindness{false, name + " is not set up again"};
     }
     std::set<std::string> missing;
     std::set_difference(expected.begin(), expected.end(), found->second.begin(), found->second.end(),
                         std::inserter(missing, missing.end()));
     if (!missing.empty()) {
-      return name + " is set up, but no longer receives the class " + *missing.begin();
+      return Blindness{true, name + " is set up, but no longer receives the class " + *missing.begin()};
     }
   }
   return std::nullopt;

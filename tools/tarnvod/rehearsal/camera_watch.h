@@ -23,8 +23,15 @@ class CameraWatch {
 
   /** The cameras that are set up now, with the classes received since the last fault, set-up or round. */
   std::map<int, std::set<std::string>> cameras() const;
-  /** What is missing now, for people; none if all is as expected. */
-  std::optional<std::string> blindness() const;
+  /** The first camera that misses something. */
+  struct Blindness {
+    /** Whether it is set up, and misses a class only. */
+    bool isSetUp;
+    /** For people. */
+    std::string text;
+  };
+  /** None if all is as expected. */
+  std::optional<Blindness> blindness() const;
   const std::vector<Recovery>& recoveries() const { return recoveries_; }
 
  private:

@@ -58,8 +58,12 @@ constexpr std::array functions = {"create",
                                   "delete"};
 constexpr std::array<Time, 5> jumps = {-1h, -5s, 5s, 1h, 24h};
 
-Time drawDuration(Dice& dice) {
-  return dice.oneIn(30) ? dice.between(30s, 120s) : dice.between(500ms, 8s);
+/** Seconds; seldom minutes, and for a service that is down, hours. */
+Time drawDuration(Kind kind, Dice& dice) {
+  if (!dice.oneIn(30)) {
+    return dice.between(500ms, 8s);
+  }
+  return kind == Kind::Down && dice.oneIn(8) ? dice.between(1h, 2h) : dice.between(30s, 120s);
 }
 
 Fault drawFault(Dice& dice, Time latest) {
@@ -75,7 +79,7 @@ Fault drawFault(Dice& dice, Time latest) {
     fault.camera = dice.between(1, 2);
   }
   if (form.hasDuration) {
-    fault.duration = fault.kind == Kind::Hang ? dice.between(500ms, 8s) : drawDuration(dice);
+    fault.duration = fault.kind == Kind::Hang ? dice.between(500ms, 8s) : drawDuration(fault.kind, dice);
   }
   fault.count = fault.kind == Kind::Burst ? dice.between(10, 2000) : fault.kind == Kind::Lose ? dice.between(1, 3) : 0;
   if (fault.kind == Kind::Jump) {

@@ -26,9 +26,9 @@ using vod::schedule::Schedule;
 using vod::schedule::Time;
 
 /** In the order of the enumeration. */
-constexpr std::array names = {"never-begins", "crash",  "ends",    "exit-code", "does-not-end",
-                              "blind",        "blocks", "storm",   "memory",    "threads",
-                              "descriptors",  "check",  "missing", "forbidden"};
+constexpr std::array names = {"never-begins", "crash",       "ends",   "exit-code", "does-not-end",
+                              "blind",        "class-lost",  "blocks", "storm",     "memory",
+                              "threads",      "descriptors", "check",  "missing",   "forbidden"};
 
 std::string seconds(Time time) {
   return fixed(std::chrono::duration<double>(time).count(), 1) + " s";
@@ -113,7 +113,7 @@ class Judge {
       watch.take(observation);
       const auto blindness = observation.event == "mark" ? watch.blindness() : std::nullopt;
       if (blindness) {
-        find(FindingKind::Blind, *blindness);
+        find(blindness->isSetUp ? FindingKind::ClassLost : FindingKind::Blind, blindness->text);
       }
     }
     judgement_.recoveries = watch.recoveries();
@@ -187,6 +187,7 @@ bool needsConfirmation(FindingKind kind) {
     case FindingKind::NeverBegins:
     case FindingKind::DoesNotEnd:
     case FindingKind::Blind:
+    case FindingKind::ClassLost:
     case FindingKind::Blocks:
     case FindingKind::Storm:
     case FindingKind::Memory:

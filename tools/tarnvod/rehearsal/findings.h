@@ -24,7 +24,8 @@ enum class FindingKind {
   Ends,         ///< it ended although it was not asked to, and does not on a quiet day
   ExitCode,     ///< after SIGTERM it ended with another exit code than on a quiet day
   DoesNotEnd,   ///< it did not end after SIGTERM
-  Blind,        ///< a camera is not set up again, or not with all its classes
+  Blind,        ///< a camera is not set up again
+  ClassLost,    ///< a camera is set up again, but not with all its classes
   Blocks,       ///< a callback takes too long
   Storm,        ///< it calls the service far too often
   Memory,       ///< each round leaves memory behind

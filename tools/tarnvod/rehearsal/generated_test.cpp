@@ -4,203 +4,206 @@
 #include "rehearsal/generated_test.h"
 
 #include "base/text.h"
+#include "rehearsal/fault_statements.h"
+#include "rehearsal/generated_test_texts.h"
 #include "rehearsal/rehearsal_report.h"
+#include "rehearsal/resource_growth.h"
 
-#include <algorithm>
+#include <fmt/format.h>
 
 namespace tarn::command {
 namespace {
 
 using vod::schedule::Fault;
-using vod::schedule::Kind;
+using vod::schedule::Step;
 using vod::schedule::Time;
 
-constexpr auto head = R"(#include <gtest/gtest.h>
-#include <tarnvod/video_object_detection.pb.h>
-#include <vod_host.h>
-
-#include <cstdint>
-#include <string>
-#include <vector>
-
-// The application provides these: the first sets its cameras up and returns, the second ends them.
-void startApplication();
-void stopApplication();
-
-namespace host = vod::host;
-
-namespace {
-
-/** A frame in which one object of the first class is seen. */
-[[maybe_unused]] std::string frame(std::uint64_t timestamp, std::uint32_t object) {
-  VOD::Scene scene;
-  scene.set_timestamp(timestamp);
-  scene.add_detections()->set_object_id(object);
-  return scene.SerializeAsString();
+std::string with(std::string text, const std::string& value) {
+  return text.replace(text.find('@'), 1, value);
 }
 
-)";
+/** Names come from the detector and may hold anything. */
+std::string literal(const std::string& text) {
+  std::string result = "\"";
+  for (const char character : text) {
+    const auto byte = static_cast<unsigned char>(character);
+    const bool isPlain = byte >= ' ' && byte < 0x7f && character != '"' && character != '\\' && character != '?';
+    // Three octal digits end an escape sequence, whatever follows.
+    result += isPlain ? std::string(1, character) : fmt::format("\\{:03o}", byte);
+  }
+  return result + '"';
+}
 
-/** "set_receive_empty_hits" as the enumerator "SetReceiveEmptyHits". */
-std::string enumeratorOf(const std::string& function) {
-  std::string name;
-  bool isFirst = true;
-  for (const char character : function) {
-    if (character == '_') {
-      isFirst = true;
+bool showsInAProcess(FindingKind kind) {
+  switch (kind) {
+    case FindingKind::Crash:
+    case FindingKind::DoesNotEnd:
+    case FindingKind::Blind:
+    case FindingKind::ClassLost:
+    case FindingKind::Blocks:
+    case FindingKind::Storm:
+    case FindingKind::Memory:
+    case FindingKind::Threads:
+    case FindingKind::Descriptors:
+      return true;
+    case FindingKind::NeverBegins:
+    case FindingKind::Ends:
+    case FindingKind::ExitCode:
+    case FindingKind::Check:
+    case FindingKind::Missing:
+    case FindingKind::Forbidden:
+      return false;
+  }
+  return false;
+}
+
+/** A test, or its parts, for one failure. */
+class Test {
+ public:
+  Test(const RehearsalSettings& settings, const ApplicationFailure& failure)
+      : settings_(settings),
+        kind_(failure.finding.kind),
+        schedule_(failure.schedule),
+        cameras_(failure.expectation.cameras),
+        statements_(cameras_) {}
+
+  std::string declarations() const { return kind_ == FindingKind::ClassLost ? generated::receivedDeclaration : ""; }
+
+  std::string check() const {
+    switch (kind_) {
+      case FindingKind::ClassLost:
+        return generated::classCheck;
+      case FindingKind::Blocks:
+        return with(generated::blockCheck, std::to_string(settings_.limits.callback.count()));
+      case FindingKind::Storm:
+        return with(generated::stormCheck, std::to_string(settings_.limits.callsPerSecond));
+      case FindingKind::DoesNotEnd:
+        return with(generated::stopCheck, std::to_string(settings_.application.stopLimit.count()));
+      case FindingKind::Memory:
+        return generated::heapCount;
+      case FindingKind::Threads:
+        return with(generated::entryCount, "/proc/self/task");
+      case FindingKind::Descriptors:
+        return with(generated::entryCount, "/proc/self/fd");
+      default:
+        return {};
+    }
+  }
+
+  std::string body() {
+    std::string text = "  host::reset();\n" + each("detectors[@] = readDetector(@);");
+    text += schedule_.rounds == 1 ? oneRound() : manyRounds();
+    return text + (kind_ == FindingKind::DoesNotEnd ? "  expectQuickEnd();\n" : "  stopApplication();\n") +
+           "  EXPECT_EQ(host::liveSubscribers(), 0);\n";
+  }
+
+ private:
+  std::string oneRound() {
+    std::string text;
+    bool isStarted = false;
+    for (const Step& step : stepsOf(schedule_.faults)) {
+      if (!isStarted && !isBeforeStart(step)) {
+        text += started();
+        isStarted = true;
+      }
+      text += taken(step);
+    }
+    return text + (isStarted ? "" : started()) + recovered();
+  }
+
+  std::string manyRounds() {
+    const std::string rounds = std::to_string(schedule_.rounds);
+    const std::string marks = "  host::recordCalls(false);\n  std::vector<std::int64_t> marks;\n";
+    std::string text =
+        started() + (isGrowth(kind_) ? marks : "") + "  for (int round = 1; round <= " + rounds + "; ++round) {\n";
+    Time last{0};
+    for (const Step& step : stepsOf(schedule_.faults)) {
+      text += (isGrowth(kind_) ? passing(step.at - last) : "") + taken(step);
+      last = step.at;
+    }
+    text += recovered() + (isGrowth(kind_) ? "  marks.push_back(held());\n" : "") + "  }\n";
+    return text + (isGrowth(kind_) ? growthCheck() : "");
+  }
+
+  /** What an application does while a fault lasts, such as to try again, is what may leave something behind. */
+  static std::string passing(Time time) {
+    return time == Time(0)
+               ? ""
+               : "  std::this_thread::sleep_for(std::chrono::milliseconds(" + std::to_string(time.count()) + "));\n";
+  }
+
+  /** What is allocated once, and at any time, is allocated in the first rounds. */
+  std::string growthCheck() const {
+    const auto least = kind_ == FindingKind::Memory ? leastMemoryPerRound : 1;
+    const std::string half = std::to_string(schedule_.rounds / 2);
+    return "  EXPECT_LT(marks.back() - marks[marks.size() - 1 - " + half + "], " + half + " * " +
+           std::to_string(least) + ");\n";
+  }
+
+  /** What is wrong from the beginning; unless it keeps this thread, which starts the application, from going on. */
+  bool isBeforeStart(const Step& step) const {
+    const Fault& fault = schedule_.faults[step.fault];
+    return step.at == Time(0) && step.begins && fault.kind != vod::schedule::Kind::Hang;
+  }
+
+  std::string started() const {
+    return "\n  startApplication();\n" + (statements_.serviceAnswers() ? each("waitUntilSetUp(@);") : "");
+  }
+
+  std::string taken(const Step& step) {
+    const Fault& fault = schedule_.faults[step.fault];
+    const std::size_t number = step.fault + 1;
+    return (step.begins ? statements_.begin(fault, number) : statements_.end(fault, number)) +
+           (kind_ == FindingKind::Storm ? "  expectFewCalls();\n" : "");
+  }
+
+  std::string recovered() const {
+    std::string text = "\n  // Every camera is set up again.\n" + each("waitUntilSetUp(@);");
+    if (kind_ == FindingKind::Blocks) {
+      text += each("expectQuickCallback(@, frame(@, 2, newObject()));") + each("expectQuickCallback(@, \"\");");
+    } else if (kind_ == FindingKind::ClassLost) {
+      text += receivedClasses();
     } else {
-      name += isFirst ? static_cast<char>(character - 'a' + 'A') : character;
-      isFirst = false;
+      text += "  host::drain();\n";
     }
+    return text;
   }
-  return name;
-}
 
-/** The beginning or the end of a fault. */
-struct Step {
-  Time at;
-  std::size_t fault;
-  bool begins;
+  std::string receivedClasses() const {
+    std::string text;
+    for (const auto& [camera, classes] : cameras_) {
+      for (const std::string& name : classes) {
+        text += "  expectReceived(" + std::to_string(camera) + ", " + literal(name) + ");\n";
+      }
+    }
+    return text;
+  }
+
+  std::string each(const std::string& statement) const {
+    std::string text;
+    for (const auto& [camera, classes] : cameras_) {
+      text += "  " + withCamera(statement, camera) + "\n";
+    }
+    return text;
+  }
+
+  const RehearsalSettings& settings_;
+  const FindingKind kind_;
+  const vod::schedule::Schedule& schedule_;
+  const CameraClasses& cameras_;
+  FaultStatements statements_;
 };
-
-std::vector<Step> stepsOf(const std::vector<Fault>& faults) {
-  std::vector<Step> steps;
-  for (std::size_t i = 0; i < faults.size(); ++i) {
-    steps.push_back({faults[i].at, i, true});
-    if (formOf(faults[i].kind).hasDuration) {
-      steps.push_back({faults[i].end(), i, false});
-    }
-  }
-  std::stable_sort(steps.begin(), steps.end(), [](const Step& left, const Step& right) { return left.at < right.at; });
-  return steps;
-}
-
-/** One statement for each camera that the fault concerns. */
-std::string forCameras(const Fault& fault, const Expectation& expectation, const std::string& statement) {
-  std::string text;
-  for (const auto& [camera, classes] : expectation.cameras) {
-    if (!fault.camera || *fault.camera == camera) {
-      text += "  host::servedChannel(" + std::to_string(camera - 1) + ")" + statement + ";\n";
-    }
-  }
-  return text;
-}
-
-std::string repeated(int count, const std::string& body) {
-  return "  for (std::uint32_t i = 0; i < " + std::to_string(count) + "; ++i) {\n  " + body + "  }\n";
-}
-
-std::string dropped(const Fault& fault, const Expectation& expectation) {
-  return forCameras(fault, expectation, ".dropSubscriptions()") + "  host::drain();\n";
-}
-
-std::string planned(const Fault& fault, const std::string& number, const std::string& effect) {
-  return "  const int fault" + number + " = host::plan(host::Fault(host::Function::" + enumeratorOf(fault.function) +
-         ").always()." + effect + ");\n";
-}
-
-/** The detector cannot be asked while it restarts. */
-std::string withoutDetector(const std::string& number) {
-  return "  const int fault" + number +
-         " = host::plan(host::Fault(host::Function::GetInformation).always().failsWith(5));\n";
-}
-
-std::string begun(const Fault& fault, const std::string& number, const Expectation& expectation) {
-  const auto each = [&](const std::string& statement) { return forCameras(fault, expectation, statement); };
-  switch (fault.kind) {
-    case Kind::Down:
-      return "  host::takeServiceDown();\n  host::drain();\n";
-    case Kind::Drop:
-      return dropped(fault, expectation);
-    case Kind::Refuse:
-      return planned(fault, number, "failsWith(5)");
-    case Kind::Hang:
-      return "  const host::Gate gate" + number + ";\n" + planned(fault, number, "waitsAt(gate" + number + ")");
-    case Kind::Silence:
-      return "  // No frames arrive.\n";
-    case Kind::Burst:
-      return repeated(fault.count, each(".pushScene(frame(i, 1))"));
-    case Kind::Damage:
-      return each(".pushScene(frame(1, 1).substr(1))") + each(".pushScene(std::string(20, '\\xff'))") +
-             each(".pushScene(\"\")");
-    case Kind::Empty:
-      return each(".pushScene(\"\")");
-    case Kind::Repeat:
-      return repeated(10, each(".pushScene(frame(1, 1))"));
-    case Kind::Jump:
-      return each(".pushScene(frame(1'000'000'000'000, 1))") +
-             each(".pushScene(frame(1'000'000'000'000U + static_cast<std::uint64_t>(INT64_C(" +
-                  std::to_string(fault.jump.count() * 1000) + ")), 1))");
-    case Kind::Lose:
-      return withoutDetector(number) + dropped(fault, expectation);
-    case Kind::Renumber:
-      return repeated(1000, each(".pushScene(frame(i, i))"));
-  }
-  return {};
-}
-
-std::string ended(const Fault& fault, const std::string& number, const Expectation& expectation) {
-  switch (fault.kind) {
-    case Kind::Down:
-      return "  host::bringServiceUp();\n";
-    case Kind::Refuse:
-      return "  host::lift(fault" + number + ");\n";
-    case Kind::Hang:
-      return "  host::lift(fault" + number + ");\n  gate" + number + ".open();\n";
-    case Kind::Lose:
-      return "  host::lift(fault" + number + ");\n" + dropped(fault, expectation);
-    default:
-      return {};
-  }
-}
-
-std::string stepText(const Step& step, const Fault& fault, const Expectation& expectation) {
-  const std::string number = std::to_string(step.fault + 1);
-  return step.begins ? "\n  // " + sentence(fault) + "\n" + begun(fault, number, expectation)
-                     : ended(fault, number, expectation);
-}
-
-/** A thread of the application's may be held up by the fault that sets the cameras up. */
-bool hangsFromTheBeginning(const std::vector<Fault>& faults) {
-  return std::any_of(faults.begin(), faults.end(),
-                     [](const Fault& fault) { return fault.kind == Kind::Hang && fault.at == Time(0); });
-}
-
-std::string body(const std::vector<Fault>& faults, const Expectation& expectation) {
-  std::string text;
-  bool isStarted = false;
-  for (const Step& step : stepsOf(faults)) {
-    const bool isBefore = step.at == Time(0) && step.begins && !hangsFromTheBeginning(faults);
-    if (!isStarted && !isBefore) {
-      text += "  startApplication();\n";
-      isStarted = true;
-    }
-    text += stepText(step, faults[step.fault], expectation);
-  }
-  return text + (isStarted ? "" : "  startApplication();\n");
-}
 
 }  // namespace
 
-std::string generatedTest(const RehearsalSettings& settings, const ApplicationFailure& failure) {
-  const Expectation& expectation = failure.expectation;
-  std::string text = "// Made by `tarnvod rehearse`. " + printable(sentenceOf(failure)) + "\n";
-  text += head;
-  for (const auto& [camera, classes] : expectation.cameras) {
-    const std::string channel = std::to_string(camera - 1);
-    text += "bool isSetUp" + std::to_string(camera) +
-            "(const std::vector<host::Call>& /*calls*/) {\n  return !host::servedChannel(" + channel +
-            ").subscriptions().empty();\n}\n\n";
+std::optional<std::string> generatedTest(const RehearsalSettings& settings, const ApplicationFailure& failure) {
+  if (!showsInAProcess(failure.finding.kind)) {
+    return std::nullopt;
   }
-  text += "}  // namespace\n\nTEST(Rehearsal, Seed" + std::to_string(settings.seed) + "Day" +
-          std::to_string(failure.day) + ") {\n  host::reset();\n";
-  text += body(failure.schedule.faults, expectation);
-  text += "\n  // Every camera is set up again; this throws if one is not within half a minute.\n";
-  for (const auto& [camera, classes] : expectation.cameras) {
-    text += "  host::waitForCalls(isSetUp" + std::to_string(camera) + ");\n";
-  }
-  text += "  stopApplication();\n  EXPECT_EQ(host::liveSubscribers(), 0);\n}\n";
-  return text;
+  Test test(settings, failure);
+  return "// Made by `tarnvod rehearse`. " + printable(sentenceOf(failure)) + "\n" + generated::includes +
+         test.declarations() + generated::helpers + test.check() + "}  // namespace\n\nTEST(Rehearsal, Seed" +
+         std::to_string(settings.seed) + "Day" + std::to_string(failure.day) + ") {\n" + test.body() + "}\n";
 }
 
 }  // namespace tarn::command

@@ -11,6 +11,7 @@
 #include "rehearsal/shrinking.h"
 
 #include <algorithm>
+#include <array>
 #include <exception>
 #include <map>
 #include <thread>
@@ -22,8 +23,9 @@ namespace {
 using vod::schedule::Fault;
 using vod::schedule::Schedule;
 
-/** How much slower a run is that confirms a finding. */
-constexpr double confirmationSlowdown = 3;
+/** How much slower the runs are that confirm a finding, and the one that confirms it while its day is shrunk. */
+constexpr std::array confirmationSlowdowns = {3.0, 10.0};
+constexpr double shrinkingSlowdown = 3;
 constexpr int mostShrinkingRuns = 60;
 
 struct Day {
@@ -132,24 +134,24 @@ class Rehearsal {
   }
 
   /** What grows from round to round does not depend on the machine's speed, but may have been a coincidence. */
-  double confirmationSpeed(FindingKind kind) const {
+  double confirmationSpeed(FindingKind kind, double slowdown) const {
     const double speed = settings_.application.speed;
-    return isGrowth(kind) ? speed : std::max(1.0, speed / confirmationSlowdown);
+    return isGrowth(kind) ? speed : std::max(1.0, speed / slowdown);
   }
 
-  /** Without what a slower run does not show. */
+  /** Without what slower runs do not show. */
   Judgement confirmed(Judgement judgement, const Schedule& schedule) {
     auto& findings = judgement.findings;
-    std::map<double, Judgement> second;  // by speed
+    std::map<double, Judgement> others;  // by speed
     const auto end = std::remove_if(findings.begin(), findings.end(), [&](const Finding& finding) {
-      if (!needsConfirmation(finding.kind)) {
-        return false;
-      }
-      const double speed = confirmationSpeed(finding.kind);
-      if (second.count(speed) == 0) {
-        second[speed] = tryOut(schedule, speed);
-      }
-      return !has(second[speed], finding.kind);
+      return needsConfirmation(finding.kind) &&
+             std::any_of(confirmationSlowdowns.begin(), confirmationSlowdowns.end(), [&](double slowdown) {
+               const double speed = confirmationSpeed(finding.kind, slowdown);
+               if (others.count(speed) == 0) {
+                 others[speed] = tryOut(schedule, speed);
+               }
+               return !has(others[speed], finding.kind);
+             });
     });
     const Lock lock(mutex_);
     result_.unconfirmed += static_cast<std::uint64_t>(findings.end() - end);
@@ -214,7 +216,7 @@ class Rehearsal {
 
   bool fails(const Schedule& schedule, FindingKind kind) const {
     return has(tryOut(schedule, settings_.application.speed), kind) &&
-           (!needsConfirmation(kind) || has(tryOut(schedule, confirmationSpeed(kind)), kind));
+           (!needsConfirmation(kind) || has(tryOut(schedule, confirmationSpeed(kind, shrinkingSlowdown)), kind));
   }
 
   const RehearsalSettings& settings_;

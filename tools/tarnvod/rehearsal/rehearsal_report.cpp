@@ -192,8 +192,10 @@ std::vector<std::string> writeFailures(const std::string& folder, const Rehearsa
     const std::string comment = "# " + sentenceOf(failure) + '\n';
     names.push_back(base.string() + ".schedule");
     writeFile(names.back(), comment + toText(failure.schedule));
-    names.push_back(base.string() + "_test.cpp");
-    writeFile(names.back(), generatedTest(settings, failure));
+    if (const auto test = generatedTest(settings, failure)) {
+      names.push_back(base.string() + "_test.cpp");
+      writeFile(names.back(), *test);
+    }
   }
   return names;
 }

@@ -22,7 +22,11 @@ std::string sentenceOf(const ApplicationFailure& failure);
 /** The command that runs the day again. */
 std::string replayCommand(const RehearsalSettings& settings, const ApplicationFailure& failure);
 
-/** Writes, for each failure, a schedule that replays it and a test against `<vod_host.h>`. @return their names */
+/**
+ * Writes, for each failure, a schedule that replays it and, where a test can show it, one against `<vod_host.h>`.
+ *
+ * @return their names
+ */
 std::vector<std::string> writeFailures(const std::string& folder, const RehearsalSettings& settings,
                                        const RehearsalResult& result);
 

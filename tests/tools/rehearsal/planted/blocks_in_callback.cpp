@@ -5,15 +5,25 @@
 
 #include "planted.h"
 
+#include <tarnvod/tarnvod.h>
+
 #include <chrono>
+#include <optional>
+#include <set>
 #include <thread>
 
-int main() {
-  const planted::StopSignal stop;
-  const tarn::VOD::Camera camera(1, {"human"}, [](auto frame) {
+namespace {
+std::optional<tarn::VOD::Camera> camera;
+}
+
+void startApplication() {
+  camera.emplace(1, std::set<std::string>{"human"}, [](auto frame) {
     if (frame->detections.empty()) {
       std::this_thread::sleep_for(std::chrono::seconds(5));
     }
   });
-  stop.wait();
+}
+
+void stopApplication() {
+  camera.reset();
 }

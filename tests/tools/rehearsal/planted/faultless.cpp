@@ -5,8 +5,19 @@
 
 #include "planted.h"
 
-int main() {
-  const planted::StopSignal stop;
-  const tarn::VOD::Camera camera(1, {"human"}, [](auto) {});
-  stop.wait();
+#include <tarnvod/tarnvod.h>
+
+#include <optional>
+#include <set>
+
+namespace {
+std::optional<tarn::VOD::Camera> camera;
+}
+
+void startApplication() {
+  camera.emplace(1, std::set<std::string>{"human"}, [](auto) {});
+}
+
+void stopApplication() {
+  camera.reset();
 }

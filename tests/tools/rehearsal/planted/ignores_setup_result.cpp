@@ -5,11 +5,14 @@
 
 #include "planted.h"
 
+#include <tarnvod/tarnvod.h>
+
 using tarn::VOD::Handler;
 
-int main() {
-  const planted::StopSignal stop;
+void startApplication() {
   Handler::setup(1, [](auto, int) {}, {"human"});
-  stop.wait();
+}
+
+void stopApplication() {
   Handler::teardown(1);
 }

@@ -5,17 +5,27 @@
 
 #include "planted.h"
 
+#include <tarnvod/tarnvod.h>
+
+#include <optional>
+#include <set>
 #include <string>
 
-int main() {
-  const planted::StopSignal stop;
-  const tarn::VOD::Camera camera(
-      1, {"human"}, [](auto) {},
+namespace {
+std::optional<tarn::VOD::Camera> camera;
+}
+
+void startApplication() {
+  camera.emplace(
+      1, std::set<std::string>{"human"}, [](auto) {},
       [](const tarn::VOD::CameraStatus& status) {
         if (status.state == tarn::VOD::CameraState::Waiting) {
           auto* const report = new std::string(4096, ' ');
           report->append("the service does not answer");
         }
       });
-  stop.wait();
+}
+
+void stopApplication() {
+  camera.reset();
 }

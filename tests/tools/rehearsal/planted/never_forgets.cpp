@@ -5,17 +5,27 @@
 
 #include "planted.h"
 
+#include <tarnvod/tarnvod.h>
+
 #include <cstdint>
 #include <map>
+#include <optional>
+#include <set>
 #include <string>
 
-int main() {
-  const planted::StopSignal stop;
-  std::map<std::uint32_t, std::string> objects;
-  const tarn::VOD::Camera camera(1, {"human"}, [&objects](auto frame) {
+namespace {
+std::map<std::uint32_t, std::string> objects;
+std::optional<tarn::VOD::Camera> camera;
+}  // namespace
+
+void startApplication() {
+  camera.emplace(1, std::set<std::string>{"human"}, [](auto frame) {
     for (const tarn::VOD::Data& detection : frame->detections) {
       objects.emplace(detection.objectId, std::string(200, ' '));
     }
   });
-  stop.wait();
+}
+
+void stopApplication() {
+  camera.reset();
 }

@@ -5,12 +5,15 @@
 
 #include "planted.h"
 
+#include <tarnvod/tarnvod.h>
+
 using tarn::VOD::Handler;
 
-int main() {
-  const planted::StopSignal stop;
+void startApplication() {
   Handler::initialize(1);
   Handler::setup(1, [](auto, int) {}, {"human"});
-  stop.wait();
+}
+
+void stopApplication() {
   Handler::teardown(1);
 }

@@ -4,30 +4,16 @@
 #ifndef TARNVOD_TESTS_REHEARSAL_PLANTED_H
 #define TARNVOD_TESTS_REHEARSAL_PLANTED_H
 
-#include <tarnvod/tarnvod.h>
+/**
+ * @file
+ * Applications with one mistake each, which a rehearsal has to find. Each of them defines these two functions, as the
+ * tests that a rehearsal writes expect them.
+ */
 
-#include <csignal>
+/** Sets the application's cameras up, and returns. */
+void startApplication();
 
-/** Applications with one mistake each, which a rehearsal has to find. */
-namespace planted {
-
-/** Receives SIGTERM instead of all other threads; made before them. */
-class StopSignal {
- public:
-  StopSignal() {
-    sigemptyset(&signals_);
-    sigaddset(&signals_, SIGTERM);
-    pthread_sigmask(SIG_BLOCK, &signals_, nullptr);
-  }
-  void wait() const {
-    int received = 0;
-    sigwait(&signals_, &received);
-  }
-
- private:
-  sigset_t signals_{};
-};
-
-}  // namespace planted
+/** Ends them. */
+void stopApplication();
 
 #endif
