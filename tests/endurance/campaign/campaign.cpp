@@ -12,8 +12,12 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
+#include <fstream>
 #include <iostream>
+#include <memory>
 #include <random>
+#include <stdexcept>
+#include <string>
 
 namespace {
 
@@ -24,6 +28,7 @@ struct Options {
   int losses = 10'000;
   double minutes = 0;
   int steps = 1500;
+  std::string schedule;
 };
 
 struct Result {
@@ -42,6 +47,7 @@ Options parse(int argc, char** argv) {
       ->check(CLI::PositiveNumber);
   app.add_option("--minutes", options.minutes, "Goes on for at least this long")->check(CLI::NonNegativeNumber);
   app.add_option("--steps", options.steps, "Steps in each world")->check(CLI::PositiveNumber);
+  app.add_option("--schedule", options.schedule, "Writes the faults of the last world to this file, as a schedule");
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
@@ -50,12 +56,29 @@ Options parse(int argc, char** argv) {
   return options;
 }
 
+void writeFaults(const Options& options, const World& world) {
+  if (!options.schedule.empty()) {
+    std::ofstream file(options.schedule);
+    file << toText(world.faults()) << std::flush;
+    if (!file) {
+      throw std::runtime_error(options.schedule + ": cannot be written");
+    }
+  }
+}
+
 void runWorld(const Options& options, const Choose& choose, Result& result) {
   World world(anySettings(choose));
-  for (int i = 0; i < options.steps; ++i) {
-    world.step(choose);
+  try {
+    for (int i = 0; i < options.steps; ++i) {
+      world.step(choose);
+    }
+    world.end(choose);
+  } catch (const Disagreement&) {
+    std::cout << "the faults of this world, as a schedule with a second for each step:\n" << toText(world.faults());
+    writeFaults(options, world);
+    throw;
   }
-  world.end(choose);
+  writeFaults(options, world);
   result.losses.happened += world.losses().happened;
   result.losses.dropped += world.losses().dropped;
   result.losses.recovered += world.losses().recovered;

@@ -34,16 +34,12 @@ constexpr const char* noSubscriber = "Failed to create subscription to vod.";
 
 // ---- The service ----
 
-void RegistryModel::planFault(Function function, int call, bool serviceReturns) {
-  faults_.push_back({function, call, serviceReturns});
-}
-
 bool RegistryModel::call(Function function, const std::string& arguments) {
   calls_.push_back(std::string(vod::host::name(function)) + '(' + arguments + ')');
   bool succeeds = true;
   for (PlannedFault& fault : faults_) {
     if (fault.function == function && --fault.callsLeft == 0) {
-      succeeds = false;
+      succeeds = succeeds && !fault.fails;
       serviceIsDown_ = serviceIsDown_ && !fault.serviceReturns;
     }
   }

@@ -58,8 +58,10 @@ class RegistryModel {
 
   void setDetector(int camera, std::string bytes) { detectors_[camera] = std::move(bytes); }
   const std::string& detector(int camera) const { return detectors_.at(camera); }
-  /** The call with this number, counted from now on, fails; with `serviceReturns` the service comes back meanwhile. */
-  void planFault(vod::host::Function function, int call, bool serviceReturns);
+  /** The call with this number, counted from now on, fails. */
+  void planFault(vod::host::Function function, int call) { faults_.push_back({function, call, true, false}); }
+  /** The service comes back while the call with this number runs. */
+  void serviceReturnsWith(vod::host::Function function, int call) { faults_.push_back({function, call, false, true}); }
   void liftFaults() { faults_.clear(); }
   bool isServiceDown() const { return serviceIsDown_; }
   void bringServiceUp() { serviceIsDown_ = false; }
@@ -93,6 +95,7 @@ class RegistryModel {
   struct PlannedFault {
     vod::host::Function function;
     int callsLeft;
+    bool fails;
     bool serviceReturns;
   };
 

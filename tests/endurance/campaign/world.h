@@ -9,7 +9,10 @@
 #include "endurance/campaign/test_data.h"
 #include "support/retry_sleep.h"
 
+#include <schedule/schedule.h>
+
 #include <functional>
+#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -56,6 +59,11 @@ class World {
 
   const Losses& losses() const { return model_.losses(); }
   int frames() const { return frames_; }
+  /**
+   * What has gone wrong with the service so far, with a second for each step: as the day of an application, which the
+   * host platform and `tarnvod rehearse` execute.
+   */
+  vod::schedule::Schedule faults() const;
 
  private:
   using Action = std::function<void()>;
@@ -69,10 +77,19 @@ class World {
   void askForClasses();
   void askTheService(const Choose& choose);
   void retry();
-  void drop(int camera);
-  void toggleService();
   void changeDetector(const Choose& choose);
-  void planFault(const Choose& choose);
+
+  // What goes wrong is drawn as a fault of a schedule, which then happens to the library and to the model.
+  void drop(const Choose& choose);
+  void toggleService();
+  void refuseACall(const Choose& choose);
+  void happen(const vod::schedule::Fault& fault);
+  vod::schedule::Fault faultNow(vod::schedule::Kind kind) const;
+  /** Calls of the function take long. */
+  vod::schedule::Fault hanging(vod::host::Function function) const;
+  /** The present outage ends with the present step, if it has ended. */
+  void noteEndOfOutage();
+
   void sendScene(const Choose& choose);
   void sendOddScene(const Choose& choose);
   void sendSceneThatActs(const Choose& choose);
@@ -99,6 +116,9 @@ class World {
   Arrivals arrivals_;
   RegistryModel model_;
   std::vector<ExpectedFrame> expected_;
+  std::vector<vod::schedule::Fault> faults_;
+  std::optional<std::size_t> outage_;  ///< the one of the faults that has not ended
+  int steps_ = 0;
   std::vector<std::string> done_;  ///< the steps so far, for whoever looks into a disagreement
   std::string disagreement_;
   bool callsAreOrdered_ = true;

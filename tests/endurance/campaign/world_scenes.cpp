@@ -14,6 +14,8 @@ namespace tarn::test {
 
 namespace host = vod::host;
 using host::Function;
+using vod::schedule::Fault;
+using vod::schedule::Kind;
 
 void World::sendScene(const Choose& choose) {
   const int camera = anyChannel(choose);
@@ -31,7 +33,9 @@ void World::sendScene(const Choose& choose) {
 void World::sendOddScene(const Choose& choose) {
   const int camera = anyChannel(choose);
   const std::string scene = anyScene(choose);
-  done_.back() += " to camera " + std::to_string(camera);
+  Fault damage = faultNow(Kind::Damage);
+  damage.camera = camera;
+  happen(damage);
   switch (choose(4)) {
     case 0:  // no buffer: nothing arrives
       host::channel(camera - 1).pushNullScene(static_cast<std::int32_t>(choose(3)));
@@ -124,6 +128,12 @@ void World::sendSceneThatTakesLong(const Choose& choose) {
   host::drain();
 }
 
+Fault World::hanging(Function function) const {
+  Fault fault = faultNow(Kind::Hang);
+  fault.function = host::name(function);
+  return fault;
+}
+
 void World::sendSceneBesideSlowCall(const Choose& choose) {
   liftFaults();  // so that the slow call is the one that is meant
   const int camera = anyChannel(choose);
@@ -139,13 +149,14 @@ void World::sendSceneBesideSlowSetup(const Choose& choose, int camera) {
   const bool isUpdate = model_.active().count(camera) != 0;
   const Function slow = isUpdate ? Function::GetInformation : Function::Create;
   const host::Gate gate;
-  host::Fault fault(slow);
-  fault.waitsAt(gate);
+  happen(hanging(slow));
+  host::plan(host::Fault(slow).waitsAt(gate));
   if (choose(3) == 0) {
-    fault.failsWith(5);  // any code but 0
-    model_.planFault(slow, 1, false);
+    Fault refusal = faultNow(Kind::Refuse);
+    refusal.function = host::name(slow);
+    refusal.count = 1;
+    happen(refusal);
   }
-  host::plan(fault);
 
   const int receiver = anyChannel(choose);
   const bool isReceived = model_.active().count(receiver) != 0;
@@ -164,6 +175,7 @@ void World::sendSceneBesideSlowSetup(const Choose& choose, int camera) {
 
 void World::sendSceneBesideSlowTeardown(const Choose& choose, int camera) {
   const host::Gate gate;
+  happen(hanging(Function::Unsubscribe));
   host::plan(host::Fault(Function::Unsubscribe).waitsAt(gate));
   std::thread thread([&] { teardown(camera); });
   gate.waitUntilReached();

@@ -18,8 +18,6 @@ using VOD::Handler;
 
 namespace {
 
-constexpr int failure = 5;  // any code but 0
-
 const std::array<VOD::VodChannelConfiguration, 3> regions = {
     {{0.0F, 0.0F, 1.0F, 1.0F}, {0.25F, 0.25F, 0.75F, 0.75F}, {0.1F, 0.2F, 0.9F, 0.8F}}};
 
@@ -51,7 +49,7 @@ void World::step(const Choose& choose) {
   static const std::array<Kind, 14> kinds = {{
       {6, "set up", [](World& w, const Choose& c) { w.setup(c, w.anyCamera(c)); }},
       {2, "tear down", [](World& w, const Choose& c) { w.teardown(w.anyCamera(c)); }},
-      {9, "drop", [](World& w, const Choose& c) { w.drop(w.anyChannel(c)); }},
+      {9, "drop", [](World& w, const Choose& c) { w.drop(c); }},
       {9, "retry", [](World& w, const Choose&) { w.retry(); }},
       {8, "send a scene", [](World& w, const Choose& c) { w.sendScene(c); }},
       {2, "send odd bytes", [](World& w, const Choose& c) { w.sendOddScene(c); }},
@@ -61,7 +59,7 @@ void World::step(const Choose& choose) {
       {2, "send a scene during a slow call", [](World& w, const Choose& c) { w.sendSceneBesideSlowCall(c); }},
       {3, "ask", [](World& w, const Choose& c) { w.ask(c); }},
       {2, "change a detector", [](World& w, const Choose& c) { w.changeDetector(c); }},
-      {5, "plan a fault", [](World& w, const Choose& c) { w.planFault(c); }},
+      {5, "plan a fault", [](World& w, const Choose& c) { w.refuseACall(c); }},
       {3, "take the service down or up", [](World& w, const Choose&) { w.toggleService(); }},
   }};
   constexpr std::uint32_t weights = 57;
@@ -74,11 +72,13 @@ void World::step(const Choose& choose) {
   if (model_.isServiceDown() && choose(3) == 0) {
     kind = &kinds.back();  // so that outages are short and cameras come back
   }
+  ++steps_;
   done_.emplace_back(kind->name);
   kind->happen(*this, choose);
   if (kind->name != std::string("plan a fault")) {
     liftFaults();  // a fault meets the next step only
   }
+  noteEndOfOutage();
   check();
 }
 
@@ -116,45 +116,11 @@ void World::retry() {
   sleep_.waitUntilAsleep();
 }
 
-void World::drop(int camera) {
-  done_.back() += ": drop camera " + std::to_string(camera);
-  model_.dropSubscription(camera);
-  host::channel(camera - 1).dropSubscriptions();
-  host::drain();
-}
-
-void World::toggleService() {
-  if (model_.isServiceDown()) {
-    model_.bringServiceUp();
-    host::bringServiceUp();
-    return;
-  }
-  callsAreOrdered_ = false;  // the cameras' threads run side by side
-  model_.takeServiceDown();
-  host::takeServiceDown();
-  host::drain();
-}
-
 void World::changeDetector(const Choose& choose) {
   const int camera = anyChannel(choose);
   const std::string detector = anyDetector(choose, camera);
   model_.setDetector(camera, detector);
   host::channel(camera - 1).detectorInformation(detector);
-}
-
-void World::planFault(const Choose& choose) {
-  const Function function = host::everyFunction[choose(host::everyFunction.size())];
-  const int call = 1 + static_cast<int>(choose(3));
-  const bool serviceReturns = choose(6) == 0;
-  done_.back() += std::string(": call ") + std::to_string(call) + " of " + host::name(function) +
-                  (serviceReturns ? ", the service returns" : "");
-  host::Fault fault(function);
-  fault.onCall(call).failsWith(function == Function::ServiceIsEnabled ? 0 : failure);
-  if (serviceReturns) {
-    fault.bringsServiceUp();
-  }
-  host::plan(fault);
-  model_.planFault(function, call, serviceReturns);
 }
 
 }  // namespace tarn::test
