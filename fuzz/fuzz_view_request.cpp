@@ -10,7 +10,8 @@
 
 #include "base/errors.h"
 #include "fuzz_input.h"
-#include "viewer/view_site.h"
+#include "http/http_site.h"
+#include "viewer/viewer_page.h"
 
 #include <strings.h>
 
@@ -25,16 +26,17 @@ namespace {
 
 using command::HttpAnswer;
 using command::HttpRequest;
+using command::HttpSite;
 using command::SharedText;
-using command::ViewSite;
 
 constexpr const char* host = "127.0.0.1:8090";
 
-const ViewSite& site() {
-  static const ViewSite instance = [] {
-    ViewSite made("127.0.0.1", 8090);
+const HttpSite& site() {
+  static const HttpSite instance = [] {
+    HttpSite made("127.0.0.1", 8090);
+    addPage(made);
     made.add("/setup.json", std::make_shared<const std::string>("{}"));
-    made.add("/made.json", [](const ViewSite::Parameters& parameters) -> SharedText {
+    made.add("/made.json", [](const HttpSite::Parameters& parameters) -> SharedText {
       if (parameters.count("n") == 0) {
         throw command::UsageError("n must be a number");
       }

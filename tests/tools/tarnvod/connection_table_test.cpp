@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "viewer/connection_table.h"
+#include "http/connection_table.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

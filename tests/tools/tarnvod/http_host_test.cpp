@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "viewer/http_host.h"
+#include "http/http_host.h"
 
 #include <gtest/gtest.h>
 

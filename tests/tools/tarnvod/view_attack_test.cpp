@@ -44,7 +44,7 @@ TEST_F(AViewerUnderAttack, SendsNoByteBeyondAnAnswerForARange) {
     for (const char* range : {"bytes=120-2120", "bytes=0-", "bytes=-1000", "bytes=0-0,1-99999", "nonsense"}) {
       const test::Answer answer = viewer.get(path, {{"Range", range}});
       EXPECT_EQ(answer.status, 416) << path << ' ' << range;
-      EXPECT_EQ(answer.body, "This viewer sends no ranges.\n");
+      EXPECT_EQ(answer.body, "This server sends no ranges.\n");
     }
   }
 }

@@ -8,6 +8,7 @@
 #include "cameras/camera_options.h"
 #include "cameras/service.h"
 #include "commands/subcommands.h"
+#include "http/http_server.h"
 #include "recordings/recorded_frames.h"
 #include "recordings/recording_background.h"
 #include "records/box.h"
@@ -15,7 +16,7 @@
 #include "viewer/kept_frames.h"
 #include "viewer/live_view.h"
 #include "viewer/page_setup.h"
-#include "viewer/view_server.h"
+#include "viewer/viewer_page.h"
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
@@ -64,8 +65,9 @@ std::string pathOfBackground(int camera) {
   return "/background-" + std::to_string(camera);
 }
 
-void addSetup(ViewSite& site, const ViewOptions& options, const std::set<int>& cameras,
+void addSetup(HttpSite& site, const ViewOptions& options, const std::set<int>& cameras,
               const Backgrounds& backgrounds) {
+  addPage(site);
   PageSetup setup{options.recordings.empty(), cameras, options.boxes.convention(), options.aspect, {}};
   for (const auto& [camera, background] : backgrounds) {
     setup.backgrounds[camera] = pathOfBackground(camera);
@@ -74,7 +76,7 @@ void addSetup(ViewSite& site, const ViewOptions& options, const std::set<int>& c
   site.add("/setup.json", shared(setupJson(setup)));
 }
 
-std::uint64_t numberIn(const ViewSite::Parameters& parameters, const std::string& name) {
+std::uint64_t numberIn(const HttpSite::Parameters& parameters, const std::string& name) {
   const auto found = parameters.find(name);
   std::uint64_t number = 0;
   if (found != parameters.end()) {
@@ -88,7 +90,7 @@ std::uint64_t numberIn(const ViewSite::Parameters& parameters, const std::string
 }
 
 /** Prints the page's address; scripts read this line. */
-void begin(ViewServer& server) {
+void begin(HttpServer& server) {
   server.start();
   standardOutput().write(server.site().url() + '\n');
 }
@@ -98,10 +100,10 @@ int viewCameras(const ViewOptions& options) {
   const Backgrounds backgrounds = readBackgrounds(options.backgrounds, cameras);
   EventHub hub;
   KeptFrames kept;
-  ViewServer server(options.address, options.port);
+  HttpServer server(options.address, options.port);
   addSetup(server.site(), options, cameras, backgrounds);
   server.stream(hub);
-  server.site().add("/past.json", [&kept](const ViewSite::Parameters& parameters) {
+  server.site().add("/past.json", [&kept](const HttpSite::Parameters& parameters) {
     return shared(kept.since(static_cast<std::int64_t>(std::min(numberIn(parameters, "from"), latestTime))));
   });
   LiveView view(options.cameras, hub, kept);
@@ -127,7 +129,7 @@ Backgrounds backgroundsOf(const ViewOptions& options) {
 
 /** The recording that a request names by its number; the first, when it names none. */
 const RecordedFrames& recordingOf(const std::vector<std::unique_ptr<RecordedFrames>>& recordings,
-                                  const ViewSite::Parameters& parameters) {
+                                  const HttpSite::Parameters& parameters) {
   constexpr const char* name = "recording";
   const std::uint64_t number = parameters.count(name) == 0 ? 1 : numberIn(parameters, name);
   if (number < 1 || number > recordings.size()) {
@@ -142,12 +144,12 @@ int viewRecordings(const ViewOptions& options) {
     recordings.push_back(std::make_unique<RecordedFrames>(folder));
   }
   const Backgrounds backgrounds = backgroundsOf(options);
-  ViewServer server(options.address, options.port);
+  HttpServer server(options.address, options.port);
   addSetup(server.site(), options, numbersOf(options.recordings.size()), backgrounds);
   for (std::size_t place = 0; place < recordings.size(); ++place) {
     server.site().add(pathOfOverview(static_cast<int>(place) + 1), shared(oneLine(recordings[place]->overview())));
   }
-  server.site().add("/frames.json", [&recordings](const ViewSite::Parameters& parameters) {
+  server.site().add("/frames.json", [&recordings](const HttpSite::Parameters& parameters) {
     const RecordedFrames& recording = recordingOf(recordings, parameters);
     return shared(recording.frames(numberIn(parameters, "first"), numberIn(parameters, "count")).json);
   });

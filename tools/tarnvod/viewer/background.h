@@ -4,7 +4,7 @@
 #ifndef TARNVOD_COMMAND_BACKGROUND_H
 #define TARNVOD_COMMAND_BACKGROUND_H
 
-#include "viewer/http_message.h"
+#include "http/http_message.h"
 
 #include <filesystem>
 #include <map>

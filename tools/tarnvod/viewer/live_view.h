@@ -5,7 +5,7 @@
 #define TARNVOD_COMMAND_LIVE_VIEW_H
 
 #include "cameras/camera_group.h"
-#include "viewer/event_hub.h"
+#include "http/event_hub.h"
 #include "viewer/kept_frames.h"
 #include "viewer/live_history.h"
 

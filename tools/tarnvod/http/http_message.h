@@ -31,7 +31,7 @@ struct HttpAnswer {
   SharedText body;
   /** Whether the body was made for this request only, so that its memory counts for each answer. */
   bool isMadeForRequest = false;
-  /** Whether the viewer's events follow instead of a body. */
+  /** Whether events follow instead of a body. */
   bool isEventStream = false;
 };
 

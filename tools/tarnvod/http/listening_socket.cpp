@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "viewer/listening_socket.h"
+#include "http/listening_socket.h"
 
 #include "base/errors.h"
-#include "viewer/http_host.h"
+#include "http/http_host.h"
 
 #include <netdb.h>
 #include <netinet/in.h>

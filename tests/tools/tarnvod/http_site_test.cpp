@@ -1,9 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "viewer/view_site.h"
+#include "http/http_site.h"
 
 #include "base/errors.h"
+#include "viewer/viewer_page.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -15,9 +16,9 @@
 using tarn::command::Failure;
 using tarn::command::HttpAnswer;
 using tarn::command::HttpRequest;
+using tarn::command::HttpSite;
 using tarn::command::SharedText;
 using tarn::command::UsageError;
-using tarn::command::ViewSite;
 using testing::HasSubstr;
 
 namespace {
@@ -30,8 +31,9 @@ HttpRequest requestFor(const std::string& path) {
 class ASite : public testing::Test {
  protected:
   ASite() {
+    addPage(site);
     site.add("/setup.json", std::make_shared<const std::string>("{}"));
-    site.add("/made.json", [](const ViewSite::Parameters& parameters) {
+    site.add("/made.json", [](const HttpSite::Parameters& parameters) {
       if (parameters.count("n") == 0) {
         throw UsageError("n must be a number");
       }
@@ -44,7 +46,7 @@ class ASite : public testing::Test {
 
   int statusOf(const HttpRequest& request) const { return site.answerTo(request).status; }
 
-  ViewSite site{"127.0.0.1", 8090};
+  HttpSite site{"127.0.0.1", 8090};
 };
 
 TEST_F(ASite, AnswersThePageWithItsOwnFiles) {

@@ -1,11 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "viewer/view_site.h"
+#include "http/http_site.h"
 
 #include "base/errors.h"
-#include "viewer/http_host.h"
-#include "viewer/page_files.h"
+#include "http/http_host.h"
 
 #include <strings.h>
 
@@ -55,56 +54,51 @@ bool isFromAnotherSite(const HttpRequest& request) {
 
 }  // namespace
 
-ViewSite::ViewSite(std::string address, int port)
-    : address_(std::move(address)), port_(port), url_("http://" + hostAndPort(address_, port_) + '/') {
-  for (const PageFile& file : pageFiles()) {
-    const HttpAnswer answer{200, std::string(file.type), std::make_shared<const std::string>(file.text)};
-    responds_[std::string(file.path)] = [answer](const Parameters&) { return answer; };
-  }
-}
+HttpSite::HttpSite(std::string address, int port)
+    : address_(std::move(address)), port_(port), url_("http://" + hostAndPort(address_, port_) + '/') {}
 
-void ViewSite::add(const std::string& path, SharedText text) {
+void HttpSite::add(const std::string& path, SharedText text) {
   add(path, json, std::move(text));
 }
 
-void ViewSite::add(const std::string& path, const std::string& type, SharedText file) {
+void HttpSite::add(const std::string& path, const std::string& type, SharedText file) {
   const HttpAnswer answer{200, type, std::move(file)};
   responds_[path] = [answer](const Parameters&) { return answer; };
 }
 
-void ViewSite::add(const std::string& path, Content content) {
+void HttpSite::add(const std::string& path, Content content) {
   responds_[path] = [content = std::move(content)](const Parameters& parameters) {
     return HttpAnswer{200, json, content(parameters), true};
   };
 }
 
-void ViewSite::addEvents(const std::string& path) {
+void HttpSite::addEvents(const std::string& path) {
   responds_[path] = [](const Parameters&) {
     return HttpAnswer{200, "text/event-stream", std::make_shared<const std::string>(), false, true};
   };
 }
 
-HttpAnswer ViewSite::answerTo(const HttpRequest& request) const {
+HttpAnswer HttpSite::answerTo(const HttpRequest& request) const {
   const auto host = onlyHeader(request, "Host");
   if (!host || !isHostOf(*host, address_, port_) || isFromAnotherSite(request)) {
-    return refusal(403, "This viewer is at " + url_ + " and answers no requests for other hosts.");
+    return refusal(403, "This server is at " + url_ + " and answers no requests for other hosts.");
   }
   if (request.version != "HTTP/1.1") {
-    return refusal(505, "This viewer answers HTTP/1.1 only.");
+    return refusal(505, "This server answers HTTP/1.1 only.");
   }
   if (request.method != "GET") {
-    return refusal(405, "This viewer answers the method GET only.");
+    return refusal(405, "This server answers the method GET only.");
   }
   if (hasBody(request)) {
-    return refusal(413, "This viewer accepts no request bodies.");
+    return refusal(413, "This server accepts no request bodies.");
   }
   if (hasHeader(request, "Range")) {
-    return refusal(416, "This viewer sends no ranges.");
+    return refusal(416, "This server sends no ranges.");
   }
   return answerAt(request);
 }
 
-HttpAnswer ViewSite::answerAt(const HttpRequest& request) const {
+HttpAnswer HttpSite::answerAt(const HttpRequest& request) const {
   const auto found = responds_.find(request.path);
   if (found == responds_.end()) {
     return refusal(404, "There is nothing at this path.");

@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#ifndef TARNVOD_COMMAND_VIEW_SITE_H
-#define TARNVOD_COMMAND_VIEW_SITE_H
+#ifndef TARNVOD_COMMAND_HTTP_SITE_H
+#define TARNVOD_COMMAND_HTTP_SITE_H
 
-#include "viewer/http_message.h"
+#include "http/http_message.h"
 
 #include <functional>
 #include <map>
@@ -13,19 +13,19 @@
 namespace tarn::command {
 
 /**
- * Which request gets which answer: the page's files, and what the subcommand adds.
+ * Which request gets which answer.
  *
- * Only what the page itself uses is answered: GET over HTTP/1.1 without ranges and bodies, addressed to this server by
- * a host name or address of its own, and not sent by a page of another site.
+ * Only what pages of this server and programs use is answered: GET over HTTP/1.1 without ranges and bodies, addressed to
+ * this server by a host name or address of its own, and not sent by a page of another site.
  */
-class ViewSite {
+class HttpSite {
  public:
   using Parameters = std::map<std::string, std::string>;
   /** @throw UsageError when the parameters are invalid */
   using Content = std::function<SharedText(const Parameters&)>;
 
-  /** The page's files. @param address, port  where the server listens */
-  ViewSite(std::string address, int port);
+  /** @param address, port  where the server listens */
+  HttpSite(std::string address, int port);
 
   /** Answers a path with the same JSON text each time. */
   void add(const std::string& path, SharedText json);
@@ -33,7 +33,7 @@ class ViewSite {
   void add(const std::string& path, const std::string& type, SharedText file);
   /** Answers a path with JSON text that is made for each request. */
   void add(const std::string& path, Content content);
-  /** Answers a path with the viewer's events. */
+  /** Answers a path with events. */
   void addEvents(const std::string& path);
 
   /** Depends on nothing but the request and what was added. Never throws but for lack of memory. */

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "viewer/event_hub.h"
+#include "http/event_hub.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#ifndef TARNVOD_COMMAND_VIEW_SERVER_H
-#define TARNVOD_COMMAND_VIEW_SERVER_H
+#ifndef TARNVOD_COMMAND_HTTP_SERVER_H
+#define TARNVOD_COMMAND_HTTP_SERVER_H
 
-#include "viewer/event_hub.h"
-#include "viewer/view_site.h"
+#include "http/event_hub.h"
+#include "http/http_site.h"
 
 #include <memory>
 #include <string>
@@ -13,12 +13,12 @@
 namespace tarn::command {
 
 /**
- * Serves the viewer's page over HTTP, on one thread of its own.
+ * Serves a site over HTTP, on one thread of its own.
  *
  * Holds out against hostile clients: the memory of a connection, the connections, and the answers that are being sent
  * are bounded, and idle connections end after a while. Each connection gets one answer.
  */
-class ViewServer {
+class HttpServer {
  public:
   /**
    * Binds the port; requests wait until `start`.
@@ -26,14 +26,14 @@ class ViewServer {
    * @param port  0 for any that is free
    * @throw Failure  when the address or port cannot be used
    */
-  ViewServer(const std::string& address, int port);
+  HttpServer(const std::string& address, int port);
   /** Closes the hub and all connections, whatever their browsers do. */
-  ~ViewServer();
-  ViewServer(const ViewServer&) = delete;
-  ViewServer& operator=(const ViewServer&) = delete;
+  ~HttpServer();
+  HttpServer(const HttpServer&) = delete;
+  HttpServer& operator=(const HttpServer&) = delete;
 
   /** What the server answers; to be completed before `start`. Its contents are made on the server's thread. */
-  ViewSite& site();
+  HttpSite& site();
 
   /** Streams the hub's events at "/events". Call before `start`. */
   void stream(EventHub& hub);

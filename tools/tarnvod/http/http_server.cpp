@@ -1,11 +1,11 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "viewer/view_server.h"
+#include "http/http_server.h"
 
 #include "base/errors.h"
-#include "viewer/connection_table.h"
-#include "viewer/listening_socket.h"
+#include "http/connection_table.h"
+#include "http/listening_socket.h"
 
 #include <arpa/inet.h>
 #include <microhttpd.h>
@@ -131,7 +131,7 @@ MHD_Result send(MHD_Connection* connection, const HttpAnswer& answer, const Resp
 
 }  // namespace
 
-class ViewServer::Implementation {
+class HttpServer::Implementation {
  public:
   Implementation(const std::string& address, int port) : socket_(address, port), site_(address, socket_.port()) {}
 
@@ -144,7 +144,7 @@ class ViewServer::Implementation {
     }
   }
 
-  ViewSite& site() { return site_; }
+  HttpSite& site() { return site_; }
 
   void stream(EventHub& hub) {
     hub_ = &hub;
@@ -194,7 +194,7 @@ class ViewServer::Implementation {
       return answerEvents(connection, answer);
     }
     if (answer.isMadeForRequest && !connections_.addAnswer(idOf(connection), answer.body->size())) {
-      const HttpAnswer busy = refusal(503, "The viewer is sending too much at present; ask again.");
+      const HttpAnswer busy = refusal(503, "This server is sending too much at present; ask again.");
       return send(connection, busy, responseWith(busy.body));
     }
     return send(connection, answer, responseWith(answer.body));
@@ -218,27 +218,27 @@ class ViewServer::Implementation {
   }
 
   ListeningSocket socket_;
-  ViewSite site_;
+  HttpSite site_;
   EventHub* hub_ = nullptr;
   /** Used on the daemon's thread only. */
   ConnectionTable connections_{limits, [](int socket) { shutdown(socket, SHUT_RDWR); }};
   MHD_Daemon* daemon_ = nullptr;
 };
 
-ViewServer::ViewServer(const std::string& address, int port)
+HttpServer::HttpServer(const std::string& address, int port)
     : implementation_(std::make_unique<Implementation>(address, port)) {}
 
-ViewServer::~ViewServer() = default;
+HttpServer::~HttpServer() = default;
 
-ViewSite& ViewServer::site() {
+HttpSite& HttpServer::site() {
   return implementation_->site();
 }
 
-void ViewServer::stream(EventHub& hub) {
+void HttpServer::stream(EventHub& hub) {
   implementation_->stream(hub);
 }
 
-void ViewServer::start() {
+void HttpServer::start() {
   implementation_->start();
 }
 
