@@ -25,8 +25,8 @@ _tarnvod() {
     [render]="--output --frame --html --box --range --aspect --background --detector --help"
     [rehearse]="--days --until-failure --seed --day --schedule --speed --jobs --patience --callback-limit --stop-limit --check --must-print --must-not-print --output --json --help"
     [view]="--camera --class --all-classes --roi --recording --background --port --address --box --range --aspect --help"
-    [publish]="--site --device --spool --spool-size --until-stored --every --changes --camera --class --all-classes --roi --frames --seconds --host --port --cafile --cert --key --user --password-file --keepalive --help"
-    [collect]="--site --name --host --port --cafile --cert --key --user --password-file --keepalive --help"
+    [publish]="--site --device --spool --spool-size --until-stored --every --changes --camera --class --all-classes --roi --frames --seconds --metrics --host --port --cafile --cert --key --user --password-file --keepalive --help"
+    [collect]="--site --name --metrics --host --port --cafile --cert --key --user --password-file --keepalive --help"
     [audit]="--json --late --from-first --help"
   )
   COMPREPLY=()
@@ -56,7 +56,7 @@ _tarnvod() {
       mapfile -t COMPREPLY < <(compgen -f -- "$current")
       return
       ;;
-    --class | --roi | --from | --to | --keep | --max-size | --ring | --after | --iou | --tolerance | --mota | --idf1 | --size | --frames | --seconds | --frame | --range | --aspect | --port | --address | --site | --device | --name | --spool-size | --every | --late | --host | --user | --keepalive | --days | --seed | --day | --speed | --jobs | --patience | --callback-limit | --stop-limit | --check | --must-print | --must-not-print)
+    --class | --roi | --from | --to | --keep | --max-size | --ring | --after | --iou | --tolerance | --mota | --idf1 | --size | --frames | --seconds | --frame | --range | --aspect | --port | --address | --site | --device | --name | --spool-size | --every | --late | --metrics | --host | --user | --keepalive | --days | --seed | --day | --speed | --jobs | --patience | --callback-limit | --stop-limit | --check | --must-print | --must-not-print)
       return
       ;;
   esac

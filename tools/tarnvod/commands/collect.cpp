@@ -8,12 +8,15 @@
 #include "base/service_manager.h"
 #include "base/stop_signal.h"
 #include "base/text.h"
+#include "base/wall_clock.h"
 #include "commands/subcommands.h"
 #include "fleet/broker.h"
 #include "fleet/collection.h"
+#include "fleet/collector_figures.h"
 #include "fleet/fleet_options.h"
 #include "fleet/messages.h"
 #include "fleet/topics.h"
+#include "metrics/metrics_server.h"
 
 #include <CLI/CLI.hpp>
 
@@ -46,6 +49,7 @@ struct CollectOptions {
   std::string name = "collector";
   std::string site;
   BrokerOptions broker;
+  std::string metrics;
 };
 
 /** Messages that are stored together. */
@@ -65,14 +69,13 @@ struct Batch {
   }
 };
 
+/** By site and device: what its publisher has to know. */
+using Reports = std::map<std::pair<std::string, std::string>, StoredFrames>;
+
 /** What became of a batch. */
 struct Stored {
-  std::uint64_t stored = 0;
-  std::uint64_t repeated = 0;
-  std::uint64_t conflicting = 0;
-  std::uint64_t refused = 0;
-  /** By site and device: what its publisher has to know. */
-  std::map<std::pair<std::string, std::string>, StoredFrames> reports;
+  CollectorFigures figures;
+  Reports reports;
 };
 
 /** Stores the messages of a fleet, and reports to the publishers what is stored. */
@@ -83,6 +86,10 @@ class Collector {
       open();
     } catch (const DatabaseProblem& problem) {
       message_.print(problem.what());
+    }
+    if (!options.metrics.empty()) {
+      metricsServer_.emplace(
+          options.metrics, [this] { return metrics_.text(); }, liveness_);
     }
   }
 
@@ -99,17 +106,23 @@ class Collector {
         message_.print(problem.what());
         collection_.reset();
       }
+      metrics_.setConnected(false);
       waitBeforeRetry();
     }
   }
 
   std::string summary() const {
-    return counted(total_.stored, "frame") + " stored, " + std::to_string(total_.repeated) + " repeated, " +
-           std::to_string(total_.conflicting) + " conflicting; " + counted(total_.refused, "message") + " refused" +
+    return metrics_.summary() +
            (batch_.messages.empty() ? "" : "; " + counted(batch_.messages.size(), "message") + " not stored");
   }
 
  private:
+  void reportAlive() {
+    const Clock::time_point now = Clock::now();
+    manager_.reportAlive(now);
+    liveness_.note(now);
+  }
+
   void open() {
     if (!collection_) {
       collection_ = std::make_unique<Collection>(options_.database);
@@ -123,9 +136,10 @@ class Collector {
         [this](const BrokerMessage& message) { take(message); }, [](int) {});
     broker.connect(stopRequested);
     broker.subscribe(topics(), stopRequested);
+    metrics_.setConnected(true);
     message_.print(broker.name() + ": connected");
     while (broker.isConnected() && !stopRequested()) {
-      manager_.reportAlive(Clock::now());
+      reportAlive();
       broker.wait(batch_.messages.empty() ? tick : longestWait / 2);
       if (batch_.isDue()) {
         store();
@@ -140,7 +154,7 @@ class Collector {
   void waitBeforeRetry() {
     const auto retryAt = Clock::now() + retryPause;
     while (!stopRequested() && Clock::now() < retryAt) {
-      manager_.reportAlive(Clock::now());
+      reportAlive();
       std::this_thread::sleep_for(tick);
     }
   }
@@ -171,12 +185,9 @@ class Collector {
     }
     collection_->commit();
     batch_ = {};
-    total_.stored += result.stored;
-    total_.repeated += result.repeated;
-    total_.conflicting += result.conflicting;
-    total_.refused += result.refused;
+    metrics_.addCommitted(result.figures, wallTimeNow().microseconds);
     for (auto& [device, frames] : result.reports) {
-      addReport(total_.reports[device], std::move(frames));
+      addReport(reports_[device], std::move(frames));
     }
   }
 
@@ -184,7 +195,7 @@ class Collector {
     try {
       std::visit([&](const auto& each) { add(each, result); }, readMessage(message.topic, message.payload));
     } catch (const Refusal& refusal) {
-      ++result.refused;
+      ++result.figures.refused[refusal.what()];
       refuse(refusal.what(), message.topic);
     }
   }
@@ -192,18 +203,25 @@ class Collector {
   void add(const CollectedFrame& frame, Stored& result) {
     switch (collection_->add(frame)) {
       case Collection::Outcome::Stored:
-        ++result.stored;
+        noteStored(frame.envelope, result.figures);
         break;
       case Collection::Outcome::Repeated:
-        ++result.repeated;
+        ++result.figures.repeated;
         break;
       case Collection::Outcome::Conflicting:
-        ++result.conflicting;
+        ++result.figures.conflicting;
         break;
     }
     const Envelope& envelope = frame.envelope;
     addRange(result.reports[{frame.origin.site, frame.origin.device}].frames,
              {envelope.camera, frame.origin.start, envelope.sequence, envelope.sequence});
+  }
+
+  static void noteStored(const Envelope& envelope, CollectorFigures& figures) {
+    ++figures.stored;
+    if (envelope.clockSet) {
+      figures.arrivals.push_back(envelope.arrival);
+    }
   }
 
   void add(const CollectedNote& note, Stored& result) {
@@ -228,7 +246,7 @@ class Collector {
 
   /** A report that gets lost is asked for by sending the frames again. */
   void report(Broker& broker) {
-    for (const auto& [device, frames] : std::exchange(total_.reports, {})) {
+    for (const auto& [device, frames] : std::exchange(reports_, {})) {
       if (broker.isConnected()) {
         broker.publish(storedTopic(device.first, device.second), storedJson(device.first, device.second, frames));
       }
@@ -239,9 +257,12 @@ class Collector {
   std::unique_ptr<Collection> collection_;  // none while its server does not answer
   ServiceManager manager_;
   Batch batch_;
-  Stored total_;  // with the reports that are still to be sent
+  Reports reports_;  // those that are still to be sent
   std::set<std::string> refusalsReported_;
   ChangedMessage message_;
+  CollectorMetrics metrics_;
+  Liveness liveness_;
+  std::optional<MetricsServer> metricsServer_;  // last, because it reports the others
 };
 
 int collect(const CollectOptions& options) {
@@ -263,6 +284,7 @@ Action defineCollect(CLI::App& command) {
   addFleetName(command, "--site", options->site, "Only this site (default: all)");
   addFleetName(command, "--name", options->name,
                "Name of this collector; the broker keeps messages for it while it is away (default: collector)");
+  addMetricsOption(command, options->metrics);
   addBrokerOptions(command, options->broker);
   return [options] { return collect(*options); };
 }

@@ -14,7 +14,9 @@
 #include "fleet/broker_options.h"
 #include "fleet/fleet_options.h"
 #include "fleet/published_camera.h"
+#include "fleet/publisher_metrics.h"
 #include "fleet/sender.h"
+#include "metrics/metrics_server.h"
 #include "records/frame_json.h"
 
 #include <CLI/CLI.hpp>
@@ -50,6 +52,7 @@ struct PublishOptions {
   std::string spool;
   std::optional<std::uint64_t> spoolLimit;
   SelectionOptions selection;
+  std::string metrics;
   bool keepUntilStored = false;
 };
 
@@ -68,6 +71,7 @@ class Publisher {
     for (const int number : numbers_) {
       cameras_.emplace_back(number, options_.cameras.request(), options_.selection, frames_);
     }
+    serveMetrics();
     manager_.reportReady();
     while (!stopRequested() && !options_.limits.reachedBy(Clock::now() - start_) && !hasEnough()) {
       keepFrames();
@@ -77,6 +81,13 @@ class Publisher {
   }
 
  private:
+  void serveMetrics() {
+    if (!options_.metrics.empty()) {
+      metrics_.emplace(
+          options_.metrics, [this] { return publisherMetrics(origin_, report("running")); }, liveness_);
+    }
+  }
+
   bool hasEnough() const {
     return options_.limits.frames && std::all_of(cameras_.begin(), cameras_.end(), [this](const auto& camera) {
              return camera.report().numbered >= *options_.limits.frames;
@@ -115,11 +126,12 @@ class Publisher {
   void tick() {
     const Clock::time_point now = Clock::now();
     manager_.reportAlive(now);
+    liveness_.note(now);
     noteOverflow();
     const auto updates = std::count_if(cameras_.begin(), cameras_.end(), [](auto& camera) { return camera.update(); });
     if (updates > 0 || now - statusAt_ >= statusPeriod) {
       statusAt_ = now;
-      sender_.setStatus(status("running"));
+      sender_.setStatus(statusJson(origin_, report("running")));
     }
   }
 
@@ -139,7 +151,8 @@ class Publisher {
     }
   }
 
-  std::string status(const std::string& state) const {
+  /** Thread-safe once all cameras are there. */
+  PublisherReport report(const std::string& state) const {
     PublisherReport report;
     report.state = state;
     report.startedAt = startedAt_;
@@ -148,9 +161,9 @@ class Publisher {
     }
     report.spool = spool_.figures();
     report.spoolLimit = spoolLimit_;
-    report.connections = sender_.connections();
+    report.sender = sender_.figures();
     report.keepsUntilStored = options_.keepUntilStored;
-    return statusJson(origin_, report);
+    return report;
   }
 
   void end() {
@@ -159,7 +172,7 @@ class Publisher {
     }
     keepFrames();
     noteOverflow();
-    sender_.finish([this] { return status("stopped"); });
+    sender_.finish([this] { return statusJson(origin_, report("stopped")); });
   }
 
   const PublishOptions& options_;
@@ -176,6 +189,8 @@ class Publisher {
   std::vector<FrameRange> overflow_;
   NumberedFrames frames_{queueCapacity};
   std::deque<PublishedCamera> cameras_;  // after the queue, which their frames go to
+  Liveness liveness_;
+  std::optional<MetricsServer> metrics_;  // last, because it reports all else
 };
 
 int publish(const PublishOptions& options) {
@@ -205,6 +220,7 @@ Action definePublish(CLI::App& command) {
   CLI::Option* every = command.add_option("--every", options->selection.every, "Only one of N frames");
   takesFrameNumbers(*every);
   every->excludes(changes);
+  addMetricsOption(command, options->metrics);
   addBrokerOptions(command, options->broker);
   addCameraOptions(command, options->cameras, "camera,--camera");
   addLimits(command, options->limits, "End after N frames of each camera");

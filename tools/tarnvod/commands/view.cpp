@@ -9,6 +9,8 @@
 #include "cameras/service.h"
 #include "commands/subcommands.h"
 #include "http/http_server.h"
+#include "metrics/metrics_server.h"
+#include "metrics/metrics_text.h"
 #include "recordings/recorded_frames.h"
 #include "recordings/recording_background.h"
 #include "records/box.h"
@@ -100,16 +102,19 @@ int viewCameras(const ViewOptions& options) {
   const Backgrounds backgrounds = readBackgrounds(options.backgrounds, cameras);
   EventHub hub;
   KeptFrames kept;
+  Liveness liveness;
+  LiveView view(options.cameras, hub, kept);
   HttpServer server(options.address, options.port);
   addSetup(server.site(), options, cameras, backgrounds);
+  addMetrics(
+      server.site(), [&view] { return view.metrics(); }, liveness);
   server.stream(hub);
   server.site().add("/past.json", [&kept](const HttpSite::Parameters& parameters) {
     return shared(kept.since(static_cast<std::int64_t>(std::min(numberIn(parameters, "from"), latestTime))));
   });
-  LiveView view(options.cameras, hub, kept);
   view.connect();
   begin(server);
-  view.run();
+  view.run(liveness);
   return success;
 }
 
@@ -138,12 +143,20 @@ const RecordedFrames& recordingOf(const std::vector<std::unique_ptr<RecordedFram
   return *recordings[static_cast<std::size_t>(number) - 1];
 }
 
+/** A viewer of recordings has nothing to report but that it runs. */
+std::string metricsOfRecordings() {
+  MetricsText text;
+  addBuildInfo(text);
+  return text.text();
+}
+
 int viewRecordings(const ViewOptions& options) {
   std::vector<std::unique_ptr<RecordedFrames>> recordings;
   for (const std::string& folder : options.recordings) {
     recordings.push_back(std::make_unique<RecordedFrames>(folder));
   }
   const Backgrounds backgrounds = backgroundsOf(options);
+  Liveness liveness;
   HttpServer server(options.address, options.port);
   addSetup(server.site(), options, numbersOf(options.recordings.size()), backgrounds);
   for (std::size_t place = 0; place < recordings.size(); ++place) {
@@ -153,8 +166,10 @@ int viewRecordings(const ViewOptions& options) {
     const RecordedFrames& recording = recordingOf(recordings, parameters);
     return shared(recording.frames(numberIn(parameters, "first"), numberIn(parameters, "count")).json);
   });
+  addMetrics(server.site(), metricsOfRecordings, liveness);
   begin(server);
   while (!stopRequested()) {
+    liveness.note(Clock::now());
     std::this_thread::sleep_for(tickPeriod);
   }
   return success;

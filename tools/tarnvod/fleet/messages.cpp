@@ -91,7 +91,7 @@ std::string statusJson(const Origin& origin, const PublisherReport& report) {
   message["time"] = now.microseconds;
   message["clockSet"] = now.isSet;
   message["startedAt"] = report.startedAt;
-  message["connections"] = report.connections;
+  message["connections"] = report.sender.connections;
   message["keepsUntilStored"] = report.keepsUntilStored;
   message["spool"] = {{"bytes", report.spool.bytes},
                       {"limit", report.spoolLimit},

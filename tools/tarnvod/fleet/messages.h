@@ -5,6 +5,7 @@
 #define TARNVOD_COMMAND_FLEET_MESSAGES_H
 
 #include "fleet/frame_range.h"
+#include "fleet/sender_figures.h"
 #include "fleet/spool.h"
 #include "records/envelope.h"
 #include "records/json.h"
@@ -51,8 +52,8 @@ struct PublisherReport {
   std::int64_t startedAt = 0;  ///< by the wall clock in microseconds
   std::vector<CameraReport> cameras;
   Spool::Figures spool;
-  std::uint64_t spoolLimit = 0;   ///< bytes
-  std::uint64_t connections = 0;  ///< how often the broker was reached
+  std::uint64_t spoolLimit = 0;  ///< bytes
+  SenderFigures sender;
   bool keepsUntilStored = false;  ///< frames stay in the spool until a collector has stored them
 };
 

@@ -17,7 +17,7 @@ PublishedCamera::PublishedCamera(int number, const VOD::CameraRequest& request, 
                                  NumberedFrames& frames)
     : number_(number), frames_(frames), since_(wallTimeNow().microseconds), selection_(selection) {
   camera_.emplace(number, request, [this](std::unique_ptr<VOD::DetectionData> frame) { add(std::move(frame)); });
-  status_ = camera_->status();
+  takeOver(camera_->status());
 }
 
 void PublishedCamera::add(std::unique_ptr<VOD::DetectionData> frame) {
@@ -47,20 +47,39 @@ std::vector<FrameRange> PublishedCamera::takeOverflow() {
   return std::exchange(overflow_, {});
 }
 
+void PublishedCamera::noteKept(std::uint64_t sequence) {
+  const Lock lock(mutex_);
+  kept_ = sequence;
+}
+
 bool PublishedCamera::update() {
-  const VOD::CameraStatus before = std::exchange(status_, camera_->status());
-  if (const auto change = statusChanges_.next(status_, Clock::now())) {
+  const VOD::CameraStatus status = camera_->status();
+  if (const auto change = statusChanges_.next(status, Clock::now())) {
     printMessage("tarnvod: " + *change);
   }
+  const bool isChanged = takeOver(status);
+  if (!wantsDetector()) {
+    return isChanged;
+  }
+  auto detector = lookUpDetector(number_);  // a call of the service, during which frames may come
+  const Lock lock(mutex_);
+  detector_ = std::move(detector);
+  return isChanged || detector_;
+}
+
+bool PublishedCamera::takeOver(const VOD::CameraStatus& status) {
+  const Lock lock(mutex_);
+  const VOD::CameraStatus before = std::exchange(status_, status);
   const bool isChanged = before.state != status_.state || before.reason != status_.reason;
   if (isChanged) {
     since_ = wallTimeNow().microseconds;
   }
-  const bool wantsDetector = !detector_ && status_.state == VOD::CameraState::Receiving;
-  if (wantsDetector) {
-    detector_ = lookUpDetector(number_);
-  }
-  return isChanged || (wantsDetector && detector_);
+  return isChanged;
+}
+
+bool PublishedCamera::wantsDetector() const {
+  const Lock lock(mutex_);
+  return !detector_ && status_.state == VOD::CameraState::Receiving;
 }
 
 CameraReport PublishedCamera::report() const {

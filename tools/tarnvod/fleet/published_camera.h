@@ -28,7 +28,7 @@ struct NumberedFrame {
 
 using NumberedFrames = BoundedQueue<NumberedFrame>;
 
-/** One camera of a publisher, from its construction on. Its functions are for one thread. */
+/** One camera of a publisher, from its construction on. Its functions are for one thread, but for `report`. */
 class PublishedCamera {
  public:
   PublishedCamera(int number, const VOD::CameraRequest& request, const SelectionOptions& selection,
@@ -37,13 +37,14 @@ class PublishedCamera {
   /** Looks at the camera's state; returns whether it has changed. Prints changes for the user. */
   bool update();
 
+  /** How the camera was at the last update. Thread-safe. */
   CameraReport report() const;
 
   /** Ends the subscription; no more frames come. */
   void end() { camera_.reset(); }
 
   /** A frame is in the spool. */
-  void noteKept(std::uint64_t sequence) { kept_ = sequence; }
+  void noteKept(std::uint64_t sequence);
 
   /** A frame could not be kept. */
   void noteOverflow(std::uint64_t sequence);
@@ -54,16 +55,19 @@ class PublishedCamera {
  private:
   /** On a thread of the platform. */
   void add(std::unique_ptr<VOD::DetectionData> frame);
+  /** Returns whether it is another state than before. */
+  bool takeOver(const VOD::CameraStatus& status);
+  bool wantsDetector() const;
 
   const int number_;
   NumberedFrames& frames_;
   StatusChanges statusChanges_;
-  VOD::CameraStatus status_;
-  std::int64_t since_ = 0;
-  std::optional<VOD::DetectorInformation> detector_;
-  std::uint64_t kept_ = 0;
 
   mutable Mutex mutex_;
+  VOD::CameraStatus status_ TARNVOD_GUARDED_BY(mutex_);
+  std::int64_t since_ TARNVOD_GUARDED_BY(mutex_) = 0;
+  std::optional<VOD::DetectorInformation> detector_ TARNVOD_GUARDED_BY(mutex_);
+  std::uint64_t kept_ TARNVOD_GUARDED_BY(mutex_) = 0;
   Selection selection_ TARNVOD_GUARDED_BY(mutex_);
   std::uint64_t sequence_ TARNVOD_GUARDED_BY(mutex_) = 0;
   std::uint64_t overflowed_ TARNVOD_GUARDED_BY(mutex_) = 0;

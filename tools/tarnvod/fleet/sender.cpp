@@ -66,6 +66,7 @@ void Sender::run() {
     } catch (const std::exception& problem) {
       message_.print(problem.what());
     }
+    isConnected_ = false;
     waitBeforeRetry();
   }
 }
@@ -84,6 +85,7 @@ void Sender::serve() {
   if (!broker.isConnected()) {
     return;
   }
+  isConnected_ = true;
   ++connections_;
   message_.print(broker.name() + ": connected");
   untaken_.clear();
@@ -129,11 +131,17 @@ void Sender::send(Broker& broker, const Spool::Given& given) {
   const std::string topic = isFrame ? framesTopic(origin_.site, origin_.device, frames.camera)
                                     : droppedTopic(origin_.site, origin_.device, frames.camera);
   const int message = broker.publish(topic, isFrame ? given.entry.payload : droppedJson(origin_, frames));
+  ++sent_;
   if (keepUntilStored_) {
     unstored_[{given.entry.kind, frames.camera, frames.start, frames.first}] = {given.position, Clock::now()};
   } else {
     untaken_[message] = given.position;
   }
+}
+
+void Sender::settle(const SpoolPosition& position) {
+  spool_.settle(position);
+  ++settled_;
 }
 
 /** A message, or the report of a collector, may be lost with a broker that is restarted. */
@@ -150,7 +158,7 @@ void Sender::onTaken(int message) {
   lastStatusIsTaken_ = lastStatusIsTaken_ || message == lastStatus_;
   const auto found = untaken_.find(message);
   if (found != untaken_.end()) {
-    spool_.settle(found->second);
+    settle(found->second);
     untaken_.erase(found);
   }
 }
@@ -170,7 +178,7 @@ void Sender::settleStored(SpoolEntry::Kind kind, const FrameRange& frames) {
   auto entry = unstored_.lower_bound({kind, frames.camera, frames.start, frames.first});
   const Key last{kind, frames.camera, frames.start, frames.last};
   while (entry != unstored_.end() && !(last < entry->first)) {
-    spool_.settle(entry->second.position);
+    settle(entry->second.position);
     entry = unstored_.erase(entry);
     patience_ = shortestPatience;
   }

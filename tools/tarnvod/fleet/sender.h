@@ -8,6 +8,7 @@
 #include "base/clock.h"
 #include "base/lock.h"
 #include "fleet/broker.h"
+#include "fleet/sender_figures.h"
 #include "fleet/spool.h"
 #include "fleet/wake_up.h"
 #include "records/envelope.h"
@@ -49,8 +50,7 @@ class Sender {
    */
   void finish(std::function<std::string()> makeStatus);
 
-  /** How often the broker was reached. */
-  std::uint64_t connections() const { return connections_; }
+  SenderFigures figures() const { return {isConnected_, connections_, sent_, settled_}; }
 
  private:
   /** What a collector's report names. */
@@ -66,6 +66,7 @@ class Sender {
   void sendStatus(Broker& broker);
   void sendEntries(Broker& broker);
   void send(Broker& broker, const Spool::Given& given);
+  void settle(const SpoolPosition& position);
   void sendOverdueAgain();
   void onTaken(int message);
   void onMessage(const BrokerMessage& message);
@@ -80,7 +81,10 @@ class Sender {
   const BrokerOptions options_;
   const bool keepUntilStored_;
   const WakeUp wakeUp_;
+  std::atomic<bool> isConnected_{false};
   std::atomic<std::uint64_t> connections_{0};
+  std::atomic<std::uint64_t> sent_{0};
+  std::atomic<std::uint64_t> settled_{0};
 
   Mutex mutex_;
   std::condition_variable ending_;

@@ -67,8 +67,12 @@ void HttpSite::add(const std::string& path, const std::string& type, SharedText 
 }
 
 void HttpSite::add(const std::string& path, Content content) {
-  responds_[path] = [content = std::move(content)](const Parameters& parameters) {
-    return HttpAnswer{200, json, content(parameters), true};
+  add(path, json, std::move(content));
+}
+
+void HttpSite::add(const std::string& path, const std::string& type, Content content) {
+  responds_[path] = [type, content = std::move(content)](const Parameters& parameters) {
+    return HttpAnswer{200, type, content(parameters), true};
   };
 }
 
@@ -107,6 +111,8 @@ HttpAnswer HttpSite::answerAt(const HttpRequest& request) const {
     return found->second(request.parameters);
   } catch (const UsageError& error) {
     return refusal(400, error.what());
+  } catch (const Unavailable& error) {
+    return refusal(503, error.what());
   } catch (const std::exception& error) {
     return refusal(500, error.what());
   }

@@ -4,6 +4,7 @@
 #ifndef TARNVOD_COMMAND_HTTP_SITE_H
 #define TARNVOD_COMMAND_HTTP_SITE_H
 
+#include "base/errors.h"
 #include "http/http_message.h"
 
 #include <functional>
@@ -11,6 +12,11 @@
 #include <string>
 
 namespace tarn::command {
+
+/** What was requested cannot be had at present. */
+class Unavailable : public Failure {
+  using Failure::Failure;
+};
 
 /**
  * Which request gets which answer.
@@ -21,7 +27,7 @@ namespace tarn::command {
 class HttpSite {
  public:
   using Parameters = std::map<std::string, std::string>;
-  /** @throw UsageError when the parameters are invalid */
+  /** @throw UsageError when the parameters are invalid; Unavailable */
   using Content = std::function<SharedText(const Parameters&)>;
 
   /** @param address, port  where the server listens */
@@ -33,6 +39,8 @@ class HttpSite {
   void add(const std::string& path, const std::string& type, SharedText file);
   /** Answers a path with JSON text that is made for each request. */
   void add(const std::string& path, Content content);
+  /** The same with another media type. */
+  void add(const std::string& path, const std::string& type, Content content);
   /** Answers a path with events. */
   void addEvents(const std::string& path);
 

@@ -5,11 +5,16 @@
 
 #include "base/output.h"
 #include "base/stop_signal.h"
+#include "cameras/camera_metrics.h"
+#include "metrics/metrics_text.h"
 #include "records/frame_json.h"
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
+#include <vector>
 
 namespace tarn::command {
 namespace {
@@ -55,17 +60,30 @@ std::string textOf(const Json& json) {
 
 }  // namespace
 
-void LiveView::run() {
+void LiveView::run(Liveness& liveness) {
   while (!stopRequested()) {
     if (const auto arrival = group_.next()) {
       show(*arrival);
     }
     const Clock::time_point now = Clock::now();
+    liveness.note(now);
     reportStatusChanges(now);
     if (now - publishedAt_ >= statePeriod) {
       publishState(now);
     }
   }
+}
+
+std::string LiveView::metrics() const {
+  std::vector<VOD::CameraStatus> statuses;
+  std::transform(group_.cameras().begin(), group_.cameras().end(), std::back_inserter(statuses),
+                 [](const WatchedCamera& camera) { return camera.camera.status(); });
+  MetricsText text;
+  addBuildInfo(text);
+  addCameraMetrics(text, statuses);
+  text.counter("tarnvod_view_frames_dropped_total", "Frames that were dropped because the viewer did not keep up.",
+               group_.dropped());
+  return text.text();
 }
 
 void LiveView::show(const Arrival& arrival) {

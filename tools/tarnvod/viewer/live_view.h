@@ -6,6 +6,7 @@
 
 #include "cameras/camera_group.h"
 #include "http/event_hub.h"
+#include "metrics/liveness.h"
 #include "viewer/kept_frames.h"
 #include "viewer/live_history.h"
 
@@ -25,7 +26,10 @@ class LiveView {
   void connect() { group_.connect(); }
 
   /** Takes in frames until the command shall end. */
-  void run();
+  void run(Liveness& liveness);
+
+  /** What Prometheus reads. Thread-safe once `connect` has returned. */
+  std::string metrics() const;
 
  private:
   /** A line about a camera that went away or came back. */

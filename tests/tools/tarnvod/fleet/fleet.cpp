@@ -19,7 +19,18 @@ namespace {
 constexpr std::chrono::seconds patience{60};
 constexpr const char* broker = "/usr/sbin/mosquitto";
 
-/** A port that the system had free; it gives others to the next that ask. */
+tarn::command::BrokerOptions optionsOf(int port) {
+  tarn::command::BrokerOptions options;
+  options.port = port;
+  return options;
+}
+
+bool never() {
+  return false;
+}
+
+}  // namespace
+
 int freePort() {
   const int descriptor = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
   sockaddr_in address{};
@@ -34,18 +45,6 @@ int freePort() {
   }
   return ntohs(address.sin_port);
 }
-
-tarn::command::BrokerOptions optionsOf(int port) {
-  tarn::command::BrokerOptions options;
-  options.port = port;
-  return options;
-}
-
-bool never() {
-  return false;
-}
-
-}  // namespace
 
 BrokerProcess::BrokerProcess(const std::filesystem::path& folder, const std::string& settings)
     : port_(freePort()), configuration_(folder / "broker.conf") {

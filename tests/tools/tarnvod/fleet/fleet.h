@@ -19,6 +19,9 @@
 /** A broker of the tests' own, and what listens to it. */
 namespace test {
 
+/** A port that the system had free; it gives others to the next that ask. */
+int freePort();
+
 /** A Mosquitto broker at a free port of 127.0.0.1; killed at the end. */
 class BrokerProcess {
  public:

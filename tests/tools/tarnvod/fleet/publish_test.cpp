@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-#include "fleet.h"
+#include "a_fleet.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -9,11 +9,9 @@
 #include <tools/tarnvod/schema_check.h>
 
 #include <algorithm>
-#include <chrono>
 #include <memory>
 #include <numeric>
 #include <set>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -30,57 +28,7 @@ std::vector<int> numbersTo(int last) {
   return numbers;
 }
 
-class AFleet : public test::TwoCameras {
- protected:
-  AFleet() : broker(folder / "") {}
-
-  std::vector<std::string> with(const std::string& subcommand, std::vector<std::string> more) const {
-    std::vector<std::string> arguments{subcommand};
-    const auto found = broker.options();
-    arguments.insert(arguments.end(), found.begin(), found.end());
-    arguments.insert(arguments.end(), more.begin(), more.end());
-    return arguments;
-  }
-
-  std::vector<std::string> publishing(std::vector<std::string> more) const {
-    more.insert(more.begin(), {"--site", "north", "--device", "gate", "--spool", folder / "spool"});
-    return with("publish", more);
-  }
-
-  test::Outcome publish(const std::vector<std::string>& more) const {
-    return test::run(publishing(more), playing("20"));
-  }
-
-  std::string database() const { return folder / "fleet.db"; }
-
-  /** A collector that is connected. */
-  std::unique_ptr<test::Process> collector() const {
-    auto process = std::make_unique<test::Process>(test::command(), with("collect", {database()}));
-    process->waitForErrors(": connected\n");
-    return process;
-  }
-
-  json audit() const {
-    const test::Outcome outcome = test::run({"audit", database(), "--json"});
-    return outcome.output.empty() ? json() : json::parse(outcome.output);
-  }
-
-  /** Waits until the collector has stored so many frames of camera 1. */
-  void waitUntilStored(int frames) const {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-    while (true) {
-      const json accounts = audit();
-      if (!accounts.is_null() && !accounts["cameras"].empty() && accounts["cameras"][0]["stored"] >= frames) {
-        return;
-      }
-      if (std::chrono::steady_clock::now() > deadline) {
-        throw std::runtime_error("timed out waiting for frames to be stored: " + accounts.dump());
-      }
-    }
-  }
-
-  test::BrokerProcess broker;
-};
+using test::AFleet;
 
 class APublisher : public AFleet {
  protected:
