@@ -98,7 +98,13 @@ Rehearsal::Rehearsal(schedule::Schedule schedule, const std::vector<std::string>
     : schedule_(std::move(schedule)), steps_(stepsOf(schedule_.faults)) {
   for (const std::string& folder : folders) {
     players_.emplace_back(folder);
-    channel(static_cast<int>(players_.size()) - 1).detectorInformation(players_.back().detectorInformation());
+    const int number = static_cast<int>(players_.size()) - 1;
+    channel(number).detectorInformation(players_.back().detectorInformation());
+    // An application that has asked for `configurationError` has its channels already; they would play their recordings.
+    Service::instance().changeChannel(number, [](ChannelState& state) {
+      state.folder.reset();
+      state.stream.reset();
+    });
   }
   Watch::instance().write("begin");
   // Before the call that started it does its work: what is wrong from the beginning is wrong for that call.

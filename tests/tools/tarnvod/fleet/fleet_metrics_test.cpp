@@ -112,6 +112,18 @@ TEST_F(AFleetWithMetrics, ReportsCamerasWhoseServiceIsDown) {
   EXPECT_EQ(test::sampleOf(metrics, R"(tarnvod_camera_state{camera="1",state="Receiving"})"), 0);
 }
 
+TEST_F(AFleetWithMetrics, ReportsWhichCameraIsSilent) {
+  test::writeTo(folder / "day.schedule", "length 10m\nat 0s silence camera 2 for 9m\n");
+  test::Environment environment = playing();
+  environment.push_back("TARNVOD_HOST_SCHEDULE=" + (folder / "day.schedule").string());
+  const auto process = publisher(environment);
+
+  const std::string metrics =
+      Served(*process, port).metricsOnceAtLeast(R"(tarnvod_camera_state{camera="2",state="Silent"})", 1);
+
+  EXPECT_EQ(test::sampleOf(metrics, R"(tarnvod_camera_frames_received_total{camera="2"})"), 0);
+}
+
 TEST_F(AFleetWithMetrics, ReportsWhatIsStored) {
   broker.start();
   const auto process = collectorWithMetrics();
