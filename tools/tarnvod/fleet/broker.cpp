@@ -4,6 +4,7 @@
 #include "fleet/broker.h"
 
 #include "base/clock.h"
+#include "base/files.h"
 
 #include <mosquitto.h>
 #include <poll.h>
@@ -30,7 +31,44 @@ void initializeLibrary() {
   static const Library library;
 }
 
-std::string textOf(int result) {
+/** The latest error of OpenSSL on this thread, in words; the MQTT library only logs it. */
+std::string& latestTlsError() {
+  thread_local std::string error;
+  return error;
+}
+
+/** What OpenSSL says, without its codes: the part behind "SSL routines::". */
+std::string withoutCodes(const std::string& error) {
+  const std::size_t colons = error.rfind("::");
+  return colons == std::string::npos ? error : error.substr(colons + 2);
+}
+
+bool isClosed(int result) {
+  const bool isReset = result == MOSQ_ERR_ERRNO && (errno == ECONNRESET || errno == EPIPE || errno == EPROTO);
+  return isReset || result == MOSQ_ERR_CONN_LOST || result == MOSQ_ERR_PROTOCOL;
+}
+
+/** The MQTT library does not say which file it cannot read. @throw Failure */
+void checkFiles(const BrokerOptions& options) {
+  for (const auto& file : {options.authorities, options.certificate, options.key}) {
+    if (file) {
+      static_cast<void>(readFile(*file, "a file in PEM format"));
+    }
+  }
+}
+
+/** Why a function of the MQTT library failed, and what to do about it where that is known. */
+std::string reasonOf(int result, const BrokerOptions& options, bool wasConnected) {
+  if (result == MOSQ_ERR_TLS && latestTlsError() == "certificate verify failed") {
+    return "its certificate is not of an authority of --cafile, or is for another host";
+  }
+  if (result == MOSQ_ERR_TLS && !latestTlsError().empty()) {
+    return "TLS: " + latestTlsError();
+  }
+  if (isClosed(result) && !wasConnected) {
+    return options.authorities ? "it closes the connection; it may require another certificate (--cert)"
+                               : "it closes the connection; it may require TLS (--cafile)";
+  }
   return result == MOSQ_ERR_ERRNO ? std::generic_category().message(errno) : mosquitto_strerror(result);
 }
 
@@ -49,9 +87,9 @@ struct Broker::Callbacks {
   }
   static void onDisconnect(mosquitto* /*client*/, void* object, int reason) {
     Broker& broker = of(object);
-    broker.isConnected_ = false;
+    const bool wasConnected = std::exchange(broker.isConnected_, false);
     if (broker.problem_.empty()) {
-      broker.problem_ = reason == 0 ? "disconnected" : textOf(reason);
+      broker.problem_ = reason == 0 ? "disconnected" : reasonOf(reason, broker.options_, wasConnected);
     }
   }
   static void onSubscribe(mosquitto* /*client*/, void* object, int /*id*/, int count, const int* granted) {
@@ -64,6 +102,11 @@ struct Broker::Callbacks {
   }
   static void onPublish(mosquitto* /*client*/, void* object, int id) {
     of(object).guarded([&] { of(object).onTaken_(id); });
+  }
+  static void onLog(mosquitto* /*client*/, void* /*object*/, int level, const char* text) {
+    if (level == MOSQ_LOG_ERR) {
+      latestTlsError() = withoutCodes(text);
+    }
   }
   static void onMessage(mosquitto* /*client*/, void* object, const mosquitto_message* message) {
     const std::string_view payload(static_cast<const char*>(message->payload),
@@ -78,13 +121,15 @@ Broker::Broker(const BrokerOptions& options, const BrokerClient& client, OnMessa
       onMessage_(std::move(onMessage)),
       onTaken_(std::move(onTaken)) {
   initializeLibrary();
+  checkFiles(options);
+  const auto password = options.password();
   client_ = mosquitto_new(client.id.c_str(), !client.keepsSession, this);
   if (client_ == nullptr) {
-    throw Failure(name_ + ": " + textOf(MOSQ_ERR_ERRNO));
+    throw Failure(name_ + ": " + std::generic_category().message(errno));
   }
   // The sender of messages bounds them.
   mosquitto_int_option(client_, MOSQ_OPT_SEND_MAXIMUM, 65535);
-  if (const auto password = options.password(); options.user) {
+  if (options.user) {
     check(mosquitto_username_pw_set(client_, options.user->c_str(), password ? password->c_str() : nullptr), "--user");
   }
   setUpTls(options);
@@ -93,6 +138,7 @@ Broker::Broker(const BrokerOptions& options, const BrokerClient& client, OnMessa
                              qualityOfService, true),
           "the last will");
   }
+  mosquitto_log_callback_set(client_, Callbacks::onLog);
   mosquitto_connect_callback_set(client_, Callbacks::onConnect);
   mosquitto_disconnect_callback_set(client_, Callbacks::onDisconnect);
   mosquitto_subscribe_callback_set(client_, Callbacks::onSubscribe);
@@ -111,12 +157,12 @@ void Broker::setUpTls(const BrokerOptions& options) {
   const auto text = [](const std::optional<std::string>& value) { return value ? value->c_str() : nullptr; };
   check(mosquitto_tls_set(client_, options.authorities->c_str(), nullptr, text(options.certificate), text(options.key),
                           nullptr),
-        "a file of --cafile, --cert or --key cannot be read");
+        "--cafile, --cert or --key");
 }
 
 void Broker::check(int result, const std::string& what) const {
   if (result != MOSQ_ERR_SUCCESS) {
-    throw BrokerProblem(name_ + ": " + what + ": " + textOf(result));
+    throw BrokerProblem(name_ + ": " + what + ": " + reasonOf(result, options_, isConnected_));
   }
 }
 
@@ -197,9 +243,9 @@ void Broker::handle() {
     std::rethrow_exception(std::exchange(thrown_, nullptr));
   }
   if (result != MOSQ_ERR_SUCCESS) {
-    isConnected_ = false;
+    const bool wasConnected = std::exchange(isConnected_, false);
     if (problem_.empty()) {
-      problem_ = textOf(result);
+      problem_ = reasonOf(result, options_, wasConnected);
     }
   }
 }
