@@ -25,7 +25,7 @@ _tarnvod() {
     [render]="--output --frame --html --box --range --aspect --background --detector --help"
     [rehearse]="--days --until-failure --seed --day --schedule --speed --jobs --patience --callback-limit --stop-limit --check --must-print --must-not-print --output --json --help"
     [view]="--camera --class --all-classes --roi --recording --background --port --address --box --range --aspect --help"
-    [publish]="--site --device --spool --spool-size --until-stored --every --changes --camera --class --all-classes --roi --frames --seconds --metrics --host --port --cafile --cert --key --user --password-file --keepalive --help"
+    [publish]="--site --device --spool --spool-size --until-stored --every --changes --counts --camera --class --all-classes --roi --frames --seconds --metrics --host --port --cafile --cert --key --user --password-file --keepalive --help"
     [collect]="--site --name --metrics --host --port --cafile --cert --key --user --password-file --keepalive --help"
     [audit]="--json --late --from-first --help"
   )

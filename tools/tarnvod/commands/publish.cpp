@@ -110,12 +110,28 @@ class Publisher {
     const Envelope& envelope = numbered.envelope;
     const FrameRange range{envelope.camera, origin_.start, envelope.sequence, envelope.sequence};
     try {
-      spool_.append({SpoolEntry::Kind::Frame, range, frameJson(*numbered.frame, origin_, envelope)});
+      spool_.append({SpoolEntry::Kind::Frame, range, messageOf(numbered)});
       cameraOf(envelope.camera).noteKept(envelope.sequence);
       spoolProblem_.forget();
     } catch (const vod::recording::RecordingError& error) {
       spoolProblem_.print(error.what() + std::string("; frames are lost until there is room"));
       cameraOf(envelope.camera).noteOverflow(envelope.sequence);
+    }
+  }
+
+  std::string messageOf(const NumberedFrame& numbered) const {
+    return numbered.counts ? countsJson(*numbered.counts, origin_, numbered.envelope)
+                           : frameJson(*numbered.frame, origin_, numbered.envelope);
+  }
+
+  /** Keeps the counts of seconds that are over. */
+  void keepCounts() {
+    const std::int64_t now = wallTimeNow().microseconds;
+    for (PublishedCamera& camera : cameras_) {
+      if (const auto counts = camera.takeCounts(now)) {
+        keep(*counts);
+        sender_.wake();
+      }
     }
   }
 
@@ -127,6 +143,7 @@ class Publisher {
     const Clock::time_point now = Clock::now();
     manager_.reportAlive(now);
     liveness_.note(now);
+    keepCounts();
     noteOverflow();
     const auto updates = std::count_if(cameras_.begin(), cameras_.end(), [](auto& camera) { return camera.update(); });
     if (updates > 0 || now - statusAt_ >= statusPeriod) {
@@ -171,6 +188,11 @@ class Publisher {
       camera.end();
     }
     keepFrames();
+    for (PublishedCamera& camera : cameras_) {
+      if (const auto counts = camera.takeLastCounts()) {
+        keep(*counts);
+      }
+    }
     noteOverflow();
     sender_.finish([this] { return statusJson(origin_, report("stopped")); });
   }
@@ -220,6 +242,11 @@ Action definePublish(CLI::App& command) {
   CLI::Option* every = command.add_option("--every", options->selection.every, "Only one of N frames");
   takesFrameNumbers(*every);
   every->excludes(changes);
+  command
+      .add_flag("--counts", options->selection.countsOnly,
+                "Instead of frames, the objects of each class that were counted in each second")
+      ->excludes(changes)
+      ->excludes(every);
   addMetricsOption(command, options->metrics);
   addBrokerOptions(command, options->broker);
   addCameraOptions(command, options->cameras, "camera,--camera");

@@ -4,6 +4,7 @@
 #include "fleet/message_reader.h"
 
 #include "fleet/messages.h"
+#include "fleet/second_counter.h"
 #include "fleet/topics.h"
 
 #include <zlib.h>
@@ -128,6 +129,12 @@ void checkEvent(const Json& event) {
   require(ids.is_array() && std::all_of(ids.begin(), ids.end(), [](const Json& id) { return id.is_number_integer(); }));
 }
 
+void checkCounts(const Json& ofClass) {
+  textOf(ofClass, "className");
+  numberOf(ofClass, "objects");
+  numberOf(ofClass, "most");
+}
+
 const Json& checkedArray(const Json& message, const char* name, void (*check)(const Json&)) {
   const Json& array = member(message, name);
   require(array.is_array());
@@ -153,15 +160,22 @@ Origin originOf(const Json& message, const FleetTopic& topic) {
   return origin;
 }
 
-void requireSchema(const Json& message, const char* schema) {
+bool hasSchema(const Json& message, const char* schema) {
   const auto found = message.find("schema");
-  if (found == message.end() || *found != schema) {
+  return found != message.end() && *found == schema;
+}
+
+void requireSchema(const Json& message, const char* schema) {
+  if (!hasSchema(message, schema)) {
     throw Refusal("another schema");
   }
 }
 
 CollectedFrame frameOf(const Json& message, const FleetTopic& topic, std::string_view payload) {
-  requireSchema(message, frameSchema);
+  const bool isOfCounts = hasSchema(message, countsSchema);
+  if (!isOfCounts) {
+    requireSchema(message, frameSchema);
+  }
   CollectedFrame frame;
   frame.origin = originOf(message, topic);
   const std::uint64_t sequence = numberOf(message, "sequence");
@@ -170,8 +184,12 @@ CollectedFrame frameOf(const Json& message, const FleetTopic& topic, std::string
   frame.envelope = {topic.camera, sequence, static_cast<std::int64_t>(numberOf(message, "arrival")),
                     clockSet.get<bool>()};
   frame.timestamp = numberOf(message, "timestamp", std::numeric_limits<std::uint64_t>::max());
-  frame.detections = checkedArray(message, "detections", checkDetection);
-  frame.events = checkedArray(message, "events", checkEvent);
+  if (isOfCounts) {
+    frame.counts = checkedArray(message, "classes", checkCounts);
+  } else {
+    frame.detections = checkedArray(message, "detections", checkDetection);
+    frame.events = checkedArray(message, "events", checkEvent);
+  }
   frame.checksum = static_cast<std::uint32_t>(
       crc32(0, reinterpret_cast<const unsigned char*>(payload.data()), static_cast<uInt>(payload.size())));
   return frame;

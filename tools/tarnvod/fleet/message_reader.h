@@ -25,13 +25,14 @@ class Refusal : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/** A frame. Of the JSON arrays, everything that is stored has been checked. */
+/** A frame, or the counts of a second. Of the JSON arrays, everything that is stored has been checked. */
 struct CollectedFrame {
   Origin origin;
   Envelope envelope;
   std::uint64_t timestamp = 0;
   Json detections;
   Json events;
+  Json counts;                 ///< of classes; empty for a frame
   std::uint32_t checksum = 0;  ///< of the message
 };
 

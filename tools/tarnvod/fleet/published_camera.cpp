@@ -4,24 +4,31 @@
 #include "fleet/published_camera.h"
 
 #include "base/output.h"
-#include "base/wall_clock.h"
 #include "cameras/service.h"
 #include "records/record_size.h"
 
-#include <cstddef>
+#include <algorithm>
 #include <utility>
 
 namespace tarn::command {
 
 PublishedCamera::PublishedCamera(int number, const VOD::CameraRequest& request, const SelectionOptions& selection,
                                  NumberedFrames& frames)
-    : number_(number), frames_(frames), since_(wallTimeNow().microseconds), selection_(selection) {
+    : number_(number),
+      countsOnly_(selection.countsOnly),
+      frames_(frames),
+      since_(wallTimeNow().microseconds),
+      selection_(selection) {
   camera_.emplace(number, request, [this](std::unique_ptr<VOD::DetectionData> frame) { add(std::move(frame)); });
   takeOver(camera_->status());
 }
 
 void PublishedCamera::add(std::unique_ptr<VOD::DetectionData> frame) {
   const WallTime now = wallTimeNow();
+  if (countsOnly_) {
+    addCounts(*frame, now);
+    return;
+  }
   std::uint64_t sequence = 0;
   {
     const Lock lock(mutex_);
@@ -31,9 +38,43 @@ void PublishedCamera::add(std::unique_ptr<VOD::DetectionData> frame) {
     sequence = ++sequence_;
   }
   const std::size_t bytes = sizeOf(*frame);
-  if (!frames_.push({{number_, sequence, now.microseconds, now.isSet}, std::move(frame)}, bytes)) {
+  push({{number_, sequence, now.microseconds, now.isSet}, std::move(frame), std::nullopt}, bytes);
+}
+
+void PublishedCamera::push(NumberedFrame numbered, std::size_t bytes) {
+  const std::uint64_t sequence = numbered.envelope.sequence;
+  if (!frames_.push(std::move(numbered), bytes)) {
     noteOverflow(sequence);
   }
+}
+
+void PublishedCamera::addCounts(const VOD::DetectionData& frame, const WallTime& now) {
+  std::optional<NumberedFrame> finished;
+  {
+    const Lock lock(mutex_);
+    finished = numbered(counter_.add(frame, now.microseconds, now.isSet));
+  }
+  if (finished) {
+    push(std::move(*finished), sizeof(NumberedFrame));
+  }
+}
+
+std::optional<NumberedFrame> PublishedCamera::numbered(std::optional<SecondCounts> counts) {
+  if (!counts) {
+    return std::nullopt;
+  }
+  const Envelope envelope{number_, ++sequence_, counts->arrival, counts->clockSet};
+  return NumberedFrame{envelope, nullptr, std::move(counts)};
+}
+
+std::optional<NumberedFrame> PublishedCamera::takeCounts(std::int64_t now) {
+  const Lock lock(mutex_);
+  return numbered(counter_.takeBefore(now));
+}
+
+std::optional<NumberedFrame> PublishedCamera::takeLastCounts() {
+  const Lock lock(mutex_);
+  return numbered(counter_.takeAll());
 }
 
 void PublishedCamera::noteOverflow(std::uint64_t sequence) {
@@ -49,7 +90,7 @@ std::vector<FrameRange> PublishedCamera::takeOverflow() {
 
 void PublishedCamera::noteKept(std::uint64_t sequence) {
   const Lock lock(mutex_);
-  kept_ = sequence;
+  kept_ = std::max(kept_, sequence);  // counts that the main thread took may overtake those in the queue
 }
 
 bool PublishedCamera::update() {

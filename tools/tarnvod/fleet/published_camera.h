@@ -5,13 +5,16 @@
 #define TARNVOD_COMMAND_PUBLISHED_CAMERA_H
 
 #include "base/lock.h"
+#include "base/wall_clock.h"
 #include "cameras/bounded_queue.h"
 #include "cameras/status_changes.h"
 #include "fleet/messages.h"
+#include "fleet/second_counter.h"
 #include "fleet/selection.h"
 
 #include <tarnvod/camera.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -20,10 +23,11 @@
 
 namespace tarn::command {
 
-/** A frame that has its number, on its way to the spool. */
+/** A frame, or the counts of a second, that has its number, on its way to the spool. */
 struct NumberedFrame {
   Envelope envelope;
-  std::unique_ptr<VOD::DetectionData> frame;
+  std::unique_ptr<VOD::DetectionData> frame;  ///< null for counts
+  std::optional<SecondCounts> counts;
 };
 
 using NumberedFrames = BoundedQueue<NumberedFrame>;
@@ -43,6 +47,11 @@ class PublishedCamera {
   /** Ends the subscription; no more frames come. */
   void end() { camera_.reset(); }
 
+  /** The counts of a second that is over at this time, in microseconds by the wall clock, if only counts are sent. */
+  std::optional<NumberedFrame> takeCounts(std::int64_t now);
+  /** The counts of the last second, once the camera has ended. */
+  std::optional<NumberedFrame> takeLastCounts();
+
   /** A frame is in the spool. */
   void noteKept(std::uint64_t sequence);
 
@@ -55,11 +64,15 @@ class PublishedCamera {
  private:
   /** On a thread of the platform. */
   void add(std::unique_ptr<VOD::DetectionData> frame);
+  void addCounts(const VOD::DetectionData& frame, const WallTime& now);
+  void push(NumberedFrame numbered, std::size_t bytes);
+  std::optional<NumberedFrame> numbered(std::optional<SecondCounts> counts) TARNVOD_REQUIRES(mutex_);
   /** Returns whether it is another state than before. */
   bool takeOver(const VOD::CameraStatus& status);
   bool wantsDetector() const;
 
   const int number_;
+  const bool countsOnly_;
   NumberedFrames& frames_;
   StatusChanges statusChanges_;
 
@@ -69,6 +82,7 @@ class PublishedCamera {
   std::optional<VOD::DetectorInformation> detector_ TARNVOD_GUARDED_BY(mutex_);
   std::uint64_t kept_ TARNVOD_GUARDED_BY(mutex_) = 0;
   Selection selection_ TARNVOD_GUARDED_BY(mutex_);
+  SecondCounter counter_ TARNVOD_GUARDED_BY(mutex_);
   std::uint64_t sequence_ TARNVOD_GUARDED_BY(mutex_) = 0;
   std::uint64_t overflowed_ TARNVOD_GUARDED_BY(mutex_) = 0;
   std::vector<FrameRange> overflow_ TARNVOD_GUARDED_BY(mutex_);

@@ -18,6 +18,7 @@ namespace tarn::command {
 struct SelectionOptions {
   std::uint64_t every = 1;   ///< one of so many
   bool changesOnly = false;  ///< only frames with events, or with other objects than the last one that was sent
+  bool countsOnly = false;   ///< instead of frames, what was counted in each second
 };
 
 /** Chooses frames of one camera. Not thread-safe. */

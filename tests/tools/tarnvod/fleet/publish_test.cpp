@@ -126,6 +126,27 @@ TEST_F(APublisher, SendsOneOfSoManyFrames) {
   EXPECT_THAT(times, ElementsAre(0, 4, 8, 12, 16));
 }
 
+TEST_F(APublisher, OfCountsSendsOneMessageForEachSecond) {
+  test::Listener listener(broker.port());
+
+  publish({"1", "--frames", "2", "--counts"});
+
+  listener.waitForState("stopped");
+  EXPECT_TRUE(test::matchSchemas(listener.lines()));
+  std::vector<json> counts;
+  for (const auto& message : listener.messages()) {
+    EXPECT_NE(message.json["schema"], "tarnvod.frame/1");
+    if (message.json["schema"] == "tarnvod.counts/1") {
+      counts.push_back(message.json);
+    }
+  }
+  ASSERT_GE(counts.size(), 2U);
+  EXPECT_EQ(counts[0]["sequence"], 1);
+  EXPECT_LT(counts[0]["second"], counts[1]["second"]);
+  EXPECT_EQ(counts[1]["classes"], (json{{{"className", "car"}, {"objects", 1}, {"most", 1}},
+                                        {{"className", "human"}, {"objects", 1}, {"most", 1}}}));
+}
+
 TEST_F(APublisher, KeepsFramesUntilACollectorHasStoredThem) {
   publish({"1", "--frames", "5", "--until-stored"});
   test::Listener listener(broker.port());
