@@ -27,7 +27,7 @@ _tarnvod() {
     [view]="--camera --class --all-classes --roi --recording --background --port --address --box --range --aspect --help"
     [publish]="--site --device --spool --spool-size --until-stored --every --changes --counts --camera --class --all-classes --roi --frames --seconds --metrics --host --port --cafile --cert --key --user --password-file --keepalive --help"
     [collect]="--site --name --metrics --host --port --cafile --cert --key --user --password-file --keepalive --help"
-    [audit]="--json --late --from-first --help"
+    [audit]="--json --late --from-first --live --for --site --host --port --cafile --cert --key --user --password-file --keepalive --help"
   )
   COMPREPLY=()
   if [[ $COMP_CWORD -eq 1 ]]; then
@@ -56,7 +56,7 @@ _tarnvod() {
       mapfile -t COMPREPLY < <(compgen -f -- "$current")
       return
       ;;
-    --class | --roi | --from | --to | --keep | --max-size | --ring | --after | --iou | --tolerance | --mota | --idf1 | --size | --frames | --seconds | --frame | --range | --aspect | --port | --address | --site | --device | --name | --spool-size | --every | --late | --metrics | --host | --user | --keepalive | --days | --seed | --day | --speed | --jobs | --patience | --callback-limit | --stop-limit | --check | --must-print | --must-not-print)
+    --class | --roi | --from | --to | --keep | --max-size | --ring | --after | --iou | --tolerance | --mota | --idf1 | --size | --frames | --seconds | --frame | --range | --aspect | --port | --address | --site | --device | --name | --spool-size | --every | --late | --for | --metrics | --host | --user | --keepalive | --days | --seed | --day | --speed | --jobs | --patience | --callback-limit | --stop-limit | --check | --must-print | --must-not-print)
       return
       ;;
   esac

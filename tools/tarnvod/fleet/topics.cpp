@@ -4,7 +4,6 @@
 #include "fleet/topics.h"
 
 #include <charconv>
-#include <vector>
 
 namespace tarn::command {
 namespace {
@@ -57,6 +56,12 @@ std::string statusTopic(const std::string& site, const std::string& device) {
 
 std::string storedTopic(const std::string& site, const std::string& device) {
   return deviceTopic(site, device) + "/stored";
+}
+
+std::vector<std::string> fleetTopics(const std::string& site) {
+  const std::string sites = site.empty() ? "+" : site;
+  return {"tarnvod/" + sites + "/+/camera/+/frames", "tarnvod/" + sites + "/+/camera/+/dropped",
+          statusTopic(sites, "+")};
 }
 
 std::optional<FleetTopic> parseTopic(std::string_view topic) {

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 /** The topics of a fleet: `tarnvod/SITE/DEVICE/...`. */
 namespace tarn::command {
@@ -20,6 +21,9 @@ std::string droppedTopic(const std::string& site, const std::string& device, int
 std::string statusTopic(const std::string& site, const std::string& device);
 /** Of what a collector has stored. */
 std::string storedTopic(const std::string& site, const std::string& device);
+
+/** What to subscribe to for all that devices publish. @param site  empty for all sites */
+std::vector<std::string> fleetTopics(const std::string& site);
 
 /** A topic taken apart. */
 struct FleetTopic {
