@@ -88,10 +88,8 @@ void Sender::serve() {
   isConnected_ = true;
   ++connections_;
   message_.print(broker.name() + ": connected");
-  untaken_.clear();
-  unstored_.clear();
   patience_ = shortestPatience;
-  spool_.rewind();
+  startOver();
   sendStatus(broker);
   while (broker.isConnected() && !isDone()) {
     sendEntries(broker);
@@ -115,8 +113,19 @@ void Sender::sendStatus(Broker& broker) {
   }
 }
 
+/** Sends everything again that is not settled. */
+void Sender::startOver() {
+  untaken_.clear();
+  underway_.clear();
+  spool_.rewind();
+}
+
+/** Nothing new while a report is overdue, so that what is sent again does not queue behind what is new. */
 void Sender::sendEntries(Broker& broker) {
-  while (untaken_.size() < window && unstored_.size() < window) {
+  if (isReportOverdue()) {
+    return;
+  }
+  while (underway_.size() < window) {
     const auto given = spool_.next();
     if (!given) {
       return;
@@ -132,11 +141,10 @@ void Sender::send(Broker& broker, const Spool::Given& given) {
                                     : droppedTopic(origin_.site, origin_.device, frames.camera);
   const int message = broker.publish(topic, isFrame ? given.entry.payload : droppedJson(origin_, frames));
   ++sent_;
-  if (keepUntilStored_) {
-    unstored_[{given.entry.kind, frames.camera, frames.start, frames.first}] = {given.position, Clock::now()};
-  } else {
-    untaken_[message] = given.position;
-  }
+  const Key key{given.entry.kind, frames.camera, frames.start, frames.first};
+  untaken_[message] = key;
+  underway_[key] = {given.position, !(furthest_ < given.position), std::nullopt};
+  furthest_ = std::max(furthest_, given.position);
 }
 
 void Sender::settle(const SpoolPosition& position) {
@@ -144,12 +152,21 @@ void Sender::settle(const SpoolPosition& position) {
   ++settled_;
 }
 
-/** A message, or the report of a collector, may be lost with a broker that is restarted. */
+/** The broker delivers what it has confirmed, so the collector's time begins with the confirmation. */
+bool Sender::isReportOverdue() const {
+  return std::any_of(underway_.begin(), underway_.end(), [now = Clock::now(), this](const auto& entry) {
+    const auto& takenAt = entry.second.takenAt;
+    return takenAt && now - *takenAt > patience_;
+  });
+}
+
+/**
+ * A message, or the report of a collector, may be lost with a broker that is restarted. What the broker has not
+ * confirmed is still queued here, and is waited for so that it does not queue twice.
+ */
 void Sender::sendOverdueAgain() {
-  const auto isOverdue = [now = Clock::now(), this](const auto& entry) { return now - entry.second.at > patience_; };
-  if (std::any_of(unstored_.begin(), unstored_.end(), isOverdue)) {
-    unstored_.clear();
-    spool_.rewind();
+  if (untaken_.empty() && isReportOverdue()) {
+    startOver();
     patience_ = std::min<Clock::duration>(2 * patience_, longestPatience);
   }
 }
@@ -157,9 +174,19 @@ void Sender::sendOverdueAgain() {
 void Sender::onTaken(int message) {
   lastStatusIsTaken_ = lastStatusIsTaken_ || message == lastStatus_;
   const auto found = untaken_.find(message);
-  if (found != untaken_.end()) {
-    settle(found->second);
-    untaken_.erase(found);
+  if (found == untaken_.end()) {
+    return;
+  }
+  const auto entry = underway_.find(found->second);
+  untaken_.erase(found);
+  if (entry == underway_.end()) {
+    return;
+  }
+  if (keepUntilStored_) {
+    entry->second.takenAt = Clock::now();
+  } else {
+    settle(entry->second.position);
+    underway_.erase(entry);
   }
 }
 
@@ -175,12 +202,19 @@ void Sender::onMessage(const BrokerMessage& message) {
 }
 
 void Sender::settleStored(SpoolEntry::Kind kind, const FrameRange& frames) {
-  auto entry = unstored_.lower_bound({kind, frames.camera, frames.start, frames.first});
+  auto entry = underway_.lower_bound({kind, frames.camera, frames.start, frames.first});
   const Key last{kind, frames.camera, frames.start, frames.last};
-  while (entry != unstored_.end() && !(last < entry->first)) {
+  while (entry != underway_.end() && !(last < entry->first)) {
+    adaptPatience(entry->second);
     settle(entry->second.position);
-    entry = unstored_.erase(entry);
-    patience_ = shortestPatience;
+    entry = underway_.erase(entry);
+  }
+}
+
+/** Twice what the collector took. A report on what was sent more than once may be on an earlier sending: it says nothing. */
+void Sender::adaptPatience(const Underway& entry) {
+  if (entry.takenAt && !entry.isRepeated) {
+    patience_ = std::clamp<Clock::duration>(2 * (Clock::now() - *entry.takenAt), shortestPatience, longestPatience);
   }
 }
 

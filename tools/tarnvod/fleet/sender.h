@@ -18,6 +18,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <thread>
 #include <tuple>
@@ -56,20 +57,25 @@ class Sender {
   /** What a collector's report names. */
   using Key = std::tuple<SpoolEntry::Kind, int, std::string, std::uint64_t>;
 
-  struct Sent {
+  /** An entry that was sent and is not settled. */
+  struct Underway {
     SpoolPosition position;
-    Clock::time_point at;
+    bool isRepeated = false;
+    std::optional<Clock::time_point> takenAt;  ///< when the broker confirmed it; none before that
   };
 
   void run();
   void serve();
   void sendStatus(Broker& broker);
+  void startOver();
   void sendEntries(Broker& broker);
   void send(Broker& broker, const Spool::Given& given);
   void settle(const SpoolPosition& position);
+  bool isReportOverdue() const;
   void sendOverdueAgain();
   void onTaken(int message);
   void onMessage(const BrokerMessage& message);
+  void adaptPatience(const Underway& entry);
   void settleStored(SpoolEntry::Kind kind, const FrameRange& frames);
   bool isOverdue();
   bool isDone();
@@ -95,9 +101,10 @@ class Sender {
   std::atomic<bool> isEnding_{false};
 
   // Of the thread.
-  std::map<int, SpoolPosition> untaken_;  ///< by number of the message
-  std::map<Key, Sent> unstored_;
-  Clock::duration patience_{0};  ///< how long to wait for a collector before entries are sent again
+  std::map<Key, Underway> underway_;
+  std::map<int, Key> untaken_;   ///< those that the broker has not confirmed, by number of the message
+  SpoolPosition furthest_;       ///< that was ever sent
+  Clock::duration patience_{0};  ///< how long to wait for a collector's report before entries are sent again
   bool lastStatusIsTaken_ = false;
   int lastStatus_ = 0;
   ChangedMessage message_;

@@ -66,6 +66,14 @@ void BrokerProcess::kill() {
   process_.reset();
 }
 
+void BrokerProcess::pause() {
+  process_->signal(SIGSTOP);
+}
+
+void BrokerProcess::goOn() {
+  process_->signal(SIGCONT);
+}
+
 Listener::Listener(int port)
     : broker_(
           optionsOf(port), {"listener", false, std::nullopt},

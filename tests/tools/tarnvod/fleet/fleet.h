@@ -31,6 +31,9 @@ class BrokerProcess {
   /** Fails the test when Mosquitto is not installed. */
   void start();
   void kill();
+  /** Stops to answer, as on a network that is cut, until it goes on. */
+  void pause();
+  void goOn();
 
   int port() const { return port_; }
   /** Options of the command with which it finds this broker. */

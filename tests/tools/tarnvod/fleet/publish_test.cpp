@@ -166,6 +166,20 @@ TEST_F(APublisher, KeepsFramesUntilACollectorHasStoredThem) {
   EXPECT_EQ(std::vector<int>(sequences.begin(), sequences.begin() + 5), numbersTo(5));
 }
 
+TEST_F(APublisher, DoesNotSendAgainWhatItsBrokerHasNotConfirmed) {
+  test::Listener listener(broker.port());
+  test::Process process(test::command(), publishing({"1", "--frames", "100", "--until-stored"}), playing("1"));
+  listener.waitUntil([&] { return !listener.sequences().empty(); });
+
+  broker.pause();
+  process.wait();
+  broker.goOn();
+
+  listener.waitForState("gone");
+  const auto sequences = listener.sequences();
+  EXPECT_EQ(sequences, numbersTo(static_cast<int>(sequences.size())));
+}
+
 TEST_F(APublisher, OutlivesItsBroker) {
   test::Process process(test::command(), publishing({"1"}), playing("5"));
   process.waitForErrors(": connected\n");
