@@ -91,8 +91,10 @@ void LiveView::show(const Arrival& arrival) {
   camera.statistics.add(*arrival.frame, arrival.at);
   histories_[arrival.camera].add(*arrival.frame, arrival.at);
   std::string json = frameJson(*arrival.frame, arrival.camera);
-  hub_.publishFrame(makeEvent("frame", json, millisecondsOf(arrival.at)));
+  const EventText event = makeEvent("frame", json, millisecondsOf(arrival.at));
+  // Before it is published, so that whoever has seen a frame finds it among the kept ones.
   kept_.add(arrival.at, std::move(json));
+  hub_.publishFrame(event);
 }
 
 void LiveView::reportStatusChanges(Clock::time_point now) {
