@@ -8,7 +8,7 @@
 readonly command_packages=(cmake ninja-build g++ pkgconf protobuf-compiler libprotobuf-dev libcli11-dev libmicrohttpd-dev
   libfmt-dev libmosquitto-dev libpq-dev libsqlite3-dev libutfcpp-dev nlohmann-json3-dev rapidjson-dev zlib1g-dev)
 readonly packaging_packages=(binutils dpkg-dev git lintian python3)
-readonly build_packages=("${command_packages[@]}" git libgtest-dev libgmock-dev mosquitto postgresql python3
+readonly build_packages=("${command_packages[@]}" git libgtest-dev libgmock-dev mosquitto openssl postgresql python3
   python3-jsonschema)
 
 is_installed() {
