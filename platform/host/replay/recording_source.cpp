@@ -5,8 +5,6 @@
 
 #include "diagnostics.h"
 
-#include <tarnvod/video_object_detection.pb.h>
-
 #include <algorithm>
 #include <utility>
 
@@ -60,13 +58,11 @@ void RecordingSource::startAgain() {
 }
 
 std::uint64_t RecordingSource::timeOf(const std::string& scene) {
-  // A scene that does not parse keeps the time stamp that was read before the error, or 0: it is due at once.
-  VOD::Scene message;
-  static_cast<void>(message.ParseFromString(scene));
+  const std::uint64_t timestamp = timestampOf(scene);
   if (!firstTimestamp_) {
-    firstTimestamp_ = message.timestamp();
+    firstTimestamp_ = timestamp;
   }
-  return message.timestamp() - std::min(message.timestamp(), *firstTimestamp_);
+  return timestamp - std::min(timestamp, *firstTimestamp_);
 }
 
 }  // namespace vod::host

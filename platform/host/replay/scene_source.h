@@ -20,6 +20,9 @@ struct TimedScene {
   std::size_t recording = 0;
 };
 
+/** The time stamp of a scene; of one that does not parse, what was read before the error, or 0. */
+std::uint64_t timestampOf(const std::string& scene);
+
 /** What is played: the scenes of one recording or of several, in the order of their delivery. */
 class SceneSource {
  public:

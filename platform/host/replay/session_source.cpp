@@ -5,8 +5,6 @@
 
 #include "diagnostics.h"
 
-#include <tarnvod/video_object_detection.pb.h>
-
 #include <algorithm>
 #include <utility>
 
@@ -81,10 +79,8 @@ void SessionSource::advance(Camera& camera) {
   if (!scene) {
     return;
   }
-  // A scene that does not parse keeps the time stamp that was read before the error, or 0.
-  VOD::Scene message;
-  static_cast<void>(message.ParseFromString(scene->bytes));
-  Head head{std::move(scene->bytes), message.timestamp(), camera.reader->index().boot(), scene->arrival, std::nullopt};
+  const std::uint64_t timestamp = timestampOf(scene->bytes);
+  Head head{std::move(scene->bytes), timestamp, camera.reader->index().boot(), scene->arrival, std::nullopt};
   setTime(camera, head);
   camera.head = std::move(head);
 }
