@@ -61,7 +61,16 @@ line() {
 
 readonly undecided='{"line_number": 1, "count": 4, "branches": [], "conditions": [
   {"count": 4, "covered": 3, "not_covered_true": [1], "not_covered_false": []}]}'
-readonly all_lines='lines: 100.0 % (1 of 1)'
+
+# find_uncovered STATUS LINES BRANCHES CONDITIONS EXEMPT [FAULT]: what it prints of one line, of which LINES are reached.
+find_uncovered() {
+  local lines=('lines: 0.0 % (0 of 1)' 'lines: 100.0 % (1 of 1)')
+  expect "$1" "${6:+$6
+}${lines[$2]}
+branches: $3
+conditions: $4
+exempt lines: $5" "$scripts/lib/find-uncovered" --gcov ./gcov build
+}
 
 case $3 in
   FindAvoidedWords.AcceptsPlainWords)
@@ -109,71 +118,36 @@ find-avoided-words: plainer words are at the head of $scripts/lib/avoided-words.
 check-version: take the version from PROJECT_VERSION" "$scripts/lib/check-version" ;;
   FindUncovered.AcceptsWhatIsCovered)
     counted "a;" "$(line 1 4 1 3)"
-    expect 0 "$all_lines
-branches: 100.0 % (2 of 2)
-conditions: none
-exempt lines: 0" "$scripts/lib/find-uncovered" --gcov ./gcov build ;;
+    find_uncovered 0 1 "100.0 % (2 of 2)" "none" 0 ;;
   FindUncovered.ReportsALineThatIsNotReached)
     counted "a;" "$(line 1 0)"
-    expect 1 "src/a.cpp:1: is not reached
-lines: 0.0 % (0 of 1)
-branches: none
-conditions: none
-exempt lines: 0" "$scripts/lib/find-uncovered" --gcov ./gcov build ;;
+    find_uncovered 1 0 "none" "none" 0 "src/a.cpp:1: is not reached" ;;
   FindUncovered.ReportsABranchThatIsNotTaken)
     counted "a;" "$(line 1 4 4 0)"
-    expect 1 "src/a.cpp:1: 1 of 2 branches are not taken
-$all_lines
-branches: 50.0 % (1 of 2)
-conditions: none
-exempt lines: 0" "$scripts/lib/find-uncovered" --gcov ./gcov build ;;
+    find_uncovered 1 1 "50.0 % (1 of 2)" "none" 0 "src/a.cpp:1: 1 of 2 branches are not taken" ;;
   FindUncovered.AddsUpWhatSeveralObjectsHaveCounted)
     counted "a;" "$(line 1 4 4 0)" "$(line 1 4 0 4)"
-    expect 0 "$all_lines
-branches: 100.0 % (2 of 2)
-conditions: none
-exempt lines: 0" "$scripts/lib/find-uncovered" --gcov ./gcov build ;;
+    find_uncovered 0 1 "100.0 % (2 of 2)" "none" 0 ;;
   FindUncovered.ReportsATermThatHasNotDecided)
     counted "a;" "$undecided"
-    expect 1 "src/a.cpp:1: term 2 of 2 has never decided the condition by being true
-$all_lines
-branches: none
-conditions: 75.0 % (3 of 4)
-exempt lines: 0" "$scripts/lib/find-uncovered" --gcov ./gcov build ;;
+    find_uncovered 1 1 "none" "75.0 % (3 of 4)" 0 "src/a.cpp:1: term 2 of 2 has never decided the condition by being true" ;;
   FindUncovered.AcceptsAnExemptionBehindItsLine)
     counted "a;  // uncovered: a reason" "$undecided"
-    expect 0 "$all_lines
-branches: none
-conditions: 75.0 % (3 of 4)
-exempt lines: 1" "$scripts/lib/find-uncovered" --gcov ./gcov build ;;
+    find_uncovered 0 1 "none" "75.0 % (3 of 4)" 1 ;;
   FindUncovered.AcceptsAnExemptionAboveItsLine)
     counted "// uncovered: a reason
 // of two lines
 a;" "$(line 3 0)"
-    expect 0 "lines: 0.0 % (0 of 1)
-branches: none
-conditions: none
-exempt lines: 1" "$scripts/lib/find-uncovered" --gcov ./gcov build ;;
+    find_uncovered 0 0 "none" "none" 1 ;;
   FindUncovered.ReportsAnExemptionWithoutAReason)
     counted "a;  // uncovered:" "$(line 1 0)"
-    expect 1 "src/a.cpp:1: is not reached
-lines: 0.0 % (0 of 1)
-branches: none
-conditions: none
-exempt lines: 0" "$scripts/lib/find-uncovered" --gcov ./gcov build ;;
+    find_uncovered 1 0 "none" "none" 0 "src/a.cpp:1: is not reached" ;;
   FindUncovered.ReportsAnExemptionThatIsOutOfDate)
     counted "a;  // uncovered: a reason" "$(line 1 4)"
-    expect 1 "src/a.cpp:1: is exempt, but covered
-$all_lines
-branches: none
-conditions: none
-exempt lines: 1" "$scripts/lib/find-uncovered" --gcov ./gcov build ;;
+    find_uncovered 1 1 "none" "none" 1 "src/a.cpp:1: is exempt, but covered" ;;
   FindUncovered.AcceptsAnExemptionOfWhatMayBeCovered)
     counted "a;  // may be uncovered: a reason" "$(line 1 4)"
-    expect 0 "$all_lines
-branches: none
-conditions: none
-exempt lines: 1" "$scripts/lib/find-uncovered" --gcov ./gcov build ;;
+    find_uncovered 0 1 "none" "none" 1 ;;
   Check.RefusesUnknownArguments)
     expect 2 "usage: $scripts/check [--quick|--nightly]" "$scripts/check" --fast ;;
   CheckReproducible.RefusesUnknownArguments)
