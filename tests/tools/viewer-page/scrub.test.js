@@ -75,7 +75,7 @@ describe('the live view', () => {
 
   test('says so when the moment of its address is not kept, and shows what is now', async () => {
     const { page: linked, complaints: others } = await look(viewer, { address: '#at=1' });
-    await linked.locator('#notice', { hasText: 'is no longer kept; this is the live view' }).waitFor();
+    await linked.locator('#notice', { hasText: 'has been dropped; this is the live view' }).waitFor();
     const shown = (await drawn(linked, 1)).timestamp;
     assert.ok(await shownAfter(linked, 1, shown) !== shown);
     assert.ok(await linked.locator('#notice').isVisible());

@@ -132,7 +132,7 @@ export class LivePage extends Page {
     if (oldest <= at && at <= clock()) {
       this.player.show(at);
     } else {
-      this.complain(`The moment of the link, ${clockText(at)}, is no longer kept; this is the live view.`);
+      this.complain(`The moment of the link, ${clockText(at)}, has been dropped; this is the live view.`);
       this.changed();
     }
   }
