@@ -6,9 +6,9 @@
 const assert = require('node:assert');
 const { readdirSync, readFileSync } = require('node:fs');
 const { describe, it } = require('node:test');
-const { Spec, Validation } = require('@cyclonedx/cyclonedx-library');
+const { Validation } = require('@cyclonedx/cyclonedx-library');
 
-const validator = new Validation.JsonStrictValidator(Spec.Version.v1dot5);
+const validator = new Validation.JsonStrictValidator('1.5');
 const bills = readdirSync('bills');
 
 describe('The bill of materials', () => {

@@ -34,7 +34,7 @@ class BoundedQueue {
   explicit BoundedQueue(QueueCapacity capacity) : capacity_(capacity) {}
 
   /**
-   * Adds a value, or drops it when there is no room.
+   * Adds a value, or drops it when the queue is full.
    *
    * @param bytes  the memory of the value
    * @return whether it was added

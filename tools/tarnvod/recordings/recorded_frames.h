@@ -36,7 +36,7 @@ class RecordedFrames {
     std::string json;  ///< an array
   };
 
-  /** @throw vod::recording::RecordingError  when there are no scenes to be opened */
+  /** @throw vod::recording::RecordingError  when the scenes cannot be opened */
   explicit RecordedFrames(const std::filesystem::path& folder);
 
   /**

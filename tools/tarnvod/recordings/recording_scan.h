@@ -61,7 +61,7 @@ class DamageList {
  *
  * @param visit   gets each scene that can be read; false ends the reading
  * @param damage  gets what cannot be read
- * @throw vod::recording::RecordingError  when there are no scenes to be opened
+ * @throw vod::recording::RecordingError  when the scenes cannot be opened
  * @throw Failure                         when the command has been asked to end
  */
 void scanRecording(const std::filesystem::path& folder, const std::function<bool(const ScannedScene&)>& visit,

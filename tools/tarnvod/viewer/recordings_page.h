@@ -22,7 +22,7 @@ struct RecordingsPage {
  *
  * @param setup  with a background for each recording that has one, as the address of an image
  * @throw Failure                         when it would be too large, or the command has been asked to end
- * @throw vod::recording::RecordingError  when there are no scenes to be opened
+ * @throw vod::recording::RecordingError  when the scenes cannot be opened
  */
 RecordingsPage recordingsPage(const std::vector<std::string>& recordings, const PageSetup& setup,
                               const std::string& title);
