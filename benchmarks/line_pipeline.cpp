@@ -6,13 +6,17 @@
 #include "pipelines.h"
 #include "records/frame_json.h"
 
+#include <memory>
+
 namespace tarn::VOD::bench {
 
 ProcessFrame linePipeline(const Sample& sample) {
   constexpr int camera = 1;
-  return [records = recordsOf(sample)]() mutable {
-    const std::string line = command::frameJson(records.next(), camera);
-    asm volatile("" : : "r"(line.data()) : "memory");
+  const auto line = std::make_shared<command::TextBuffer>();
+  return [records = recordsOf(sample), line]() mutable {
+    line->clear();
+    command::appendFrameJson(*line, records.next(), camera);
+    asm volatile("" : : "r"(line->text().data()) : "memory");
   };
 }
 

@@ -6,7 +6,7 @@
 # The packages to build the library, the host platform and the command; those to make packages of that; and those to build
 # everything, with tests and fuzzers.
 readonly command_packages=(cmake ninja-build g++ pkgconf protobuf-compiler libprotobuf-dev libcli11-dev libmicrohttpd-dev
-  libfmt-dev libmosquitto-dev libpq-dev libsqlite3-dev libutfcpp-dev nlohmann-json3-dev rapidjson-dev zlib1g-dev)
+  libfmt-dev libmosquitto-dev libpq-dev libsqlite3-dev libutfcpp-dev nlohmann-json3-dev zlib1g-dev)
 readonly packaging_packages=(binutils dpkg-dev git lintian python3)
 readonly build_packages=("${command_packages[@]}" git libgtest-dev libgmock-dev mosquitto openssl postgresql python3
   python3-jsonschema)

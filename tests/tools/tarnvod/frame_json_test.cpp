@@ -70,6 +70,18 @@ TEST(AFrameWrittenDirectly, MayBeEmpty) {
   expectTheTextOfValues({0, {}, {}});
 }
 
+TEST(AFrameWrittenDirectly, IsAppendedToTheText) {
+  const DetectionData frame{100000, std::vector<Data>(100, detectionNamed("car")), {}};
+  TextBuffer text;
+  text.append("before,");
+
+  appendFrameJson(text, frame, 3);
+  appendFrameJson(text, frame, 3);
+
+  EXPECT_EQ(text.text(), "before," + frameJson(frame, 3) + frameJson(frame, 3));
+  expectTheTextOfValues(frame);
+}
+
 TEST(AFrameInAnEnvelope, GainsFieldsAndKeepsTheOthers) {
   const DetectionData frame{100000, {detectionNamed("car")}, {}};
   const std::string plain = frameJson(frame, 2);

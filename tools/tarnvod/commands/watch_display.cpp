@@ -21,7 +21,10 @@ class LineDisplay : public WatchDisplay {
 
   void showFrame(const VOD::DetectionData& frame, int camera) override {
     if (json_) {
-      standardOutput().write(frameJson(frame, camera) + '\n');
+      line_.clear();
+      appendFrameJson(line_, frame, camera);
+      line_.append('\n');
+      standardOutput().write(line_.text());
     } else {
       standardOutput().writeText(frameLine(frame, camera));
     }
@@ -33,6 +36,7 @@ class LineDisplay : public WatchDisplay {
 
  private:
   const bool json_;
+  TextBuffer line_;  // keeps its memory from frame to frame
 };
 
 /** A table that is redrawn in place; each camera's line in it says how the camera is. */

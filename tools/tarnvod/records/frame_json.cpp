@@ -8,8 +8,6 @@
 #include "records/json.h"
 
 #include <nlohmann/json.hpp>
-#include <rapidjson/stringbuffer.h>
-#include <rapidjson/writer.h>
 
 #include <algorithm>
 #include <array>
@@ -23,122 +21,149 @@
 namespace tarn::command {
 namespace {
 
-using Writer = rapidjson::Writer<rapidjson::StringBuffer>;
-
-void write(Writer& writer, int number) {
-  writer.Int(number);
+template <typename Integer>
+std::enable_if_t<std::is_integral_v<Integer>> write(TextBuffer& text, Integer number) {
+  text.append(number);
 }
 
-void write(Writer& writer, std::uint32_t number) {
-  writer.Uint(number);
+void write(TextBuffer& text, bool value) {
+  text.append(value ? "true" : "false");
 }
 
-void write(Writer& writer, std::uint64_t number) {
-  writer.Uint64(number);
-}
-
-/** With the digits that read back as the same float; RapidJSON knows only those of a double. */
-void write(Writer& writer, float number) {
+/** With the digits that read back as the same float, of which there can be several; these are the ones of all other JSON text. */
+void write(TextBuffer& text, float number) {
   if (!std::isfinite(number)) {
-    writer.Null();
+    text.append("null");
     return;
   }
-  std::array<char, 64> text{};
-  const char* const end = nlohmann::detail::to_chars(text.data(), text.data() + text.size(), number);
-  writer.RawValue(text.data(), static_cast<std::size_t>(end - text.data()), rapidjson::kNumberType);
+  std::array<char, 64> digits{};
+  const char* const end = nlohmann::detail::to_chars(digits.data(), digits.data() + digits.size(), number);
+  text.append({digits.data(), static_cast<std::size_t>(end - digits.data())});
 }
 
-/** Names are almost always printable ASCII; the others are checked and escaped where all other JSON text is. */
-void write(Writer& writer, const std::string& text) {
-  if (std::all_of(text.begin(), text.end(), [](char byte) { return byte >= ' ' && byte <= '~'; })) {
-    writer.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
+bool isPlain(char byte) {
+  return byte >= ' ' && byte <= '~' && byte != '"' && byte != '\\';
+}
+
+/** Names are almost always plain ASCII; the others are checked and escaped where all other JSON text is. */
+void write(TextBuffer& text, const std::string& value) {
+  if (std::all_of(value.begin(), value.end(), isPlain)) {
+    text.append('"');
+    text.append(value);
+    text.append('"');
     return;
   }
-  const std::string escaped = oneLine(Json(text));
-  writer.RawValue(escaped.data(), escaped.size() - 1, rapidjson::kStringType);
+  const std::string escaped = oneLine(Json(value));
+  text.append({escaped.data(), escaped.size() - 1});
 }
 
 /** By name. */
 template <typename Enumeration>
-std::enable_if_t<std::is_enum_v<Enumeration>> write(Writer& writer, Enumeration value) {
+std::enable_if_t<std::is_enum_v<Enumeration>> write(TextBuffer& text, Enumeration value) {
   thread_local std::map<Enumeration, std::string> names;  // printing a name takes far longer than finding it
   const auto [entry, isNew] = names.try_emplace(value);
   if (isNew) {
     entry->second = nameOf(value);
   }
-  write(writer, entry->second);
+  write(text, entry->second);
 }
 
 template <typename Record, typename = decltype(VOD::MemberList<Record>::members)>
-void write(Writer& writer, const Record& record);
+void write(TextBuffer& text, const Record& record);
 
 template <typename Value>
-void write(Writer& writer, const std::optional<Value>& value) {
-  value ? write(writer, *value) : static_cast<void>(writer.Null());
+void write(TextBuffer& text, const std::optional<Value>& value) {
+  value ? write(text, *value) : text.append("null");
 }
 
 template <typename Value>
-void write(Writer& writer, const std::vector<Value>& values) {
-  writer.StartArray();
+void write(TextBuffer& text, const std::vector<Value>& values) {
+  text.append('[');
+  bool isFirst = true;
   for (const Value& value : values) {
-    write(writer, value);
+    if (!isFirst) {
+      text.append(',');
+    }
+    isFirst = false;
+    write(text, value);
   }
-  writer.EndArray();
+  text.append(']');
+}
+
+template <typename Value>
+void writeMember(TextBuffer& text, std::string_view name, const Value& value) {
+  text.append('"');
+  text.append(name);
+  text.append("\":");
+  write(text, value);
 }
 
 template <typename Record>
-void writeMembers(Writer& writer, const Record& record) {
-  VOD::visitMembers(record, [&writer](const char* name, const auto& value) {
-    writer.Key(name);
-    write(writer, value);
+void writeMembers(TextBuffer& text, const Record& record) {
+  bool isFirst = true;
+  VOD::visitMembers(record, [&](const char* name, const auto& value) {
+    if (!isFirst) {
+      text.append(',');
+    }
+    isFirst = false;
+    writeMember(text, name, value);
   });
 }
 
 template <typename Record, typename>
-void write(Writer& writer, const Record& record) {
-  writer.StartObject();
-  writeMembers(writer, record);
-  writer.EndObject();
+void write(TextBuffer& text, const Record& record) {
+  text.append('{');
+  writeMembers(text, record);
+  text.append('}');
 }
 
 template <typename Value>
-void write(Writer& writer, const char* name, const Value& value) {
-  writer.Key(name);
-  write(writer, value);
+void writeHeadMember(TextBuffer& text, std::string_view name, const Value& value) {
+  writeMember(text, name, value);
+  text.append(',');
 }
 
-/** A frame's object; `writeHead` adds members behind the schema. */
-template <typename WriteHead>
-std::string frameObject(const VOD::DetectionData& frame, int camera, WriteHead writeHead) {
-  rapidjson::StringBuffer buffer;
-  Writer writer(buffer);
-  writer.StartObject();
-  writer.Key("schema");
-  writer.String(frameSchema);
-  writeHead(writer);
-  write(writer, "camera", camera);
-  writeMembers(writer, frame);
-  writer.EndObject();
-  return {buffer.GetString(), buffer.GetSize()};
+void writeSchema(TextBuffer& text) {
+  text.append("{\"schema\":\"");
+  text.append(frameSchema);
+  text.append("\",");
+}
+
+void writeFrame(TextBuffer& text, const VOD::DetectionData& frame, int camera) {
+  writeHeadMember(text, "camera", camera);
+  writeMembers(text, frame);
+  text.append('}');
 }
 
 }  // namespace
 
+void appendFrameJson(TextBuffer& text, const VOD::DetectionData& frame, int camera) {
+  writeSchema(text);
+  writeFrame(text, frame, camera);
+}
+
+void appendFrameJson(TextBuffer& text, const VOD::DetectionData& frame, const Origin& origin,
+                     const Envelope& envelope) {
+  writeSchema(text);
+  writeHeadMember(text, "site", origin.site);
+  writeHeadMember(text, "device", origin.device);
+  writeHeadMember(text, "start", origin.start);
+  writeHeadMember(text, "sequence", envelope.sequence);
+  writeHeadMember(text, "arrival", envelope.arrival);
+  writeHeadMember(text, "clockSet", envelope.clockSet);
+  writeFrame(text, frame, envelope.camera);
+}
+
 std::string frameJson(const VOD::DetectionData& frame, int camera) {
-  return frameObject(frame, camera, [](Writer&) {});
+  TextBuffer text;
+  appendFrameJson(text, frame, camera);
+  return std::string(text.text());
 }
 
 std::string frameJson(const VOD::DetectionData& frame, const Origin& origin, const Envelope& envelope) {
-  return frameObject(frame, envelope.camera, [&](Writer& writer) {
-    write(writer, "site", origin.site);
-    write(writer, "device", origin.device);
-    write(writer, "start", origin.start);
-    write(writer, "sequence", envelope.sequence);
-    writer.Key("arrival");
-    writer.Int64(envelope.arrival);
-    writer.Key("clockSet");
-    writer.Bool(envelope.clockSet);
-  });
+  TextBuffer text;
+  appendFrameJson(text, frame, origin, envelope);
+  return std::string(text.text());
 }
 
 }  // namespace tarn::command
