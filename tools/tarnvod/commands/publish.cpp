@@ -94,16 +94,24 @@ class Publisher {
            });
   }
 
-  /** Waits for a frame, a tick at most, and keeps all that have come. */
-  void keepFrames() {
+  /**
+   * Waits for a frame, a tick at most, and keeps those that have come: no more than are kept in a tick, because they may come faster than
+   * that.
+   *
+   * @return whether there were any
+   */
+  bool keepFrames() {
+    const Clock::time_point end = Clock::now() + tickPeriod;
     auto numbered = frames_.popWithin(tickPeriod);
     const bool isSome = numbered.has_value();
-    for (; numbered; numbered = frames_.popWithin(std::chrono::milliseconds(0))) {
+    while (numbered) {
       keep(*numbered);
+      numbered = Clock::now() < end ? frames_.popWithin(std::chrono::milliseconds(0)) : std::nullopt;
     }
     if (isSome) {
       sender_.wake();
     }
+    return isSome;
   }
 
   void keep(const NumberedFrame& numbered) {
@@ -187,7 +195,8 @@ class Publisher {
     for (PublishedCamera& camera : cameras_) {
       camera.end();
     }
-    keepFrames();
+    while (keepFrames()) {
+    }
     for (PublishedCamera& camera : cameras_) {
       if (const auto counts = camera.takeLastCounts()) {
         keep(*counts);

@@ -98,6 +98,16 @@ TEST_F(APublisher, IsReportedAsGoneWhenItIsKilled) {
   listener.waitForState("gone");
 }
 
+TEST_F(APublisher, EndsWhileFramesComeFasterThanItKeepsThem) {
+  test::Listener listener(broker.port());
+  test::Process process(test::command(), publishing({"1", "--spool-size", "64K"}), playing("max"));
+  listener.waitUntil([&] { return !listener.sequences().empty(); });
+
+  process.signal(SIGTERM);
+
+  EXPECT_EQ(process.wait().exitCode, 0);
+}
+
 TEST_F(APublisher, OfAServiceThatIsDownSaysSo) {
   test::Process process(test::command(), publishing({"1"}), test::serviceDown());
   test::Listener listener(broker.port());
