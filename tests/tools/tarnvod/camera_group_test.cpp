@@ -26,7 +26,6 @@ class ASlowReader : public testing::Test {
   ASlowReader() {
     vod::host::reset();
     vod::host::channel(0).detectorInformation(test::detector().SerializeAsString());
-    options_.cameras = {1};
   }
 
   /** Lets the service send frames for longer than any pause that looks like a silence, while nobody reads. */
@@ -35,14 +34,12 @@ class ASlowReader : public testing::Test {
     vod::host::channel(0).waitForEndOfRecording();
     ASSERT_EQ(group.cameras().front().camera.status().framesDelivered, framesOfTwoSeconds);
   }
-
-  tarn::command::CameraOptions options_;
 };
 
 TEST_F(ASlowReader, IsNotTakenForASilentCamera) {
   const test::TemporaryFolder folder;
   test::makeRecording(folder / "recording");
-  CameraGroup group(options_);
+  CameraGroup group({1}, {});
   group.connect();
   vod::host::clearJournal();
 

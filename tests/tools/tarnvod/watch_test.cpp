@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+#include "late_service.h"
 #include "schema_check.h"
 #include "situations.h"
 
@@ -250,6 +251,25 @@ TEST(WatchOfAServiceThatIsDown, FailsWhenNoFrameHasComeInTime) {
 
   EXPECT_EQ(outcome.exitCode, 1);
   EXPECT_THAT(outcome.errors, HasSubstr("camera 1: no frame came; the service does not answer"));
+}
+
+using WatchOfALateService = test::ALateService;
+
+TEST_F(WatchOfALateService, WaitsForItsCamerasWhenNoneIsNamed) {
+  test::Process watch(test::command(), {"watch"}, lateBy("1h"));
+
+  watch.waitForErrors("tarnvod: the service does not report its cameras; waiting until it does\n");
+
+  watch.signal(SIGTERM);
+  EXPECT_EQ(watch.wait().exitCode, 0);
+}
+
+TEST_F(WatchOfALateService, FailsWhenItsCamerasAreNotKnownInTime) {
+  const test::Outcome outcome = test::run({"watch", "--seconds", "0.2"}, lateBy("1h"));
+
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_THAT(outcome.errors,
+              HasSubstr("the service does not report its cameras; check that it runs, or name cameras\n"));
 }
 
 }  // namespace

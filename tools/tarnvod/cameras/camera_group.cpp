@@ -4,14 +4,10 @@
 #include "cameras/camera_group.h"
 
 #include "base/errors.h"
-#include "cameras/service.h"
 
 #include <algorithm>
 
 namespace tarn::command {
-
-CameraGroup::CameraGroup(const CameraOptions& options)
-    : numbers_(chosenCameras(options.cameras)), request_(options.request()) {}
 
 void CameraGroup::connect() {
   for (const int camera : numbers_) {

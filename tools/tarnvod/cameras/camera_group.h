@@ -4,7 +4,6 @@
 #ifndef TARNVOD_COMMAND_CAMERA_GROUP_H
 #define TARNVOD_COMMAND_CAMERA_GROUP_H
 
-#include "cameras/camera_options.h"
 #include "cameras/watched_camera.h"
 
 #include <chrono>
@@ -13,6 +12,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
 
 namespace tarn::command {
 
@@ -22,8 +22,8 @@ class CameraGroup {
   /** How long to wait for a frame before the time is looked at. */
   static constexpr std::chrono::milliseconds tickPeriod{50};
 
-  /** @throw Failure as `chosenCameras` */
-  explicit CameraGroup(const CameraOptions& options);
+  CameraGroup(std::set<int> numbers, VOD::CameraRequest request)
+      : numbers_(std::move(numbers)), request_(std::move(request)) {}
 
   /** Sets all up, or tries to. @throw Failure when a detector does not know a class that was asked for */
   void connect();

@@ -80,19 +80,4 @@ bool recordingHasEnded([[maybe_unused]] int camera) {
 #endif
 }
 
-std::set<int> chosenCameras(const std::vector<int>& named) {
-  const std::uint32_t channels = channelCount();
-  if (named.empty() && channels == 0) {
-    throw Failure("the service does not report its cameras; check that it runs, or name cameras");
-  }
-  std::set<int> cameras(named.begin(), named.end());
-  for (const int camera : cameras) {
-    checkCameraExists(camera, channels);
-  }
-  for (int camera = 1; named.empty() && camera <= static_cast<int>(channels); ++camera) {
-    cameras.insert(camera);
-  }
-  return cameras;
-}
-
 }  // namespace tarn::command

@@ -8,9 +8,7 @@
 
 #include <cstdint>
 #include <optional>
-#include <set>
 #include <string>
-#include <vector>
 
 /** Questions to the service, with answers that say whether there was one. */
 namespace tarn::command {
@@ -44,13 +42,6 @@ bool recordingHasEnded(int camera);
 
 /** @throw Failure  when the camera is not one of the service's channels; a count of 0 is unknown and checks nothing */
 void checkCameraExists(int camera, std::uint32_t channels);
-
-/**
- * The cameras that were named, each once, or all that the service has if none was named.
- *
- * @throw Failure  when a camera does not exist, or none was named and the service does not report how many there are
- */
-std::set<int> chosenCameras(const std::vector<int>& named);
 
 }  // namespace tarn::command
 

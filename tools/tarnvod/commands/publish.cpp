@@ -8,8 +8,8 @@
 #include "base/stop_signal.h"
 #include "base/unit_options.h"
 #include "base/wall_clock.h"
+#include "cameras/camera_choice.h"
 #include "cameras/camera_options.h"
-#include "cameras/service.h"
 #include "commands/subcommands.h"
 #include "fleet/broker_options.h"
 #include "fleet/fleet_options.h"
@@ -23,6 +23,7 @@
 #include <recording/recording.h>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <deque>
@@ -31,6 +32,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tarn::command {
@@ -63,14 +65,12 @@ class Publisher {
       : options_(options),
         origin_{options.site, options.device, newStartId()},
         spoolLimit_(options.spoolLimit.value_or(usualSpool)),
-        numbers_(chosenCameras(options.cameras.cameras)),
+        choice_(options.cameras.cameras),
         spool_(options.spool, spoolLimit_),
         sender_(spool_, origin_, options.broker, options.keepUntilStored) {}
 
   void run() {
-    for (const int number : numbers_) {
-      cameras_.emplace_back(number, options_.cameras.request(), options_.selection, frames_);
-    }
+    connectCameras();
     serveMetrics();
     manager_.reportReady();
     while (!stopRequested() && !options_.limits.reachedBy(Clock::now() - start_) && !hasEnough()) {
@@ -81,6 +81,20 @@ class Publisher {
   }
 
  private:
+  /** Once it is known which; a service that does not answer then keeps none of the other work from being done. */
+  void connectCameras() {
+    if (hasCameras_) {
+      return;
+    }
+    if (auto cameras = choice_.find(Clock::now())) {
+      numbers_ = std::move(*cameras);
+      for (const int number : numbers_) {
+        cameras_.emplace_back(number, options_.cameras.request(), options_.selection, frames_);
+      }
+      hasCameras_ = true;
+    }
+  }
+
   void serveMetrics() {
     if (!options_.metrics.empty()) {
       metrics_.emplace(
@@ -89,9 +103,9 @@ class Publisher {
   }
 
   bool hasEnough() const {
-    return options_.limits.frames && std::all_of(cameras_.begin(), cameras_.end(), [this](const auto& camera) {
-             return camera.report().numbered >= *options_.limits.frames;
-           });
+    return options_.limits.frames && hasCameras_ &&
+           std::all_of(cameras_.begin(), cameras_.end(),
+                       [this](const auto& camera) { return camera.report().numbered >= *options_.limits.frames; });
   }
 
   /**
@@ -151,6 +165,7 @@ class Publisher {
     const Clock::time_point now = Clock::now();
     manager_.reportAlive(now);
     liveness_.note(now);
+    connectCameras();
     keepCounts();
     noteOverflow();
     const auto updates = std::count_if(cameras_.begin(), cameras_.end(), [](auto& camera) { return camera.update(); });
@@ -176,13 +191,14 @@ class Publisher {
     }
   }
 
-  /** Thread-safe once all cameras are there. */
+  /** Thread-safe. */
   PublisherReport report(const std::string& state) const {
     PublisherReport report;
     report.state = state;
     report.startedAt = startedAt_;
-    for (const PublishedCamera& camera : cameras_) {
-      report.cameras.push_back(camera.report());
+    if (hasCameras_) {
+      std::transform(cameras_.begin(), cameras_.end(), std::back_inserter(report.cameras),
+                     [](const PublishedCamera& camera) { return camera.report(); });
     }
     report.spool = spool_.figures();
     report.spoolLimit = spoolLimit_;
@@ -209,7 +225,7 @@ class Publisher {
   const PublishOptions& options_;
   const Origin origin_;
   const std::uint64_t spoolLimit_;
-  const std::set<int> numbers_;
+  CameraChoice choice_;
   const Clock::time_point start_ = Clock::now();
   const std::int64_t startedAt_ = wallTimeNow().microseconds;
   Spool spool_;
@@ -219,7 +235,9 @@ class Publisher {
   ChangedMessage spoolProblem_;
   std::vector<FrameRange> overflow_;
   NumberedFrames frames_{queueCapacity};
+  std::set<int> numbers_;
   std::deque<PublishedCamera> cameras_;  // after the queue, which their frames go to
+  std::atomic<bool> hasCameras_{false};  ///< from then on the two above do not change
   Liveness liveness_;
   std::optional<MetricsServer> metrics_;  // last, because it reports all else
 };

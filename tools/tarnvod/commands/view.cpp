@@ -5,8 +5,8 @@
 #include "base/options.h"
 #include "base/output.h"
 #include "base/stop_signal.h"
+#include "cameras/camera_choice.h"
 #include "cameras/camera_options.h"
-#include "cameras/service.h"
 #include "commands/subcommands.h"
 #include "http/http_server.h"
 #include "metrics/metrics_server.h"
@@ -98,12 +98,12 @@ void begin(HttpServer& server) {
 }
 
 int viewCameras(const ViewOptions& options) {
-  const std::set<int> cameras = chosenCameras(options.cameras.cameras);
+  const std::set<int> cameras = awaitCameras(options.cameras.cameras, {});
   const Backgrounds backgrounds = readBackgrounds(options.backgrounds, cameras);
   EventHub hub;
   KeptFrames kept;
   Liveness liveness;
-  LiveView view(options.cameras, hub, kept);
+  LiveView view(cameras, options.cameras.request(), hub, kept);
   HttpServer server(options.address, options.port);
   addSetup(server.site(), options, cameras, backgrounds);
   addMetrics(

@@ -5,7 +5,9 @@
 #include "base/options.h"
 #include "base/stop_signal.h"
 #include "base/text.h"
+#include "cameras/camera_choice.h"
 #include "cameras/camera_group.h"
+#include "cameras/camera_options.h"
 #include "commands/subcommands.h"
 #include "commands/watch_display.h"
 
@@ -27,7 +29,10 @@ struct WatchOptions {
 /** Receives the cameras' frames and shows them until it is asked to end. */
 class Watch {
  public:
-  explicit Watch(const WatchOptions& options) : limits_(options.limits), json_(options.json), group_(options.cameras) {}
+  explicit Watch(const WatchOptions& options)
+      : limits_(options.limits),
+        json_(options.json),
+        group_(awaitCameras(options.cameras.cameras, options.limits), options.cameras.request()) {}
 
   void run() {
     group_.connect();

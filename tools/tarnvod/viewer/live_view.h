@@ -20,7 +20,8 @@ namespace tarn::command {
 class LiveView {
  public:
   /** @throw Failure when the service has no such camera */
-  LiveView(const CameraOptions& options, EventHub& hub, KeptFrames& kept) : group_(options), hub_(hub), kept_(kept) {}
+  LiveView(const std::set<int>& cameras, const VOD::CameraRequest& request, EventHub& hub, KeptFrames& kept)
+      : group_(cameras, request), hub_(hub), kept_(kept) {}
 
   /** Sets the cameras up, or tries to. @throw Failure when a detector does not know a class that was asked for */
   void connect() { group_.connect(); }
