@@ -21,10 +21,14 @@ constexpr Time second = 1'000'000'000;
 /** Sleeps for a span of the fast time. @return what is left of it, after a signal */
 Time sleepFor(Time span) {
   static auto* const sleep = original<int(const timespec*, timespec*)>("nanosleep");
-  const timespec wanted = toTimespec(toReal(span));
-  timespec left{};
-  return sleep(&wanted, &left) == 0 ? 0
-                                    : std::max(Time{1}, static_cast<Time>(static_cast<double>(toTime(left)) * speed()));
+  const Time end = now(CLOCK_MONOTONIC) + span;
+  for (Time left = span; left > 0; left = end - now(CLOCK_MONOTONIC)) {
+    const timespec wanted = toTimespec(toReal(left));
+    if (sleep(&wanted, nullptr) != 0) {
+      return std::max(Time{1}, end - now(CLOCK_MONOTONIC));
+    }
+  }
+  return 0;
 }
 
 bool isValid(const timespec* time) {
@@ -97,6 +101,7 @@ TARNVOD_REPLACEMENT unsigned sleep(unsigned seconds) {
   return static_cast<unsigned>((sleepFor(Time{seconds} * second) + second - 1) / second);
 }
 
+// A timer may expire early where time passes more slowly than at full speed: nobody waits in a function that could wait on.
 TARNVOD_REPLACEMENT int timerfd_settime(int descriptor, int flags, const itimerspec* wanted,
                                         itimerspec* before) noexcept {
   static auto* const set = original<int(int, int, const itimerspec*, itimerspec*)>("timerfd_settime");

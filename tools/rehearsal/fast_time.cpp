@@ -3,6 +3,8 @@
 
 #include "fast_time.h"
 
+#include "pace.h"
+
 #include <algorithm>
 #include <cstdlib>
 
@@ -73,8 +75,7 @@ Time realNow(clockid_t clock) {
 }
 
 Time now(clockid_t clock) {
-  const Time begin = beginning().of(clock);
-  return begin + static_cast<Time>(static_cast<double>(realNow(clock) - begin) * speed());
+  return beginning().of(clock) + passedTime();
 }
 
 clockid_t clockOf(const timespec& time) {
@@ -85,6 +86,24 @@ clockid_t clockOf(const timespec& time) {
 
 Time toReal(Time span) {
   return span <= 0 ? span : std::max(Time{1}, static_cast<Time>(static_cast<double>(span) / speed()));
+}
+
+WaitLimit::WaitLimit(std::optional<Time> span) {
+  if (span) {
+    end_ = passedTime() + *span;
+  }
+}
+
+bool WaitLimit::isOver() const {
+  return end_ && passedTime() >= *end_;
+}
+
+const timespec* WaitLimit::realRest() {
+  if (!end_) {
+    return nullptr;
+  }
+  rest_ = toTimespec(toReal(std::max(Time{0}, *end_ - passedTime())));
+  return &rest_;
 }
 
 timespec realDeadline(clockid_t clock, const timespec& deadline) {

@@ -8,6 +8,7 @@
 #include <time.h>
 
 #include <cstdint>
+#include <optional>
 
 /** Marks the functions that take the place of the C library's. */
 #define TARNVOD_REPLACEMENT extern "C" __attribute__((visibility("default")))
@@ -27,7 +28,10 @@ Function* original(const char* name) {
   return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
 }
 
-/** How many seconds pass in a real one; from the environment variable TARNVOD_REHEARSAL_SPEED, or 1. */
+/**
+ * How many seconds pass in a real one while all threads wait; from the environment variable TARNVOD_REHEARSAL_SPEED, or 1. While threads run
+ * they are fewer, see pace.h.
+ */
 double speed();
 
 /** Whether the clock counts seconds, not the time of a processor. */
@@ -39,8 +43,23 @@ Time now(clockid_t clock);
 /** Which of the two common clocks a point in time belongs to: they are decades apart. */
 clockid_t clockOf(const timespec& time);
 
-/** How long to really wait for a span of this length. Never 0 for one that is longer. */
+/** How long to really wait for a span of this length, at least: it is over when `now` says so. Never 0 for one that is longer. */
 Time toReal(Time span);
+
+/** When a wait is over. */
+class WaitLimit {
+ public:
+  /** @param span  none to wait without a limit */
+  explicit WaitLimit(std::optional<Time> span);
+
+  bool isOver() const;
+  /** How long to really wait, for functions that take null for no limit; valid until the next call. */
+  const timespec* realRest();
+
+ private:
+  std::optional<Time> end_;
+  timespec rest_{};
+};
 
 /** The point of the real monotonic clock at which this point of a fast clock is reached. */
 timespec realDeadline(clockid_t clock, const timespec& deadline);

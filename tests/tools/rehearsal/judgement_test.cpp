@@ -128,6 +128,15 @@ TEST_F(ARun, ThatHasToBeKilledDoesNotEnd) {
   EXPECT_THAT(found(), ElementsAre(FindingKind::DoesNotEnd));
 }
 
+TEST_F(ARun, ThatDoesNotComeToItsEndIsNotSaidToIgnoreASignal) {
+  run_.isComplete = false;
+  run_.wasKilled = true;
+  run_.exitCode = -SIGKILL;
+
+  EXPECT_THAT(found(), ElementsAre(FindingKind::DoesNotEnd));
+  EXPECT_EQ(judged().findings[0].text, "it keeps the day from coming to its end");
+}
+
 TEST_F(ARun, WithAnotherExitCodeThanOnAQuietDayIsFound) {
   end();
   run_.exitCode = 1;

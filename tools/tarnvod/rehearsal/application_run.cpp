@@ -32,6 +32,8 @@ constexpr auto startLimit = 20s;
 constexpr auto runSlack = 30s;
 constexpr auto stopSlack = 2s;
 constexpr auto checkLimit = 30s;
+/** How much longer a run takes whose threads never wait: the application's time passes more slowly then. */
+constexpr int greatestSlowdown = 10;
 
 /** Reads what there is, without waiting. */
 std::string readAvailable(int descriptor) {
@@ -90,7 +92,7 @@ class Running {
     const auto length = real(schedule.length) * schedule.rounds;
     waitFor([this] { return run_.hasBegun; }, startLimit);
     if (run_.hasBegun) {
-      waitFor([this] { return run_.isComplete; }, length + runSlack);
+      waitFor([this] { return run_.isComplete; }, greatestSlowdown * length + runSlack);
     }
     if (run_.isComplete && !process_.exitCode()) {
       stop();
@@ -122,7 +124,10 @@ class Running {
       run_.checkFailed = !succeeds(settings_.check);
     }
     process_.signal(SIGTERM);
-    waitFor([] { return false; }, real(settings_.stopLimit) + stopSlack);
+    const auto limit = heard_ + settings_.stopLimit;
+    const auto earliest = Clock::now() + real(settings_.stopLimit) + stopSlack;
+    waitFor([&] { return heard_ > limit && Clock::now() > earliest; },
+            greatestSlowdown * real(settings_.stopLimit) + stopSlack);
   }
 
   bool succeeds(const std::string& check) const {
@@ -161,7 +166,11 @@ class Running {
       run_.hasBegun = true;
       observed_ = observation.process;
     }
-    if (observation.process != observed_ || run_.observations.size() >= mostObservations) {
+    if (observation.process != observed_) {
+      return;
+    }
+    heard_ = observation.at;
+    if (run_.observations.size() >= mostObservations) {
       return;
     }
     run_.isComplete = run_.isComplete || observation.event == "done";
@@ -173,6 +182,8 @@ class Running {
   ApplicationProcess process_;
   int output_ = process_.output();
   int observed_ = 0;
+  /** The application's time as of its last observation. */
+  vod::schedule::Time heard_{0};
   ApplicationRun run_;
 };
 

@@ -101,7 +101,8 @@ class Judge {
     } else if (endsByItself && !expectation_.endsByItself) {
       find(FindingKind::Ends, "it ends by itself, with exit code " + std::to_string(run_.exitCode));
     } else if (run_.wasKilled) {
-      find(FindingKind::DoesNotEnd, "it does not end after SIGTERM");
+      find(FindingKind::DoesNotEnd,
+           run_.isComplete ? "it does not end after SIGTERM" : "it keeps the day from coming to its end");
     } else if (run_.isComplete && !expectation_.endsByItself && run_.exitCode != expectation_.exitCode) {
       find(FindingKind::ExitCode, "it ends with exit code " + std::to_string(run_.exitCode) + " after SIGTERM");
     }
