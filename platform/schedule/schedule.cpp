@@ -25,6 +25,7 @@ constexpr std::array<Form, std::size(everyKind)> forms = {{
     {Kind::Jump, "jump", false, true, false},
     {Kind::Lose, "lose", false, true, true},
     {Kind::Renumber, "renumber", false, true, true},
+    {Kind::Change, "change", false, true, false},
 }};
 
 auto members(const Fault& fault) {

@@ -42,12 +42,13 @@ enum class Kind {
   Jump,      ///< from now on all time stamps are later or earlier
   Lose,      ///< the detector restarts without a class, and again with it at the end
   Renumber,  ///< the detector gives each object a new id in every scene
+  Change,    ///< the detector restarts with other ids for its classes, and keeps them
 };
 
 /** All kinds, in the order of the enumeration. */
-inline constexpr Kind everyKind[] = {Kind::Down,    Kind::Drop,  Kind::Refuse, Kind::Hang,
-                                     Kind::Silence, Kind::Burst, Kind::Damage, Kind::Empty,
-                                     Kind::Repeat,  Kind::Jump,  Kind::Lose,   Kind::Renumber};
+inline constexpr Kind everyKind[] = {Kind::Down,  Kind::Drop,     Kind::Refuse, Kind::Hang,   Kind::Silence,
+                                     Kind::Burst, Kind::Damage,   Kind::Empty,  Kind::Repeat, Kind::Jump,
+                                     Kind::Lose,  Kind::Renumber, Kind::Change};
 
 /** What the line of a kind consists of. */
 struct Form {

@@ -169,6 +169,9 @@ Fault parseFault(Line& line) {
     line.expect("class");
     fault.count = line.number(mostClasses);
   }
+  if (fault.kind == Kind::Change) {
+    line.expect("classes");
+  }
   if (form.hasCamera && line.accepts("camera")) {
     fault.camera = line.number(mostCameras);
   }

@@ -51,6 +51,8 @@ std::string happening(const Fault& fault) {
       return "the detector of " + cameras(fault) + " restarts without class " + std::to_string(fault.count);
     case Kind::Renumber:
       return "the objects of " + cameras(fault) + " get new ids in every frame";
+    case Kind::Change:
+      return "the detector of " + cameras(fault) + " restarts with other ids for its classes";
   }
   return {};
 }
@@ -73,6 +75,9 @@ std::string toText(const Fault& fault) {
   }
   if (fault.kind == Kind::Lose) {
     text += " class " + std::to_string(fault.count);
+  }
+  if (fault.kind == Kind::Change) {
+    text += " classes";
   }
   if (form.hasCamera && fault.camera) {
     text += " camera " + std::to_string(*fault.camera);

@@ -195,6 +195,7 @@ void Rehearsal::begin(const ScheduledFault& fault, std::size_t number) {
     case Kind::Jump:
     case Kind::Lose:
     case Kind::Renumber:
+    case Kind::Change:
       return change(fault, 1);
   }
 }
@@ -248,13 +249,15 @@ void Rehearsal::change(const ScheduledFault& fault, int by) {
     faults.repeating += fault.kind == Kind::Repeat ? by : 0;
     faults.renumbering += fault.kind == Kind::Renumber ? by : 0;
     faults.jump += fault.jump;
-    if (fault.kind == Kind::Lose) {
+    if (fault.kind == Kind::Change) {
+      ++faults.classChanges;
+      restartDetector(number);
+    } else if (fault.kind == Kind::Lose) {
       loseClass(number, fault.count, by > 0);
     }
   }
 }
 
-/** The detector restarts, with other classes than before: its subscriptions end. */
 void Rehearsal::loseClass(int number, int place, bool isLost) {
   ScenePlayer& player = players_[static_cast<std::size_t>(number)];
   auto& lost = player.faults.lostClasses;
@@ -264,7 +267,12 @@ void Rehearsal::loseClass(int number, int place, bool isLost) {
   } else {
     lost.erase(lost.find(id));
   }
-  channel(number).detectorInformation(player.detectorInformation());
+  restartDetector(number);
+}
+
+/** With other classes than before: its subscriptions end. */
+void Rehearsal::restartDetector(int number) {
+  channel(number).detectorInformation(players_[static_cast<std::size_t>(number)].detectorInformation());
   channel(number).dropSubscriptions();
 }
 

@@ -45,6 +45,7 @@ class Rehearsal {
   void endCallFault(std::size_t number);
   void change(const schedule::Fault& fault, int by);
   void loseClass(int channel, int place, bool isLost);
+  void restartDetector(int channel);
   void goDown(int by);
 
   void sendScenes(const std::optional<int>& onlyTo, int count);

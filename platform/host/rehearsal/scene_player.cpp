@@ -57,6 +57,9 @@ ScenePlayer::ScenePlayer(const std::string& folder)
       lastTimestamp_(firstTimestamp_),
       idsPerPass_(largestId(scenes_) + 1) {
   static_cast<void>(detector_.ParseFromString(readValidDetectorInformation(folder)));
+  for (const ::VOD::ObjectClass& objectClass : detector_.object_classes()) {
+    classIds_ = std::max(classIds_, objectClass.id() + 1);
+  }
 }
 
 std::string ScenePlayer::next(std::chrono::microseconds now) {
@@ -71,6 +74,7 @@ std::string ScenePlayer::next(std::chrono::microseconds now) {
   scene.set_timestamp(lastTimestamp_ + static_cast<std::uint64_t>(faults.jump.count()));
   follow(scene);
   dropLostClasses(scene);
+  changeClasses(scene);
   if (faults.empty > 0) {
     scene.clear_detections();
   }
@@ -134,6 +138,17 @@ void ScenePlayer::dropLostClasses(::VOD::Scene& scene) const {
                    detections.end());
 }
 
+void ScenePlayer::changeClasses(::VOD::Scene& scene) const {
+  for (::VOD::Detection& detection : *scene.mutable_detections()) {
+    detection.set_class_id(presentClassId(detection.class_id()));
+    for (::VOD::Classification& candidate : *detection.mutable_classifications()) {
+      if (candidate.has_class_case() == ::VOD::Classification::kClass) {
+        candidate.set_class_(presentClassId(candidate.class_()));
+      }
+    }
+  }
+}
+
 std::string ScenePlayer::damaged(std::string bytes) const {
   switch (sent_ % 3) {
     case 0:
@@ -157,7 +172,14 @@ std::string ScenePlayer::detectorInformation() const {
                                  return faults.lostClasses.count(objectClass.id()) > 0;
                                }),
                 classes.end());
+  for (::VOD::ObjectClass& objectClass : classes) {
+    objectClass.set_id(presentClassId(objectClass.id()));
+  }
   return information.SerializeAsString();
+}
+
+std::uint32_t ScenePlayer::presentClassId(std::uint32_t recorded) const {
+  return recorded + faults.classChanges * classIds_;
 }
 
 std::uint32_t ScenePlayer::classAt(int place) const {

@@ -23,8 +23,10 @@ struct SceneFaults {
   int repeating = 0;
   int renumbering = 0;
   std::chrono::microseconds jump{0};
-  /** Ids of the classes that the detector has lost. */
+  /** Ids, in the recording, of the classes that the detector has lost. */
   std::multiset<std::uint32_t> lostClasses;
+  /** How often the detector has given other ids to its classes. */
+  std::uint32_t classChanges = 0;
 };
 
 /**
@@ -39,9 +41,9 @@ class ScenePlayer {
   /** The next scene at this time since the start, with what is wrong with it. */
   std::string next(std::chrono::microseconds now);
 
-  /** The detector's description, with or without the classes that it has lost. */
+  /** The detector's description, without the classes that it has lost, and with the present ids of the others. */
   std::string detectorInformation() const;
-  /** The id of the detector's class with this place in its list, counted from 1; the list begins again at its end. */
+  /** The id, in the recording, of the detector's class with this place in its list, from 1; the list begins again at its end. */
   std::uint32_t classAt(int place) const;
 
   SceneFaults faults;
@@ -52,6 +54,9 @@ class ScenePlayer {
   void renumber(::VOD::Scene& scene) const;
   void follow(const ::VOD::Scene& scene);
   void dropLostClasses(::VOD::Scene& scene) const;
+  void changeClasses(::VOD::Scene& scene) const;
+  /** As it is after the detector has changed its classes. */
+  std::uint32_t presentClassId(std::uint32_t recorded) const;
   std::string damaged(std::string bytes) const;
 
   ::VOD::DetectorInformation detector_;
@@ -60,6 +65,8 @@ class ScenePlayer {
   std::uint64_t lastTimestamp_ = 0;
   /** More than the largest id in the recording. */
   std::uint32_t idsPerPass_ = 1;
+  /** More than the largest id of a class. */
+  std::uint32_t classIds_ = 1;
   std::size_t position_ = 0;
   std::uint64_t sent_ = 0;
   std::uint32_t idOffset_ = 0;

@@ -32,6 +32,8 @@ at 9s repeat for 2s
 at 10s jump by -3600s
 at 11s lose class 2 for 250ms
 at 12s renumber camera 3 for 2s
+at 13s change classes
+at 14s change classes camera 2
 )";
 
 /** The text of the error. */
@@ -87,10 +89,11 @@ TEST(ASchedule, HoldsItsFaultsInTheOrderOfTheirTimes) {
 TEST(AMistakeInASchedule, IsReportedWithItsPlace) {
   EXPECT_EQ(errorOf("at 1s drop\nat 2s vanish\n"),
             "day:2:7: expected one of down, drop, refuse, hang, silence, burst, damage, empty, repeat, jump, lose, "
-            "renumber, got \"vanish\"");
+            "renumber, change, got \"vanish\"");
   EXPECT_EQ(errorOf("after 1s drop"), R"(day:1:1: expected "at", "length" or "rounds", got "after")");
   EXPECT_EQ(errorOf("at 1s down"), R"(day:1:11: expected "for", got the end of the line)");
   EXPECT_EQ(errorOf("at 1s drop camera 0"), R"(day:1:19: expected a number from 1 to 1000, got "0")");
+  EXPECT_EQ(errorOf("at 1s change"), R"(day:1:13: expected "classes", got the end of the line)");
   EXPECT_EQ(errorOf("at 1s drop twice"), R"(day:1:12: expected the end of the line, got "twice")");
   EXPECT_EQ(
       errorOf("at 1s refuse everything for 1s"),

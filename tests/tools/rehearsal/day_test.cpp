@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <set>
 
 using namespace std::chrono_literals;
@@ -31,6 +32,18 @@ TEST(EveryDay, LeavesTimeToRecover) {
     const Schedule schedule = drawDay(1, day, 15s);
     for (const Fault& fault : schedule.faults) {
       EXPECT_LE(fault.end() + 15s, schedule.length) << toText(schedule);
+    }
+  }
+}
+
+TEST(EveryDay, ChangesNoClassesWhileACallHangs) {
+  for (std::uint64_t day = 1; day <= 1000; ++day) {
+    const auto faults = drawDay(1, day, 15s).faults;
+    for (const Fault& hang : faults) {
+      const bool isBroken = std::any_of(faults.begin(), faults.end(), [&hang](const Fault& fault) {
+        return hang.kind == Kind::Hang && fault.kind == Kind::Change && hang.at <= fault.at && fault.at <= hang.end();
+      });
+      EXPECT_FALSE(isBroken) << "day " << day;
     }
   }
 }

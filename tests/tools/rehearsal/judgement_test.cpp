@@ -85,6 +85,18 @@ class ARun : public testing::Test {
   AcceptedLimits limits_;
 };
 
+/** The detector restarts with other ids for its classes after 5 s. */
+class ARunWithOtherClasses : public ARun {
+ protected:
+  ARunWithOtherClasses() {
+    Fault change;
+    change.kind = Kind::Change;
+    change.at = 5s;
+    schedule_.faults = {change};
+    add(5s, "fault", {{"number", "0"}});
+  }
+};
+
 /** The service ends the subscription after 5 s. */
 class ARunWithADrop : public ARun {
  protected:
@@ -186,6 +198,21 @@ TEST_F(ARun, WithALittleMoreMemoryAfterEachRoundIsAccepted) {
   grow("heap", 1000);
 
   EXPECT_THAT(found(), IsEmpty());
+}
+
+TEST_F(ARunWithOtherClasses, IsBlindWithoutANewSubscription) {
+  end();
+
+  EXPECT_THAT(found(), ElementsAre(FindingKind::Blind));
+}
+
+TEST_F(ARunWithOtherClasses, RecoversWithTheLastOfItsClasses) {
+  add(7s, "subscribed", {{"camera", "1"}, {"subscriber", "2"}});
+  receive(8s);
+  end();
+
+  EXPECT_THAT(found(), IsEmpty());
+  EXPECT_EQ(judged().recoveries.at(0).time, 3s);
 }
 
 TEST_F(ARunWithADrop, IsBlindWithoutANewSubscription) {

@@ -75,6 +75,31 @@ TEST(ARehearsalWithASchedule, ShowsTheFailureAsASentenceAScheduleAndATest) {
   EXPECT_TRUE(std::filesystem::exists(folder.path() / "found" / "blind_test.cpp"));
 }
 
+class ADetectorThatChangesItsClasses : public testing::Test {
+ protected:
+  ADetectorThatChangesItsClasses() { std::ofstream(schedule()) << "length 25s\nat 5s change classes camera 1\n"; }
+
+  std::string schedule() const { return folder_.path() / "day"; }
+
+ private:
+  const tarn::test::TemporaryFolder folder_;
+};
+
+TEST_F(ADetectorThatChangesItsClasses, IsSurvivedByAnApplicationThatSetsItsCameraUpAgain) {
+  const Outcome outcome = test::run({"rehearse", "--schedule", schedule(), "--", faultless});
+
+  EXPECT_EQ(outcome.exitCode, 0) << outcome.output;
+  EXPECT_THAT(outcome.output, HasSubstr("1 change"));
+}
+
+TEST_F(ADetectorThatChangesItsClasses, FailsOneThatDoesNot) {
+  const Outcome outcome = test::run({"rehearse", "--schedule", schedule(), "--", blind});
+
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_THAT(outcome.output, HasSubstr("is not set up again when after 5.0 s the detector of camera 1 restarts with "
+                                        "other ids for its classes."));
+}
+
 TEST(WhatMustNotBePrinted, FailsTheDay) {
   const Outcome outcome = test::run(
       {"rehearse", "--days", "1", "--must-not-print", "frame", "--", "sh", "-c", "echo a frame; exec " + faultless});

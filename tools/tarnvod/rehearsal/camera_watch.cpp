@@ -40,7 +40,8 @@ void CameraWatch::takeFault(const Observation& observation) {
   }
   const Fault& fault = schedule_.faults[number];
   const bool begins = observation.event == "fault";
-  if ((begins && (fault.kind == Kind::Down || fault.kind == Kind::Drop)) || fault.kind == Kind::Lose) {
+  if ((begins && (fault.kind == Kind::Down || fault.kind == Kind::Drop)) || fault.kind == Kind::Lose ||
+      fault.kind == Kind::Change) {
     endSubscriptions(fault.camera);
   }
   received_.clear();

@@ -5,7 +5,9 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <random>
+#include <vector>
 
 namespace tarn::command {
 namespace {
@@ -46,9 +48,9 @@ class Dice {
 };
 
 /** Outages are the most frequent. */
-constexpr std::array kinds = {Kind::Down,   Kind::Down,   Kind::Down,    Kind::Drop,  Kind::Drop,
-                              Kind::Refuse, Kind::Hang,   Kind::Silence, Kind::Burst, Kind::Damage,
-                              Kind::Empty,  Kind::Repeat, Kind::Jump,    Kind::Lose,  Kind::Renumber};
+constexpr std::array kinds = {Kind::Down, Kind::Down,    Kind::Down,     Kind::Drop,   Kind::Drop,  Kind::Refuse,
+                              Kind::Hang, Kind::Silence, Kind::Burst,    Kind::Damage, Kind::Empty, Kind::Repeat,
+                              Kind::Jump, Kind::Lose,    Kind::Renumber, Kind::Change};
 constexpr std::array functions = {"create",
                                   "subscribe",
                                   "get_information",
@@ -63,7 +65,7 @@ Time drawDuration(Kind kind, Dice& dice) {
   if (!dice.oneIn(30)) {
     return dice.between(500ms, 8s);
   }
-  return kind == Kind::Down && dice.oneIn(8) ? dice.between(1h, 2h) : dice.between(30s, 120s);
+  return kind == Kind::Down && dice.oneIn(4) ? dice.between(1h, 2h) : dice.between(30s, 120s);
 }
 
 Fault drawFault(Dice& dice, Time latest) {
@@ -98,6 +100,22 @@ void addDropFor(const Fault& fault, Dice& dice, std::vector<Fault>& faults) {
   }
 }
 
+/**
+ * A call that hangs while the detector changes its classes would leave a subscription with the old ones behind, which no application could
+ * find out.
+ */
+void dropChangesDuringHanging(std::vector<Fault>& faults) {
+  std::vector<Fault> hanging;
+  std::copy_if(faults.begin(), faults.end(), std::back_inserter(hanging),
+               [](const Fault& fault) { return fault.kind == Kind::Hang; });
+  const auto isDuringOne = [&hanging](const Fault& change) {
+    return change.kind == Kind::Change && std::any_of(hanging.begin(), hanging.end(), [&change](const Fault& hang) {
+             return hang.at <= change.at && change.at <= hang.end();
+           });
+  };
+  faults.erase(std::remove_if(faults.begin(), faults.end(), isDuringOne), faults.end());
+}
+
 }  // namespace
 
 Schedule drawDay(std::uint64_t seed, std::uint64_t day, Time patience) {
@@ -112,6 +130,7 @@ Schedule drawDay(std::uint64_t seed, std::uint64_t day, Time patience) {
     schedule.faults.push_back(fault);
     addDropFor(fault, dice, schedule.faults);
   }
+  dropChangesDuringHanging(schedule.faults);
   std::stable_sort(schedule.faults.begin(), schedule.faults.end(),
                    [](const Fault& left, const Fault& right) { return left.at < right.at; });
   schedule.length = 0s;

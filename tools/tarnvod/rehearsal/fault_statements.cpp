@@ -86,6 +86,8 @@ std::string FaultStatements::begun(const Fault& fault, const std::string& number
       return forCameras(fault, "loseClass(@, " + std::to_string(fault.count) + ")") + dropped(fault);
     case Kind::Renumber:
       return repeated(1000, each("frame(@, i, newObject())"));
+    case Kind::Change:
+      return forCameras(fault, "changeClasses(@)") + dropped(fault);
   }
   return {};
 }

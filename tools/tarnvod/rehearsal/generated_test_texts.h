@@ -94,6 +94,14 @@ std::map<int, VOD::DetectorInformation> detectors;
   host::servedChannel(camera - 1).detectorInformation(detectors[camera].SerializeAsString());
 }
 
+[[maybe_unused]] void changeClasses(int camera) {
+  constexpr std::uint32_t others = 1000;
+  for (auto& objectClass : *detectors[camera].mutable_object_classes()) {
+    objectClass.set_id(objectClass.id() + others);
+  }
+  host::servedChannel(camera - 1).detectorInformation(detectors[camera].SerializeAsString());
+}
+
 /** Throws if the camera is not set up within half a minute. */
 [[maybe_unused]] void waitUntilSetUp(int camera) {
   const auto deadline = std::chrono::steady_clock::now() + host::waitTimeout;
