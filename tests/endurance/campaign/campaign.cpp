@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <fstream>
 #include <iostream>
+#include <iterator>
 #include <memory>
 #include <random>
 #include <stdexcept>
@@ -29,6 +30,7 @@ struct Options {
   double minutes = 0;
   int steps = 1500;
   std::string schedule;
+  std::string played;
 };
 
 struct Result {
@@ -48,6 +50,11 @@ Options parse(int argc, char** argv) {
   app.add_option("--minutes", options.minutes, "Goes on for at least this long")->check(CLI::NonNegativeNumber);
   app.add_option("--steps", options.steps, "Steps in each world")->check(CLI::PositiveNumber);
   app.add_option("--schedule", options.schedule, "Writes the faults of the last world to this file, as a schedule");
+  app.add_option("--play", options.played,
+                 "Plays the faults of this schedule in one world, with a second for each step")
+      ->excludes("--losses")
+      ->excludes("--minutes")
+      ->excludes("--steps");
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
@@ -66,12 +73,12 @@ void writeFaults(const Options& options, const World& world) {
   }
 }
 
-void runWorld(const Options& options, const Choose& choose, Result& result) {
+/** @param steps  does them in the world */
+template <typename Steps>
+void runWorld(const Options& options, const Choose& choose, Result& result, const Steps& steps) {
   World world(anySettings(choose));
   try {
-    for (int i = 0; i < options.steps; ++i) {
-      world.step(choose);
-    }
+    steps(world);
     world.end(choose);
   } catch (const Disagreement&) {
     std::cout << "the faults of this world, as a schedule with a second for each step:\n" << toText(world.faults());
@@ -84,7 +91,7 @@ void runWorld(const Options& options, const Choose& choose, Result& result) {
   result.losses.recovered += world.losses().recovered;
   result.losses.abandoned += world.losses().abandoned;
   result.frames += world.frames();
-  result.steps += options.steps;
+  result.steps += world.steps();
   ++result.worlds;
 }
 
@@ -95,13 +102,36 @@ Choose seeded(std::uint64_t seed) {
   };
 }
 
+/** Round after round of the schedule. */
+Result play(const Options& options) {
+  std::ifstream file(options.played);
+  const std::string text(std::istreambuf_iterator<char>(file), {});
+  if (!file) {
+    throw std::runtime_error(options.played + ": cannot be read");
+  }
+  const auto schedule = vod::schedule::parse(text, options.played);
+  const Choose choose = seeded(options.seed);
+  Result result;
+  runWorld(options, choose, result, [&](World& world) {
+    const auto seconds = std::chrono::ceil<std::chrono::seconds>(schedule.length).count();
+    for (auto i = seconds * schedule.rounds; i > 0; --i) {
+      world.play(choose, schedule);
+    }
+  });
+  return result;
+}
+
 Result run(const Options& options) {
   const auto begin = std::chrono::steady_clock::now();
   const auto minutes = std::chrono::duration<double, std::ratio<60>>(options.minutes);
   const Choose choose = seeded(options.seed);
   Result result;
   do {
-    runWorld(options, choose, result);
+    runWorld(options, choose, result, [&](World& world) {
+      for (int i = 0; i < options.steps; ++i) {
+        world.step(choose);
+      }
+    });
     result.framesAtOnce += everythingAtOnce(choose);
   } while (std::min(result.losses.dropped, result.losses.recovered) < options.losses ||
            std::chrono::steady_clock::now() - begin < minutes);
@@ -114,7 +144,7 @@ int main(int argc, char** argv) {
   const Options options = parse(argc, argv);
   std::cout << "seed " << options.seed << std::endl;  // at once, whatever becomes of the run
   try {
-    const Result result = run(options);
+    const Result result = options.played.empty() ? run(options) : play(options);
     std::cout << result.worlds << " worlds, " << result.steps << " steps, " << result.losses.happened
               << " subscriptions lost, " << result.losses.dropped
               << " of them dropped by the service: " << result.losses.recovered << " recovered, "

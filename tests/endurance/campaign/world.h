@@ -11,10 +11,12 @@
 
 #include <schedule/schedule.h>
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace tarn::test {
 
@@ -51,6 +53,14 @@ class World {
   void step(const Choose& choose);
 
   /**
+   * Does any step of the application. What goes wrong with the service is not drawn, but what begins, goes on or ends in the next second of
+   * the schedule. Of its frames only their number and their bytes are according to it: the world's own say nothing of time and classes.
+   *
+   * @throw Disagreement
+   */
+  void play(const Choose& choose, const vod::schedule::Schedule& schedule);
+
+  /**
    * Mends the service, sees every camera that was lost come back and receive a frame again, and tears all down.
    *
    * @throw Disagreement
@@ -59,6 +69,7 @@ class World {
 
   const Losses& losses() const { return model_.losses(); }
   int frames() const { return frames_; }
+  int steps() const { return steps_; }
   /**
    * What has gone wrong with the service so far, with a second for each step: as the day of an application, which the
    * host platform and `tarnvod rehearse` execute.
@@ -67,6 +78,17 @@ class World {
 
  private:
   using Action = std::function<void()>;
+
+  /** A step that can be drawn, more often the larger its weight. */
+  struct StepKind {
+    std::uint32_t weight;
+    const char* name;
+    bool isFault;
+    std::function<void(World&, const Choose&)> happen;
+  };
+  static const std::vector<StepKind>& stepKinds();
+  static const StepKind& anyStep(const Choose& choose, bool withFaults);
+  void begin(const StepKind& kind);
 
   // Each does one thing to the library and to the model.
   void setup(const Choose& choose, int camera);
@@ -83,7 +105,14 @@ class World {
   void drop(const Choose& choose);
   void toggleService();
   void refuseACall(const Choose& choose);
+  void begin(const Choose& choose, const vod::schedule::Fault& fault);
+  void end(const vod::schedule::Fault& fault);
+  void goOn(const Choose& choose, const vod::schedule::Fault& fault);
+  void restartDetectors(const Choose& choose, const vod::schedule::Fault& fault);
+  std::vector<int> camerasOf(const vod::schedule::Fault& fault) const;
   void happen(const vod::schedule::Fault& fault);
+  /** @param call  which of the calls from now on; 0 for all of them */
+  void refuse(vod::host::Function function, int call);
   vod::schedule::Fault faultNow(vod::schedule::Kind kind) const;
   /** Calls of the function take long. */
   vod::schedule::Fault hanging(vod::host::Function function) const;
@@ -119,6 +148,8 @@ class World {
   std::vector<vod::schedule::Fault> faults_;
   std::optional<std::size_t> outage_;  ///< the one of the faults that has not ended
   int steps_ = 0;
+  int played_ = 0;                 ///< seconds of a schedule
+  int down_ = 0;                   ///< outages of a schedule that have not ended
   std::vector<std::string> done_;  ///< the steps so far, for whoever looks into a disagreement
   std::string disagreement_;
   bool callsAreOrdered_ = true;

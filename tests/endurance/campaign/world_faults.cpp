@@ -23,6 +23,8 @@ constexpr vod::schedule::Time stepLength = std::chrono::seconds(1);
 /** After the last fault, until an application must have recovered. */
 constexpr vod::schedule::Time patience = std::chrono::seconds(15);
 constexpr int failure = 5;  // any code but 0
+/** More than a step makes. */
+constexpr int manyCalls = 200;
 
 Function functionNamed(const std::string& name) {
   return *std::find_if(host::everyFunction.begin(), host::everyFunction.end(),
@@ -84,15 +86,20 @@ void World::happen(const Fault& fault) {
       host::takeServiceDown();
       host::drain();
       break;
-    case Kind::Refuse: {
-      const Function function = functionNamed(fault.function);
-      host::plan(
-          host::Fault(function).onCall(fault.count).failsWith(function == Function::ServiceIsEnabled ? 0 : failure));
-      model_.planFault(function, fault.count);
+    case Kind::Refuse:
+      refuse(functionNamed(fault.function), fault.count);
       break;
-    }
     default:  // What is wrong with a frame, or a call that takes long, is done where it is sent or called.
       break;
+  }
+}
+
+void World::refuse(Function function, int call) {
+  host::Fault planned(function);
+  static_cast<void>(call > 0 ? planned.onCall(call) : planned.always());
+  host::plan(planned.failsWith(function == Function::ServiceIsEnabled ? 0 : failure));
+  for (int each = call > 0 ? call : 1; each <= (call > 0 ? call : manyCalls); ++each) {
+    model_.planFault(function, each);
   }
 }
 

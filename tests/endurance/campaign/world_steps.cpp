@@ -40,40 +40,54 @@ std::set<std::string> anyClasses(const Choose& choose, const std::string& detect
 
 }  // namespace
 
-void World::step(const Choose& choose) {
-  struct Kind {
-    std::uint32_t weight;
-    const char* name;
-    std::function<void(World&, const Choose&)> happen;
+const std::vector<World::StepKind>& World::stepKinds() {
+  static const std::vector<StepKind> kinds = {
+      {6, "set up", false, [](World& w, const Choose& c) { w.setup(c, w.anyCamera(c)); }},
+      {2, "tear down", false, [](World& w, const Choose& c) { w.teardown(w.anyCamera(c)); }},
+      {9, "drop", true, [](World& w, const Choose& c) { w.drop(c); }},
+      {9, "retry", false, [](World& w, const Choose&) { w.retry(); }},
+      {8, "send a scene", false, [](World& w, const Choose& c) { w.sendScene(c); }},
+      {2, "send odd bytes", true, [](World& w, const Choose& c) { w.sendOddScene(c); }},
+      {3, "send a scene whose callback calls the handler", false,
+       [](World& w, const Choose& c) { w.sendSceneThatActs(c); }},
+      {1, "send a scene whose callback throws", false, [](World& w, const Choose& c) { w.sendSceneThatThrows(c); }},
+      {2, "send a scene whose callback takes long", false,
+       [](World& w, const Choose& c) { w.sendSceneThatTakesLong(c); }},
+      {2, "send a scene during a slow call", true, [](World& w, const Choose& c) { w.sendSceneBesideSlowCall(c); }},
+      {3, "ask", false, [](World& w, const Choose& c) { w.ask(c); }},
+      {2, "change a detector", true, [](World& w, const Choose& c) { w.changeDetector(c); }},
+      {5, "plan a fault", true, [](World& w, const Choose& c) { w.refuseACall(c); }},
+      {3, "take the service down or up", true, [](World& w, const Choose&) { w.toggleService(); }},
   };
-  static const std::array<Kind, 14> kinds = {{
-      {6, "set up", [](World& w, const Choose& c) { w.setup(c, w.anyCamera(c)); }},
-      {2, "tear down", [](World& w, const Choose& c) { w.teardown(w.anyCamera(c)); }},
-      {9, "drop", [](World& w, const Choose& c) { w.drop(c); }},
-      {9, "retry", [](World& w, const Choose&) { w.retry(); }},
-      {8, "send a scene", [](World& w, const Choose& c) { w.sendScene(c); }},
-      {2, "send odd bytes", [](World& w, const Choose& c) { w.sendOddScene(c); }},
-      {3, "send a scene whose callback calls the handler", [](World& w, const Choose& c) { w.sendSceneThatActs(c); }},
-      {1, "send a scene whose callback throws", [](World& w, const Choose& c) { w.sendSceneThatThrows(c); }},
-      {2, "send a scene whose callback takes long", [](World& w, const Choose& c) { w.sendSceneThatTakesLong(c); }},
-      {2, "send a scene during a slow call", [](World& w, const Choose& c) { w.sendSceneBesideSlowCall(c); }},
-      {3, "ask", [](World& w, const Choose& c) { w.ask(c); }},
-      {2, "change a detector", [](World& w, const Choose& c) { w.changeDetector(c); }},
-      {5, "plan a fault", [](World& w, const Choose& c) { w.refuseACall(c); }},
-      {3, "take the service down or up", [](World& w, const Choose&) { w.toggleService(); }},
-  }};
-  constexpr std::uint32_t weights = 57;
+  return kinds;
+}
+
+const World::StepKind& World::anyStep(const Choose& choose, bool withFaults) {
+  const auto weightOf = [withFaults](const StepKind& kind) { return withFaults || !kind.isFault ? kind.weight : 0; };
+  std::uint32_t weights = 0;
+  for (const StepKind& kind : stepKinds()) {
+    weights += weightOf(kind);
+  }
   std::uint32_t left = choose(weights);
-  const Kind* kind = kinds.begin();
-  while (left >= kind->weight) {
-    left -= kind->weight;
+  auto kind = stepKinds().begin();
+  while (left >= weightOf(*kind)) {
+    left -= weightOf(*kind);
     ++kind;
   }
-  if (model_.isServiceDown() && choose(3) == 0) {
-    kind = &kinds.back();  // so that outages are short and cameras come back
-  }
+  return *kind;
+}
+
+void World::begin(const StepKind& kind) {
   ++steps_;
-  done_.emplace_back(kind->name);
+  done_.emplace_back(kind.name);
+}
+
+void World::step(const Choose& choose) {
+  const StepKind* kind = &anyStep(choose, true);
+  if (model_.isServiceDown() && choose(3) == 0) {
+    kind = &stepKinds().back();  // so that outages are short and cameras come back
+  }
+  begin(*kind);
   kind->happen(*this, choose);
   if (kind->name != std::string("plan a fault")) {
     liftFaults();  // a fault meets the next step only
