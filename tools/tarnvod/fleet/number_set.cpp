@@ -25,6 +25,13 @@ std::uint64_t NumberSet::add(std::uint64_t first, std::uint64_t last) {
   return size_ - before;
 }
 
+NumberSet::Range NumberSet::takeLowestRange() {
+  const Range lowest = *ranges_.begin();
+  ranges_.erase(ranges_.begin());
+  size_ -= lowest.second - lowest.first + 1;
+  return lowest;
+}
+
 std::vector<NumberSet::Range> NumberSet::gaps(std::uint64_t first, std::uint64_t last) const {
   std::vector<Range> found;
   for (const auto& [begin, end] : ranges_) {

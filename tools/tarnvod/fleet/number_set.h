@@ -29,6 +29,12 @@ class NumberSet {
   /** 0 for an empty set. */
   std::uint64_t highest() const { return ranges_.empty() ? 0 : ranges_.rbegin()->second; }
 
+  /** All numbers of the set, in ascending order. */
+  const std::map<std::uint64_t, std::uint64_t>& all() const { return ranges_; }
+
+  /** Removes and returns the lowest range of a set that is not empty. */
+  Range takeLowestRange();
+
   /** What is not in the set of the numbers from the first to the last one. */
   std::vector<Range> gaps(std::uint64_t first, std::uint64_t last) const;
 

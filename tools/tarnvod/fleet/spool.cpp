@@ -4,6 +4,7 @@
 #include "fleet/spool.h"
 
 #include "base/errors.h"
+#include "fleet/spool_folder.h"
 
 #include <recording/recording.h>
 #include <recording/segmented_writer.h>
@@ -22,35 +23,21 @@ namespace fs = std::filesystem;
 using vod::recording::RecordingError;
 using vod::recording::RecordingWriter;
 
-/** A segment that is being made or removed; what is left of it after a crash is of no use. */
-constexpr const char* temporaryName = ".segment-in-work";
 /** How far the spool is settled, as text: segment and number. Written now and then; what is behind it is sent again. */
 constexpr const char* settledName = "settled";
 constexpr std::chrono::seconds savePeriod{1};
-
-fs::path created(fs::path folder) {
-  std::error_code error;
-  fs::create_directories(folder, error);
-  if (error) {
-    throw Failure(folder.string() + ": " + error.message());
-  }
-  return folder;
-}
-
-std::uint64_t bytesIn(const fs::path& folder) {
-  std::uint64_t bytes = 0;
-  for (const auto& file : fs::directory_iterator(folder)) {
-    bytes += file.file_size();
-  }
-  return bytes;
-}
+/** Which frames were dropped and not yet reported. */
+constexpr const char* notesName = "dropped";
 
 }  // namespace
 
 Spool::Spool(fs::path folder, std::uint64_t limit)
-    : folder_(created(std::move(folder))), limit_(limit), lock_(folder_ / "lock") {
+    : folder_(createdSpoolFolder(std::move(folder))),
+      limit_(limit),
+      lock_(folder_ / "lock"),
+      notes_(folder_ / notesName) {
   std::error_code ignored;  // the writer reports it
-  fs::remove_all(folder_ / temporaryName, ignored);
+  fs::remove_all(temporarySegmentFolder(folder_), ignored);
   findSegments();
   readSettled();
   removeSettledSegments();
@@ -107,7 +94,6 @@ void Spool::write(const SpoolEntry& entry) {
   const std::uint64_t segmentLimit = vod::recording::SegmentLimits{limit_}.segmentBytes();
   if (!writer_ || segments_.back().bytes + bytes.size() + vod::recording::indexEntrySize > segmentLimit) {
     beginSegment();
-    appendNotes();
   }
   writer_->append(bytes);
   segments_.back().bytes = writer_->size();
@@ -121,26 +107,16 @@ void Spool::beginSegment() {
   while (!segments_.empty() && bytes() + segmentLimit > limit_) {
     dropOldest();
   }
-  const fs::path temporary = folder_ / temporaryName;
+  const fs::path temporary = temporarySegmentFolder(folder_);
   std::error_code error;
   fs::remove_all(temporary, error);
   writer_.emplace(temporary, "");
-  fs::rename(temporary, folderOf(latestSegment_ + 1), error);
+  fs::rename(temporary, segmentFolder(folder_, latestSegment_ + 1), error);
   if (error) {
     writer_.reset();
     throw RecordingError(folder_.string() + ": " + error.message());
   }
   segments_.push_back({++latestSegment_, writer_->size(), 0});
-}
-
-/** Notes that cannot be written stay, and go to the next segment. */
-void Spool::appendNotes() {
-  while (!notes_.empty()) {
-    writer_->append(encoded({SpoolEntry::Kind::Dropped, notes_.front(), ""}));
-    notes_.erase(notes_.begin());
-    ++segments_.back().entries;
-    ++figures_.waiting;
-  }
 }
 
 void Spool::dropOldest() {
@@ -155,8 +131,10 @@ void Spool::dropOldest() {
       noteDropped(number);
     }
   }
+  saveNotes();  // before the frames go, so that a death in between does not lose both
   segments_.pop_front();
-  remove(oldest.number);
+  removeSegment(folder_, oldest.number);
+  saveNotes();  // on a full disk, there may be room only now
   if (next_.segment <= oldest.number) {
     next_ = {oldest.number + 1, 0};
   }
@@ -166,15 +144,33 @@ void Spool::noteDropped(std::uint64_t number) {
   --figures_.waiting;
   const auto entry = read({segments_.front().number, number});
   if (entry) {
-    addRange(notes_, entry->frames);
+    notes_.add(entry->frames);
     figures_.dropped += entry->kind == SpoolEntry::Kind::Frame ? 1U : 0U;
   } else {
     ++figures_.damaged;
   }
 }
 
+/** Writes notes that have changed. If they cannot be written they are kept in memory, and written with the next change. */
+void Spool::saveNotes() {
+  try {
+    notes_.save();
+  } catch (const Failure&) {
+    // The disk is full, which the next frame that does not fit reports, too.
+  }
+}
+
+std::optional<Spool::Given> Spool::nextNote() {
+  const auto note = notes_.next();
+  return note ? std::make_optional(Given{{0, note->number}, {SpoolEntry::Kind::Dropped, note->frames, ""}})
+              : std::nullopt;
+}
+
 std::optional<Spool::Given> Spool::next() {
   const Lock lock(mutex_);
+  if (auto note = nextNote()) {
+    return note;
+  }
   while (true) {
     const auto segment = std::find_if(segments_.begin(), segments_.end(),
                                       [first = next_.segment](const Segment& each) { return each.number >= first; });
@@ -205,7 +201,7 @@ std::optional<Spool::Given> Spool::next() {
 std::optional<SpoolEntry> Spool::read(const SpoolPosition& position) {
   const bool isOpen = reader_ && reader_->number() == position.segment && position.number < reader_->size();
   if (!isOpen) {
-    reader_.emplace(folderOf(position.segment), position.segment);
+    reader_.emplace(segmentFolder(folder_, position.segment), position.segment);
   }
   const auto bytes = reader_->read(position.number);
   return bytes ? decodedSpoolEntry(*bytes) : std::nullopt;
@@ -213,12 +209,16 @@ std::optional<SpoolEntry> Spool::read(const SpoolPosition& position) {
 
 void Spool::settle(const SpoolPosition& position) {
   const Lock lock(mutex_);
+  position.segment == 0 ? static_cast<void>(notes_.settle(position.number)) : settleEntry(position);
+  if (Clock::now() - savedAt_ >= savePeriod) {
+    saveSettled();
+  }
+}
+
+void Spool::settleEntry(const SpoolPosition& position) {
   if (given_.erase(position) > 0) {
     --figures_.waiting;
     removeSettledSegments();
-    if (Clock::now() - savedAt_ >= savePeriod) {
-      saveSettled();
-    }
   }
 }
 
@@ -234,6 +234,7 @@ void Spool::rewind() {
   figures_.waiting = entries;
   next_ = lowest;
   given_.clear();
+  notes_.rewind();
 }
 
 SpoolPosition Spool::lowestUnsettled() const {
@@ -245,7 +246,7 @@ void Spool::removeSettledSegments() {
   const std::size_t before = segments_.size();
   while (!segments_.empty() && segments_.front().number < lowest.segment &&
          segments_.front().number != latestSegment_) {
-    remove(segments_.front().number);
+    removeSegment(folder_, segments_.front().number);
     segments_.pop_front();
   }
   if (segments_.size() != before) {
@@ -253,28 +254,19 @@ void Spool::removeSettledSegments() {
   }
 }
 
-void Spool::remove(std::uint64_t segment) const {
-  const fs::path temporary = folder_ / temporaryName;
-  std::error_code error;
-  fs::remove_all(temporary, error);
-  fs::rename(folderOf(segment), temporary, error);
-  fs::remove_all(error ? folderOf(segment) : temporary, error);
-  if (error) {
-    throw RecordingError(folderOf(segment).string() + ": " + error.message());
-  }
-}
-
 void Spool::saveSettled() {
   savedAt_ = Clock::now();
   const SpoolPosition lowest = lowestUnsettled();
-  // If it cannot be written, entries are sent again after the next start; nothing is lost.
+  // If these cannot be written, entries and notes are sent again after the next start; nothing is lost.
   std::ofstream(folder_ / settledName) << lowest.segment << ' ' << lowest.number << '\n';
+  saveNotes();
 }
 
 Spool::Figures Spool::figures() const {
   const Lock lock(mutex_);
   Figures figures = figures_;
   figures.bytes = bytes();
+  figures.waiting += notes_.size();
   return figures;
 }
 
@@ -284,10 +276,6 @@ std::uint64_t Spool::bytes() const {
     sum += segment.bytes;
   }
   return sum;
-}
-
-fs::path Spool::folderOf(std::uint64_t segment) const {
-  return folder_ / vod::recording::segmentName(segment);
 }
 
 }  // namespace tarn::command

@@ -8,6 +8,7 @@
 #include "base/lock.h"
 #include "fleet/file_lock.h"
 #include "fleet/spool_entry.h"
+#include "fleet/spool_notes.h"
 #include "fleet/spool_segment.h"
 
 #include <recording/recording_writer.h>
@@ -18,14 +19,13 @@
 #include <optional>
 #include <set>
 #include <tuple>
-#include <vector>
 
 namespace tarn::command {
 
 /** Where an entry is. */
 struct SpoolPosition {
-  std::uint64_t segment = 0;
-  std::uint64_t number = 0;  ///< counted from 0
+  std::uint64_t segment = 0;  ///< 0 for a note of frames that were dropped, which is not in a segment
+  std::uint64_t number = 0;   ///< counted from 0; of a note, its own number
 };
 
 inline bool operator<(const SpoolPosition& left, const SpoolPosition& right) {
@@ -35,7 +35,7 @@ inline bool operator<(const SpoolPosition& left, const SpoolPosition& right) {
 /**
  * Frames that wait on disk to be sent, in the segments of recordings (`platform/recording`). What `append` has returned
  * from survives the process, however it ends; what the system had written, a power cut as well. The spool is bounded:
- * the oldest segment goes first, and a note of its frames takes their place.
+ * the oldest segment goes first, and notes say which frames were in it; they are given out before all else.
  *
  * An entry is given out by `next`, in order, and stays until it is settled. All functions are thread-safe.
  */
@@ -43,7 +43,7 @@ class Spool {
  public:
   struct Figures {
     std::uint64_t bytes = 0;
-    std::uint64_t waiting = 0;  ///< entries that are not settled
+    std::uint64_t waiting = 0;  ///< entries and notes that are not settled
     std::uint64_t dropped = 0;  ///< frames that were dropped since this object was made, for want of room
     std::uint64_t damaged = 0;  ///< entries that could not be read back
   };
@@ -85,14 +85,14 @@ class Spool {
   void beginSegment() TARNVOD_REQUIRES(mutex_);
   void dropOldest() TARNVOD_REQUIRES(mutex_);
   void noteDropped(std::uint64_t number) TARNVOD_REQUIRES(mutex_);
-  void appendNotes() TARNVOD_REQUIRES(mutex_);
+  void saveNotes() TARNVOD_REQUIRES(mutex_);
+  std::optional<Given> nextNote() TARNVOD_REQUIRES(mutex_);
+  void settleEntry(const SpoolPosition& position) TARNVOD_REQUIRES(mutex_);
   void removeSettledSegments() TARNVOD_REQUIRES(mutex_);
-  void remove(std::uint64_t segment) const;
   SpoolPosition lowestUnsettled() const TARNVOD_REQUIRES(mutex_);
   void saveSettled() TARNVOD_REQUIRES(mutex_);
   std::optional<SpoolEntry> read(const SpoolPosition& position) TARNVOD_REQUIRES(mutex_);
   std::uint64_t bytes() const TARNVOD_REQUIRES(mutex_);
-  std::filesystem::path folderOf(std::uint64_t segment) const;
 
   struct Segment {
     std::uint64_t number = 0;
@@ -112,9 +112,8 @@ class Spool {
   SpoolPosition next_ TARNVOD_GUARDED_BY(mutex_);
   std::set<SpoolPosition> given_ TARNVOD_GUARDED_BY(mutex_);
   Clock::time_point savedAt_ TARNVOD_GUARDED_BY(mutex_);  ///< when the settled position was last written
-  std::vector<FrameRange> notes_
-      TARNVOD_GUARDED_BY(mutex_);  ///< of frames that were dropped; to be written to the next segment
-  Figures figures_ TARNVOD_GUARDED_BY(mutex_);
+  SpoolNotes notes_ TARNVOD_GUARDED_BY(mutex_);
+  Figures figures_ TARNVOD_GUARDED_BY(mutex_);  ///< `waiting` without notes, and without `bytes`
 };
 
 }  // namespace tarn::command

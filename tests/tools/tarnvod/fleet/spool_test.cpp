@@ -200,6 +200,72 @@ TEST_F(AFullSpool, AccountsForEachFrameByANoteInPlaceOfTheOldest) {
   EXPECT_EQ(spool.figures().dropped, noted);
 }
 
+/** The notes that can still be given out. */
+std::vector<FrameRange> notesLeft(Spool& spool) {
+  std::vector<FrameRange> notes;
+  while (const auto given = spool.next()) {
+    if (given->entry.kind == SpoolEntry::Kind::Dropped) {
+      notes.push_back(given->entry.frames);
+    }
+  }
+  return notes;
+}
+
+TEST_F(AFullSpool, KeepsOneNoteHoweverManyFramesItDrops) {
+  for (std::uint64_t number = frames + 1; number <= 10 * frames; ++number) {
+    spool.append(frame(number, 1000));
+  }
+
+  EXPECT_THAT(notesLeft(spool), ElementsAre(FrameRange{1, start, 1, spool.figures().dropped}));
+  EXPECT_GT(spool.figures().dropped, 9 * frames);
+}
+
+TEST_F(AFullSpool, KeepsItsNotesThroughADeath) {
+  const std::uint64_t dropped = spool.figures().dropped;
+
+  Spool survivor(copyAfterDeath(), small);
+
+  EXPECT_EQ(survivor.figures().waiting, spool.figures().waiting);
+  EXPECT_THAT(notesLeft(survivor), ElementsAre(FrameRange{1, start, 1, dropped}));
+}
+
+TEST_F(AFullSpool, ForgetsANoteThatIsSettled) {
+  const std::uint64_t waiting = spool.figures().waiting;
+  const auto note = spool.next();
+  ASSERT_EQ(note->entry.kind, SpoolEntry::Kind::Dropped);
+
+  spool.settle(note->position);
+  spool.rewind();
+
+  EXPECT_EQ(spool.figures().waiting, waiting - 1);
+  EXPECT_THAT(notesLeft(spool), IsEmpty());
+}
+
+TEST_F(AFullSpool, GivesANoteOutAgainWithWhatFollowsIt) {
+  const std::uint64_t before = spool.figures().dropped;
+  EXPECT_THAT(notesLeft(spool), ElementsAre(FrameRange{1, start, 1, before}));
+  for (std::uint64_t number = frames + 1; number <= 2 * frames; ++number) {
+    spool.append(frame(number, 1000));
+  }
+  const std::uint64_t after = spool.figures().dropped;
+  EXPECT_THAT(notesLeft(spool), ElementsAre(FrameRange{1, start, before + 1, after}));
+
+  spool.rewind();
+
+  EXPECT_THAT(notesLeft(spool), ElementsAre(FrameRange{1, start, 1, after}));
+}
+
+TEST_F(AFullSpool, GivesNotesOutThatCannotBeWritten) {
+  fs::remove(path() / "dropped");
+  fs::create_directory(path() / "dropped");
+
+  for (std::uint64_t number = frames + 1; number <= 2 * frames; ++number) {
+    spool.append(frame(number, 1000));
+  }
+
+  EXPECT_THAT(notesLeft(spool), ElementsAre(FrameRange{1, start, 1, spool.figures().dropped}));
+}
+
 TEST_F(AFullSpool, IgnoresThatADroppedEntryIsSettled) {
   Spool other(path().parent_path() / "other", small);
   other.append(frame(1, 1000));
