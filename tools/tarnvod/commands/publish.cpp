@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+#include "base/allocator.h"
 #include "base/changed_message.h"
 #include "base/errors.h"
 #include "base/options.h"
@@ -246,6 +247,7 @@ int publish(const PublishOptions& options) {
   if (options.spoolLimit && *options.spoolLimit < smallestSpool) {
     throw UsageError("--spool-size: the spool needs at least 64K");
   }
+  allocateFromOneArena();  // each camera's frames are made by a thread of its own
   Publisher(options).run();
   return success;
 }
