@@ -68,10 +68,12 @@ std::string PostgresServer::url() const {
   return "postgresql:///postgres?user=postgres&host=" + (folder_ / "").string();
 }
 
-void PostgresServer::start() {
-  process_ = std::make_unique<Process>(
-      "/usr/bin/env",
-      asItsUser("postgres", {"-D", folder_ / "data", "-k", folder_ / "", "-F", "-c", "listen_addresses="}));
+void PostgresServer::start(const std::vector<std::string>& settings) {
+  std::vector<std::string> arguments{"-D", folder_ / "data", "-k", folder_ / "", "-F", "-c", "listen_addresses="};
+  for (const std::string& setting : settings) {
+    arguments.insert(arguments.end(), {"-c", setting});
+  }
+  process_ = std::make_unique<Process>("/usr/bin/env", asItsUser("postgres", arguments));
   process_->waitForErrors("ready to accept connections");
 }
 

@@ -7,8 +7,10 @@
 #include <tools/tarnvod/process.h>
 #include <tools/tarnvod/situations.h>
 
+#include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace test {
 
@@ -24,7 +26,10 @@ class PostgresServer {
   static PostgresServer& emptied();
 
   std::string url() const;
-  void start();
+  /** For files that the server reads. */
+  std::filesystem::path folder() const { return folder_ / ""; }
+  /** @param settings  in addition to the usual ones, "NAME=VALUE" */
+  void start(const std::vector<std::string>& settings = {});
   /** Ends all connections at once and leaves recovery to the next start. */
   void crash();
 
