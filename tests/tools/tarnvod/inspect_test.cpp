@@ -118,7 +118,7 @@ TEST_F(Inspect, OutsideOfAUtf8LocaleIsAscii) {
       std::all_of(output.begin(), output.end(), [](char byte) { return static_cast<unsigned char>(byte) < 0x80; }));
 }
 
-class LongWork : public test::TwoCameras, public testing::WithParamInterface<const char*> {
+class WorkWithoutAnEnd : public test::TwoCameras, public testing::WithParamInterface<const char*> {
  protected:
   std::vector<std::string> arguments() const {
     std::vector<std::string> result{GetParam(), recording};
@@ -129,7 +129,7 @@ class LongWork : public test::TwoCameras, public testing::WithParamInterface<con
   }
 };
 
-TEST_P(LongWork, EndsAtTheFirstSignal) {
+TEST_P(WorkWithoutAnEnd, EndsAtTheFirstSignal) {
   constexpr std::uintmax_t hoursOfEmptyFrames = 64'000'000'000;
   std::filesystem::resize_file(recording / "scenes.pb", hoursOfEmptyFrames);
   test::Process process(test::command(), arguments());
@@ -142,7 +142,7 @@ TEST_P(LongWork, EndsAtTheFirstSignal) {
   EXPECT_EQ(outcome.errors, "tarnvod: stopped by a signal before the result was complete\n");
 }
 
-INSTANTIATE_TEST_SUITE_P(OfASubcommand, LongWork, testing::Values("inspect", "render"));
+INSTANTIATE_TEST_SUITE_P(OfASubcommand, WorkWithoutAnEnd, testing::Values("inspect", "render"));
 
 TEST_F(Inspect, OfAMissingFolderNamesIt) {
   const test::Outcome outcome = test::run({"inspect", folder / "missing"});

@@ -6,7 +6,6 @@
 #include "base/text.h"
 #include "commands/subcommands.h"
 #include "recordings/comparison.h"
-#include "recordings/scan_progress.h"
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>

@@ -6,7 +6,7 @@
 #include "commands/subcommands.h"
 #include "recordings/recording_background.h"
 #include "recordings/recording_output.h"
-#include "recordings/scan_progress.h"
+#include "recordings/recording_scan.h"
 #include "recordings/scene_record.h"
 
 #include <CLI/CLI.hpp>
@@ -41,7 +41,6 @@ int cut(const CutOptions& options) {
   }
   RecordingOutput output(options.output, vod::recording::readDetectorInformation(options.folder),
                          commonBoot({options.folder}));
-  ScanProgress progress(options.folder);
   RecordingClock clock;
   DamageList damage;
   const auto visit = [&](const vod::recording::CheckedScene& scene) {
@@ -49,11 +48,9 @@ int cut(const CutOptions& options) {
     if (clock.microseconds() >= from && clock.microseconds() < to) {
       output.append(scene);
     }
-    progress.show(scene.bytes.size());
     return true;
   };
   scanBytes(options.folder, visit, damage);
-  progress.hide();
   if (const auto background = backgroundIn(options.folder)) {
     output.addFile(*background);
   }

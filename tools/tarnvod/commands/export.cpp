@@ -4,7 +4,6 @@
 #include "base/errors.h"
 #include "commands/subcommands.h"
 #include "recordings/exports/frame_export.h"
-#include "recordings/scan_progress.h"
 
 #include <CLI/CLI.hpp>
 #include <recording/recording.h>
@@ -52,15 +51,12 @@ int exportRecording(const ExportOptions& options) {
   const std::string detector = vod::recording::readDetectorInformation(options.folder);
   const SceneNames names(detector);
   const auto exported = makeExport(options, names, detector);
-  ScanProgress progress(options.folder);
   DamageList damage;
   const auto visit = [&](const ScannedScene& scanned) {
     exported->add(scanned);
-    progress.show(scanned.bytes.size());
     return true;
   };
   scanRecording(options.folder, visit, damage);
-  progress.hide();
   exported->finish();
   failOnDamage(damage, options.output + " holds what could be read");
   return success;

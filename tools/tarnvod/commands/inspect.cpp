@@ -6,7 +6,6 @@
 #include "base/report.h"
 #include "commands/subcommands.h"
 #include "recordings/recording_summary.h"
-#include "recordings/scan_progress.h"
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>

@@ -5,7 +5,7 @@
 #include "base/output.h"
 #include "commands/subcommands.h"
 #include "recordings/recording_output.h"
-#include "recordings/scan_progress.h"
+#include "recordings/recording_scan.h"
 
 #include <CLI/CLI.hpp>
 
@@ -38,10 +38,8 @@ int merge(const MergeOptions& options) {
                          commonBoot({options.folders.begin(), options.folders.end()}));
   DamageList damage;
   for (const std::string& folder : options.folders) {
-    ScanProgress progress(folder);
     const auto visit = [&](const vod::recording::CheckedScene& scene) {
       output.append(scene);
-      progress.show(scene.bytes.size());
       return true;
     };
     scanBytes(folder, visit, damage);

@@ -9,7 +9,6 @@
 #include "drawing/drawing.h"
 #include "recordings/recording_background.h"
 #include "recordings/recording_summary.h"
-#include "recordings/scan_progress.h"
 #ifdef TARNVOD_WITH_VIEWER
 #include "viewer/recordings_page.h"
 #endif

@@ -67,7 +67,7 @@ int repair(const RepairOptions& options) {
   vod::recording::CheckedReader reader(options.folder, looksLikeScene);
   Report report;
   RecordingOutput output(options.output, detectorInformationOf(options.folder, report), commonBoot({options.folder}));
-  ScanProgress progress(options.folder);
+  ScanProgress progress({options.folder});
   for (auto next = reader.next(); !std::holds_alternative<vod::recording::EndOfRecording>(next); next = reader.next()) {
     throwIfStopRequested();
     if (const auto* const damage = std::get_if<Damage>(&next)) {

@@ -24,12 +24,13 @@ using ObjectsByClass = std::map<std::string, std::vector<SeenObject>>;
 /** The objects of a recording, frame by frame. */
 class FrameSource {
  public:
-  FrameSource(const std::filesystem::path& folder, const BoxConvention& boxes, DamageList& damage)
+  FrameSource(const std::filesystem::path& folder, const BoxConvention& boxes, DamageList& damage,
+              ScanProgress& progress)
       : reader_(folder),
         names_(vod::recording::readDetectorInformation(folder)),
         boxes_(boxes),
         damage_(damage),
-        progress_(folder) {
+        progress_(progress) {
     advance();
   }
 
@@ -74,7 +75,7 @@ class FrameSource {
   const SceneNames names_;
   const BoxConvention boxes_;
   DamageList& damage_;
-  ScanProgress progress_;
+  ScanProgress& progress_;
   RecordingClock clock_;
   ::VOD::Scene scene_;
   ObjectsByClass objects_;
@@ -131,8 +132,9 @@ TrackingFigures Comparison::total() const {
 Comparison compareRecordings(const std::filesystem::path& reference, const std::filesystem::path& compared,
                              const ComparisonOptions& options) {
   Comparison comparison;
-  FrameSource left(reference, options.boxes, comparison.damage);
-  FrameSource right(compared, options.boxes, comparison.damage);
+  ScanProgress progress({reference, compared});
+  FrameSource left(reference, options.boxes, comparison.damage, progress);
+  FrameSource right(compared, options.boxes, comparison.damage, progress);
   Comparer comparer(options.threshold);
   while (!left.isAtEnd() || !right.isAtEnd()) {
     const double distance = left.seconds() - right.seconds();

@@ -3,7 +3,9 @@
 
 #include "recordings/recording_scan.h"
 
+#include "base/errors.h"
 #include "base/stop_signal.h"
+#include "recordings/scan_progress.h"
 
 #include <recording/checked_reader.h>
 #include <recording/segments.h>
@@ -33,17 +35,29 @@ void DamageList::add(Damage damage) {
   }
 }
 
+void failOnDamage(const DamageList& damage, const std::string& nevertheless) {
+  if (damage.count() > 0) {
+    const std::uint64_t others = damage.count() - 1;
+    throw Failure(vod::recording::toString(damage.first().front()) +
+                  (others > 0 ? " (and " + std::to_string(others) + " more)" : "") + "; " + nevertheless);
+  }
+}
+
 void scanBytes(const std::filesystem::path& folder, const std::function<bool(const CheckedScene&)>& visit,
                DamageList& damage) {
   CheckedReader reader(folder);
+  ScanProgress progress({folder});
   bool goesOn = true;
   while (goesOn) {
     throwIfStopRequested();
     auto next = reader.next();
     if (auto* const found = std::get_if<Damage>(&next)) {
       damage.add(std::move(*found));
+    } else if (const auto* const scene = std::get_if<CheckedScene>(&next)) {
+      progress.show(scene->bytes.size());
+      goesOn = visit(*scene);
     } else {
-      goesOn = std::holds_alternative<CheckedScene>(next) && visit(std::get<CheckedScene>(next));
+      goesOn = false;
     }
   }
 }

@@ -14,6 +14,7 @@
 #include <filesystem>
 #include <functional>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -56,8 +57,11 @@ class DamageList {
   std::uint64_t count_ = 0;
 };
 
+/** @throw Failure  when there is damage: names the first, and says what there is nevertheless */
+void failOnDamage(const DamageList& damage, const std::string& nevertheless);
+
 /**
- * Reads a recording from its start, segment by segment, never holding more than one scene.
+ * Reads a recording from its start, segment by segment, never holding more than one scene. Shows its progress on a terminal.
  *
  * @param visit   gets each scene that can be read; false ends the reading
  * @param damage  gets what cannot be read

@@ -3,25 +3,38 @@
 
 #include "recordings/scan_progress.h"
 
-#include "base/errors.h"
-
 #include <recording/scene_index.h>
 #include <recording/segments.h>
 
 namespace tarn::command {
 namespace {
 
-Limits limitsFor(const std::filesystem::path& folder) {
-  Limits limits;
-  if (const std::uint64_t frames = indexedFrames(folder)) {
-    limits.frames = frames;
+std::uint64_t indexedFrames(const std::filesystem::path& recording) {
+  std::uint64_t frames = 0;
+  for (const auto& part : vod::recording::partsOf(recording)) {
+    frames += vod::recording::SceneIndex(part).size();
   }
+  return frames;
+}
+
+/** The frames of all recordings; unknown when one of them has no index. */
+Limits limitsFor(const std::vector<std::filesystem::path>& recordings) {
+  std::uint64_t sum = 0;
+  for (const auto& recording : recordings) {
+    const std::uint64_t frames = indexedFrames(recording);
+    if (frames == 0) {
+      return {};
+    }
+    sum += frames;
+  }
+  Limits limits;
+  limits.frames = sum;
   return limits;
 }
 
 }  // namespace
 
-ScanProgress::ScanProgress(const std::filesystem::path& folder) : bar_(limitsFor(folder)) {}
+ScanProgress::ScanProgress(const std::vector<std::filesystem::path>& recordings) : bar_(limitsFor(recordings)) {}
 
 void ScanProgress::show(std::size_t bytes) {
   // Asking for the time costs more than a frame does.
@@ -31,22 +44,6 @@ void ScanProgress::show(std::size_t bytes) {
     const Clock::time_point now = Clock::now();
     progress_.elapsed = now - start_;
     bar_.show(progress_, now);
-  }
-}
-
-std::uint64_t indexedFrames(const std::filesystem::path& folder) {
-  std::uint64_t frames = 0;
-  for (const auto& part : vod::recording::partsOf(folder)) {
-    frames += vod::recording::SceneIndex(part).size();
-  }
-  return frames;
-}
-
-void failOnDamage(const DamageList& damage, const std::string& nevertheless) {
-  if (damage.count() > 0) {
-    const std::uint64_t others = damage.count() - 1;
-    throw Failure(vod::recording::toString(damage.first().front()) +
-                  (others > 0 ? " (and " + std::to_string(others) + " more)" : "") + "; " + nevertheless);
   }
 }
 

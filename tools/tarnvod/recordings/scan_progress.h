@@ -5,20 +5,21 @@
 #define TARNVOD_COMMAND_SCAN_PROGRESS_H
 
 #include "base/progress_bar.h"
-#include "recordings/recording_scan.h"
 
+#include <cstddef>
 #include <filesystem>
-#include <string>
+#include <vector>
 
 namespace tarn::command {
 
-/** Shows on a terminal how far the reading of a recording is. */
+/** Shows on a terminal how far the reading of recordings is, and removes that when it is destroyed. */
 class ScanProgress {
  public:
-  explicit ScanProgress(const std::filesystem::path& folder);
+  explicit ScanProgress(const std::vector<std::filesystem::path>& recordings);
 
   /** One more frame of this size has been read. */
   void show(std::size_t bytes);
+  /** Makes room for another line; the next frames show the progress again. */
   void hide() { bar_.hide(); }
 
  private:
@@ -26,12 +27,6 @@ class ScanProgress {
   Progress progress_;
   const Clock::time_point start_ = Clock::now();
 };
-
-/** The number of frames that the indices of a recording list; 0 without an index. */
-std::uint64_t indexedFrames(const std::filesystem::path& folder);
-
-/** @throw Failure  when there is damage: names the first, and says what there is nevertheless */
-void failOnDamage(const DamageList& damage, const std::string& nevertheless);
 
 }  // namespace tarn::command
 
