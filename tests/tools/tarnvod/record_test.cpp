@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+#include "full_disk.h"
 #include "situations.h"
 
 #include <gmock/gmock.h>
@@ -80,13 +81,7 @@ TEST_F(Record, OverARecordingFailsAndLeavesItAsItWas) {
 }
 
 TEST_F(Record, ThatCannotWriteItsStartLeavesTheFolderFree) {
-  // As on a full disk, no file can grow.
-  const std::string script = "trap '' XFSZ; ulimit -f 0; exec \"$0\" \"$@\"";
-  std::vector<std::string> words{"-c", script, test::command()};
-  const auto arguments = recording20Frames();
-  words.insert(words.end(), arguments.begin(), arguments.end());
-
-  const test::Outcome outcome = test::Process("/bin/sh", words, playing("max")).wait();
+  const test::Outcome outcome = test::runWithFilesUpTo(0, recording20Frames(), playing("max"));
 
   EXPECT_EQ(outcome.exitCode, 1);
   EXPECT_TRUE(test::isOneLine(outcome.errors));

@@ -1,12 +1,15 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+#include "full_disk.h"
 #include "situations.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <filesystem>
+#include <iterator>
 #include <limits>
 
 using testing::ContainsRegex;
@@ -205,6 +208,17 @@ TEST_F(Render, OfAFileThatIsNotASceneSaysSo) {
 
   EXPECT_EQ(outcome.exitCode, 1);
   EXPECT_THAT(outcome.errors, HasSubstr("garbage: this is not a serialized VOD.Scene"));
+}
+
+TEST_F(Render, LeavesAPictureThatIsThereAsItWasWhenTheNewOneHasNoRoom) {
+  test::writeTo(folder / "picture.svg", "an earlier picture");
+
+  const test::Outcome outcome = test::runWithFilesUpTo(1, {"render", recording, "--output", folder / "picture.svg"});
+
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_EQ(outcome.errors, "tarnvod: " + (folder / "picture.svg").string() + ": File too large\n");
+  EXPECT_EQ(picture(), "an earlier picture");
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(recording.parent_path()), {}), 2);
 }
 
 TEST_F(Render, ToAFullDiskFails) {

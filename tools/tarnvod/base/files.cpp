@@ -4,6 +4,7 @@
 #include "base/files.h"
 
 #include "base/errors.h"
+#include "base/replaced_file.h"
 #include "base/text.h"
 
 #include <cerrno>
@@ -48,12 +49,9 @@ std::string readFile(const std::string& path, const std::string& whatItShouldBe)
 }
 
 void writeFile(const std::string& path, std::string_view contents) {
-  std::ofstream file(path, std::ios::binary);
-  file.write(contents.data(), static_cast<std::streamsize>(contents.size()));
-  file.close();
-  if (!file) {
-    throw Failure(path + ": " + std::generic_category().message(errno));
-  }
+  ReplacedFile file(path);
+  file.write(contents);
+  file.commit();
 }
 
 }  // namespace tarn::command

@@ -16,7 +16,7 @@ namespace tarn::command {
  */
 std::string readFile(const std::string& path, const std::string& whatItShouldBe);
 
-/** Writes a whole file. @throw Failure that names it */
+/** Writes a whole file. One that is there is replaced when the new one is complete. @throw Failure that names it */
 void writeFile(const std::string& path, std::string_view contents);
 
 }  // namespace tarn::command
