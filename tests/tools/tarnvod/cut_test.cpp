@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
+#include "full_disk.h"
 #include "situations.h"
 
 #include <gmock/gmock.h>
@@ -11,6 +12,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -22,6 +24,9 @@ namespace {
 constexpr const char* scenes = "scenes.pb";
 constexpr const char* indexFile = "scenes.idx";
 constexpr const char* information = "detector-information.pb";
+constexpr const char* background = "background.jpg";
+constexpr const char* street = "\xFF\xD8\xFFstreet";  // begins like a JPEG image
+constexpr int blocks = 8;                             // room for the scenes, not for a large picture
 
 class PartsOfARecording : public test::TwoCameras {
  protected:
@@ -46,11 +51,11 @@ using Merge = PartsOfARecording;
 using Repair = PartsOfARecording;
 
 TEST_F(Cut, KeepsTheBackground) {
-  test::writeTo(recording / "background.jpg", "\xFF\xD8\xFFstreet");
+  test::writeTo(recording / background, street);
 
   EXPECT_EQ(cut("0.3", "0.7", "part").exitCode, 0);
 
-  EXPECT_EQ(test::contentsOf(folder / "part" / "background.jpg"), "\xFF\xD8\xFFstreet");
+  EXPECT_EQ(test::contentsOf(folder / "part" / background), street);
 }
 
 TEST_F(Cut, TakesTheFirstMomentAndLeavesTheLastOut) {
@@ -135,6 +140,31 @@ TEST_F(Merge, PutsSegmentsIntoOneRecording) {
   ASSERT_EQ(test::run({"cut", recording, "--from", "1", "--output", segments / "segment-000002"}).exitCode, 0);
   EXPECT_EQ(test::run({"merge", segments, "--output", folder / "whole"}).exitCode, 0);
   expectSame(folder / "whole", recording);
+}
+
+TEST_F(Merge, KeepsTheBackgroundOfTheFirstRecordingThatHasOne) {
+  for (const char* name : {"first", "second", "third"}) {
+    test::makeRecording(folder / name);
+  }
+  test::writeTo(folder / "second" / background, street);
+  test::writeTo(folder / "third" / background, "\xFF\xD8\xFFsquare");
+
+  EXPECT_EQ(test::run({"merge", folder / "first", folder / "second", folder / "third", "--output", folder / "whole"})
+                .exitCode,
+            0);
+
+  EXPECT_EQ(test::contentsOf(folder / "whole" / background), street);
+}
+
+TEST_F(Merge, ThatCannotCopyTheBackgroundFailsAndLeavesNothingBehind) {
+  test::writeTo(recording / background, std::string(100'000, 'x'));
+
+  const test::Outcome outcome = test::runWithFilesUpTo(blocks, {"merge", recording, "--output", folder / "whole"});
+
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_TRUE(test::isOneLine(outcome.errors));
+  EXPECT_THAT(outcome.errors, HasSubstr("background.jpg: File too large\n"));
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(recording.parent_path()), {}), 1);
 }
 
 TEST_F(Merge, OfSeveralBootsHasNoBoot) {
@@ -241,6 +271,26 @@ TEST_F(Repair, KeepsTheScenesWithoutDetectorInformation) {
   EXPECT_THAT(outcome.output,
               HasSubstr("detector-information.pb: offset 0: cannot be read; the classes have no names"));
   EXPECT_EQ(framesOf("repaired"), 20);
+}
+
+TEST_F(Repair, KeepsTheBackground) {
+  test::writeTo(recording / background, street);
+
+  EXPECT_EQ(test::run({"repair", recording, "--output", folder / "repaired"}).exitCode, 0);
+
+  EXPECT_EQ(test::contentsOf(folder / "repaired" / background), street);
+}
+
+TEST_F(Repair, ReportsABackgroundThatCannotBeCopiedAndKeepsTheScenes) {
+  test::writeTo(recording / background, std::string(100'000, 'x'));
+
+  const test::Outcome outcome = test::runWithFilesUpTo(blocks, {"repair", recording, "--output", folder / "repaired"});
+
+  EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+  EXPECT_THAT(outcome.output,
+              HasSubstr((recording / background).string() + ": offset 0: cannot be copied; left out\n"));
+  EXPECT_FALSE(std::filesystem::exists(folder / "repaired" / background));
+  expectSame(folder / "repaired", recording);
 }
 
 TEST_F(Repair, OfASoundRecordingCopiesIt) {

@@ -4,6 +4,7 @@
 #include "base/errors.h"
 #include "base/output.h"
 #include "commands/subcommands.h"
+#include "recordings/recording_background.h"
 #include "recordings/recording_output.h"
 #include "recordings/recording_scan.h"
 
@@ -33,6 +34,16 @@ std::string commonDetectorInformation(const std::vector<std::string>& folders) {
   return common;
 }
 
+/** Adds the background of the first recording that has one. */
+void addBackground(RecordingOutput& output, const std::vector<std::string>& folders) {
+  for (const std::string& folder : folders) {
+    if (const auto background = backgroundIn(folder)) {
+      output.addFile(*background);
+      return;
+    }
+  }
+}
+
 int merge(const MergeOptions& options) {
   RecordingOutput output(options.output, commonDetectorInformation(options.folders),
                          commonBoot({options.folders.begin(), options.folders.end()}));
@@ -44,6 +55,7 @@ int merge(const MergeOptions& options) {
     };
     scanBytes(folder, visit, damage);
   }
+  addBackground(output, options.folders);
   output.commit();
   standardOutput().writeText("merged " + output.summary() + '\n');
   failOnDamage(damage, options.output + " holds what could be read");

@@ -6,6 +6,7 @@
 #include "base/stop_signal.h"
 #include "base/text.h"
 #include "commands/subcommands.h"
+#include "recordings/recording_background.h"
 #include "recordings/recording_output.h"
 #include "recordings/scan_progress.h"
 
@@ -63,6 +64,17 @@ bool looksLikeScene(std::string_view bytes) {
          (scene.timestamp() != 0 || !scene.detections().empty() || !scene.events().empty());
 }
 
+/** Adds the recording's background, if it has one. The scenes are of use without it. */
+void addBackground(RecordingOutput& output, const std::string& folder, Report& report) {
+  if (const auto background = backgroundIn(folder)) {
+    try {
+      output.addFile(*background);
+    } catch (const Failure&) {
+      report.add({background->string(), 0, "cannot be copied; left out"});
+    }
+  }
+}
+
 int repair(const RepairOptions& options) {
   vod::recording::CheckedReader reader(options.folder, looksLikeScene);
   Report report;
@@ -84,6 +96,7 @@ int repair(const RepairOptions& options) {
     progress.show(scene.bytes.size());
   }
   progress.hide();
+  addBackground(output, options.folder, report);
   output.commit();
   standardOutput().writeText("repaired " + output.summary() + "; " + counted(report.count(), "damage") + '\n');
   return success;

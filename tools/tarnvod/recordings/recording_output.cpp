@@ -4,6 +4,7 @@
 #include "recordings/recording_output.h"
 
 #include "base/errors.h"
+#include "base/files.h"
 #include "base/text.h"
 
 #include <recording/segments.h>
@@ -52,7 +53,7 @@ void RecordingOutput::append(const vod::recording::CheckedScene& scene) {
 }
 
 void RecordingOutput::addFile(const std::filesystem::path& file) {
-  std::filesystem::copy_file(file, temporary_ / file.filename());
+  writeFile(temporary_ / file.filename(), readFile(file, "a regular file"));
 }
 
 void RecordingOutput::commit() {

@@ -34,7 +34,7 @@ class RecordingOutput {
 
   /** Adds a scene as it is. */
   void append(const vod::recording::CheckedScene& scene);
-  /** Adds a copy of a file, under the same name. @throw std::filesystem::filesystem_error */
+  /** Adds a copy of a file, under the same name. @throw Failure  when it cannot be copied; nothing is added then */
   void addFile(const std::filesystem::path& file);
   /** @throw Failure  when the folder cannot get its name */
   void commit();
