@@ -55,11 +55,10 @@ std::string drawAxis(const Tracks& tracks, double height) {
 
 /** One bar for each time that the object was seen without a break. */
 std::string drawBars(const Track& track, const Tracks& tracks, double top, double height) {
-  constexpr std::uint64_t longestGap = 5;
   std::string content;
   for (auto first = track.points.begin(); first != track.points.end();) {
     auto last = first;
-    while (std::next(last) != track.points.end() && std::next(last)->frame - last->frame <= longestGap) {
+    while (std::next(last) != track.points.end() && !std::next(last)->beginsStretch) {
       ++last;
     }
     const double left = positionOf(first->seconds, tracks);

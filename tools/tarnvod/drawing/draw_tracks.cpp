@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <array>
-#include <optional>
 
 namespace tarn::command {
 namespace {
@@ -15,8 +14,6 @@ namespace {
 using svg::element;
 using svg::number;
 
-/** An object that was not seen for more frames than this was lost in between. */
-constexpr std::uint64_t longestGap = 5;
 constexpr double labelSize = 12;
 
 struct Point {
@@ -41,13 +38,11 @@ std::string pathOf(const std::vector<Point>& points) {
 /** The stretches of a track in which the object was seen without a longer gap. */
 std::vector<std::vector<Point>> stretchesOf(const Track& track, const Canvas& canvas) {
   std::vector<std::vector<Point>> stretches;
-  std::optional<std::uint64_t> lastFrame;
   for (const TrackPoint& point : track.points) {
-    if (!lastFrame || point.frame - *lastFrame > longestGap) {
+    if (point.beginsStretch) {
       stretches.emplace_back();
     }
     stretches.back().push_back(footOf(point, canvas));
-    lastFrame = point.frame;
   }
   return stretches;
 }
@@ -97,7 +92,7 @@ std::string drawConnections(const Tracks& tracks, const Canvas& canvas) {
     if (one == byId.end() || two == byId.end() || one == two) {
       continue;
     }
-    const bool inOrder = one->second->points.front().frame <= two->second->points.front().frame;
+    const bool inOrder = one->second->points.front().seconds <= two->second->points.front().seconds;
     const Track& earlier = *(inOrder ? one : two)->second;
     const Track& later = *(inOrder ? two : one)->second;
     content += drawPath({footOf(earlier.points.back(), canvas), footOf(later.points.front(), canvas)}, "unseen",

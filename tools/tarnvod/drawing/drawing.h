@@ -49,9 +49,9 @@ std::string drawCanvas(const Canvas& canvas, const DrawingStyle& style, const st
 
 /** Where an object was. */
 struct TrackPoint {
-  std::uint64_t frame = 0;
   double seconds = 0;
   Box box;
+  bool beginsStretch = false;  ///< the object was not seen for several frames before
 };
 
 /** What became of one object in a recording. */
@@ -59,6 +59,8 @@ struct Track {
   std::uint32_t objectId = 0;
   std::string className;
   std::vector<TrackPoint> points;
+  std::uint64_t lastFrame = 0;
+  std::uint64_t inStretch = 0;  ///< the number of the last point in its stretch, counted from 0
 };
 
 /** All tracks of a recording, those that begin first in front. */
@@ -70,7 +72,12 @@ struct Tracks {
   double seconds = 0;
 };
 
-/** @throw Failure, vod::recording::RecordingError */
+/**
+ * Reads the tracks of a recording. They have some 50,000 points at most: of a long recording only one of several points is
+ * kept, and the ends of each stretch.
+ *
+ * @throw Failure, vod::recording::RecordingError
+ */
 Tracks collectTracks(const std::string& folder, const SceneNames& names, const BoxConvention& boxes,
                      DamageList& damage);
 
