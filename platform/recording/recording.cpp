@@ -4,6 +4,7 @@
 #include "recording/recording.h"
 
 #include "recording/segments.h"
+#include "recording/session.h"
 
 #include <algorithm>
 #include <array>
@@ -21,9 +22,25 @@ std::ostream& operator<<(std::ostream& out, const Damage& damage) {
   return out << toString(damage);
 }
 
+namespace {
+
+/** Several recordings are not one: without this, a missing file would be all that is reported. */
+void refuseSession(const std::filesystem::path& folder) {
+  const std::vector<std::filesystem::path> cameras = camerasOf(folder);
+  if (!cameras.empty()) {
+    throw RecordingError(folder.string() + ": holds the recordings of several cameras; name one of them, such as " +
+                         cameras.front().string());
+  }
+}
+
+}  // namespace
+
 std::ifstream openFile(const std::filesystem::path& file) {
   std::error_code error;
   const std::filesystem::file_status status = std::filesystem::status(file, error);
+  if (error == std::errc::no_such_file_or_directory) {
+    refuseSession(file.parent_path());
+  }
   if (error) {
     throw RecordingError(file.string() + ": " + error.message());
   }

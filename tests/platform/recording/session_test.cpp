@@ -3,6 +3,7 @@
 
 #include "recording/session.h"
 
+#include "recording/checked_reader.h"
 #include "recording/recording_writer.h"
 #include "support/temporary_folder.h"
 
@@ -43,6 +44,14 @@ TEST_F(AFolderOfCameras, IsNotASessionWhenItHoldsARecording) {
 TEST_F(AFolderOfCameras, IsNotASessionWhenItHoldsSegments) {
   const RecordingWriter writer(folder() / "segment-000001", "");
   EXPECT_THAT(camerasOf(folder()), IsEmpty());
+}
+
+TEST_F(AFolderOfCameras, IsNotReadAsOneRecording) {
+  const auto isRefused = testing::ThrowsMessage<RecordingError>(
+      folder().string() + ": holds the recordings of several cameras; name one of them, such as " +
+      (folder() / "camera-2").string());
+  EXPECT_THAT([this] { CheckedReader reader(folder()); }, isRefused);
+  EXPECT_THAT([this] { readDetectorInformation(folder()); }, isRefused);
 }
 
 TEST(AFolder, ThatDoesNotExistIsNotASession) {

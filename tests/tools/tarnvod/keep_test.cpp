@@ -75,6 +75,14 @@ TEST_F(RecordingThatKeeps, SegmentsIsNotContinuedAsAPlainRecording) {
   EXPECT_EQ(summaryOf(out)["frames"], 20);
 }
 
+TEST_F(RecordingThatKeeps, SegmentsIsNotHiddenByTheRecordingsOfSeveralCameras) {
+  ASSERT_EQ(recorded({"--camera", "1", "--keep", "24h"}).exitCode, 0);
+  const test::Outcome outcome = recorded({"--camera", "1", "2", "--keep", "24h"});
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_EQ(outcome.errors,
+            "tarnvod: " + out.string() + ": holds a recording of segments already; name another folder\n");
+}
+
 TEST_F(RecordingThatKeeps, NothingOfTheFirstCameraWhenTheSecondCannotBeRecorded) {
   vod::recording::RecordingWriter(out / "camera-2", "");
   const test::Outcome outcome = recorded({"--camera", "1", "2"});

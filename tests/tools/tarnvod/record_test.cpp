@@ -80,6 +80,29 @@ TEST_F(Record, OverARecordingFailsAndLeavesItAsItWas) {
   EXPECT_EQ(test::contentsOf(recording / scenes), before);
 }
 
+TEST_F(Record, OfSeveralCamerasIntoTheFolderOfARecordingFails) {
+  const test::Outcome outcome =
+      test::run({"record", "--camera", "1", "2", "--output", recording, "--frames", "1"}, playing());
+
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_EQ(outcome.errors, "tarnvod: " + recording.string() + ": holds a recording already; name another folder\n");
+  EXPECT_FALSE(std::filesystem::exists(recording / "camera-1"));
+}
+
+TEST_F(Record, IntoTheFolderOfSeveralCamerasFails) {
+  test::makeRecording(folder / "session" / "camera-1");
+  for (const std::vector<std::string>& keeping : {std::vector<std::string>{}, {"--keep", "1h"}}) {
+    std::vector<std::string> arguments{"record", "--camera", "1", "--output", folder / "session", "--frames", "1"};
+    arguments.insert(arguments.end(), keeping.begin(), keeping.end());
+
+    const test::Outcome outcome = test::run(arguments, playing());
+
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(outcome.errors, "tarnvod: " + (folder / "session").string() +
+                                  ": holds the recordings of several cameras already; name another folder\n");
+  }
+}
+
 TEST_F(Record, ThatCannotWriteItsStartLeavesTheFolderFree) {
   const test::Outcome outcome = test::runWithFilesUpTo(0, recording20Frames(), playing("max"));
 

@@ -45,8 +45,11 @@ std::filesystem::path folderOf(int camera, const RecordOptions& options) {
   return options.cameras.size() == 1 ? folder : folder / vod::recording::cameraFolderName(camera);
 }
 
-/** Segments go on in a folder of segments; nothing else is written into a folder that holds a recording. */
-void checkMayBeWritten(const std::filesystem::path& folder, const Keeping& keeping) {
+bool holdsSegments(const std::filesystem::path& folder) {
+  return vod::recording::partsOf(folder) != std::vector<std::filesystem::path>{folder};
+}
+
+void checkHoldsNoRecording(const std::filesystem::path& folder) {
   for (const char* name :
        {vod::recording::detectorInformationFileName, vod::recording::scenesFileName, vod::recording::indexFileName}) {
     std::error_code ignored;  // what cannot be looked at cannot be written either, which is reported then
@@ -54,10 +57,28 @@ void checkMayBeWritten(const std::filesystem::path& folder, const Keeping& keepi
       throw Failure(folder.string() + ": holds a recording already; name another folder");
     }
   }
-  if (!keeping.hasSegments() && vod::recording::partsOf(folder) != std::vector{folder}) {
+}
+
+/** Segments go on in a folder of segments; nothing else is written into a folder that holds a recording. */
+void checkMayBeWritten(const std::filesystem::path& folder, const Keeping& keeping) {
+  checkHoldsNoRecording(folder);
+  if (!vod::recording::camerasOf(folder).empty()) {
+    throw Failure(folder.string() + ": holds the recordings of several cameras already; name another folder");
+  }
+  if (!keeping.hasSegments() && holdsSegments(folder)) {
     throw Failure(folder.string() +
                   ": holds a recording of segments already; go on with --keep, --max-size or --ring, or name another "
                   "folder");
+  }
+}
+
+/** The recordings of several cameras would be hidden by a recording next to them. */
+void checkSession(const RecordOptions& options) {
+  if (options.cameras.size() > 1) {
+    checkHoldsNoRecording(options.folder);
+    if (holdsSegments(options.folder)) {
+      throw Failure(options.folder + ": holds a recording of segments already; name another folder");
+    }
   }
 }
 
@@ -129,6 +150,7 @@ class CameraRecorder {
 class Recorder {
  public:
   explicit Recorder(const RecordOptions& options) : options_(options), bar_(options.limits) {
+    checkSession(options);
     for (const int camera : options.cameras) {
       checkMayBeWritten(folderOf(camera, options), options.keeping);
       checkCameraExists(camera, channelCount());
