@@ -9,7 +9,7 @@ readonly command_packages=(cmake ninja-build g++ pkgconf protobuf-compiler libpr
   libfmt-dev libmosquitto-dev libpq-dev libsqlite3-dev libutfcpp-dev nlohmann-json3-dev zlib1g-dev)
 readonly packaging_packages=(binutils dpkg-dev git lintian python3)
 readonly build_packages=("${command_packages[@]}" git libgtest-dev libgmock-dev mosquitto openssl postgresql python3
-  python3-jsonschema)
+  python3-jsonschema time)
 
 is_installed() {
   [[ $(dpkg-query --show --showformat='${db:Status-Status}' "$1" 2>/dev/null) == installed ]]
