@@ -149,6 +149,19 @@ TEST_F(ARun, ThatDoesNotComeToItsEndIsNotSaidToIgnoreASignal) {
   EXPECT_EQ(judged().findings[0].text, "it keeps the day from coming to its end");
 }
 
+TEST_F(ARun, WithoutACallOfTheServiceIsFoundWithTheLastLineThatItPrinted) {
+  run_.hasBegun = false;
+  run_.isComplete = false;
+  run_.output = "starting\nlibapplication.so.2: not found\n";
+
+  EXPECT_EQ(judged().findings.at(0).text,
+            "it does not call the service, and prints last \"libapplication.so.2: not found\",");
+  run_.output = "ready";
+  EXPECT_EQ(judged().findings.at(0).text, "it does not call the service, and prints last \"ready\",");
+  run_.output = "\n";
+  EXPECT_EQ(judged().findings.at(0).text, "it does not call the service");
+}
+
 TEST_F(ARun, WithAnotherExitCodeThanOnAQuietDayIsFound) {
   end();
   run_.exitCode = 1;

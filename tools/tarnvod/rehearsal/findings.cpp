@@ -39,6 +39,13 @@ std::string signalName(int number) {
   return name == nullptr ? "signal " + std::to_string(number) : std::string("SIG") + name;
 }
 
+/** Without its end. */
+std::string lastLine(const std::string& text) {
+  const std::size_t end = text.find_last_not_of('\n') + 1;
+  const std::size_t begin = end == 0 ? 0 : text.rfind('\n', end - 1) + 1;  // also right when there is none before
+  return text.substr(begin, end - begin);
+}
+
 /** Faults with a number in the journal, and when they began and ended. */
 struct Span {
   Time begin{0};
@@ -97,7 +104,9 @@ class Judge {
       find(FindingKind::Crash,
            "it is ended by " + signalName(-run_.exitCode) + (run_.isComplete ? " while it ends" : ""));
     } else if (!run_.hasBegun) {
-      find(FindingKind::NeverBegins, "it does not call the service");
+      const std::string line = lastLine(run_.output);
+      find(FindingKind::NeverBegins,
+           "it does not call the service" + (line.empty() ? "" : ", and prints last \"" + printable(line) + "\","));
     } else if (endsByItself && !expectation_.endsByItself) {
       find(FindingKind::Ends, "it ends by itself, with exit code " + std::to_string(run_.exitCode));
     } else if (run_.wasKilled) {
