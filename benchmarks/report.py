@@ -171,6 +171,17 @@ def figures(directory):
     return "\n".join(lines)
 
 
+def replace_between(path, begin, end, text):
+    """Writes the text between the markers of a document; ends the program where it lacks them."""
+    with open(path, encoding="utf-8") as file:
+        document = file.read()
+    if begin not in document or end not in document:
+        sys.exit(f"{path} lacks the markers {begin} and {end}")
+    before, rest = document.split(begin, 1)
+    with open(path, "w", encoding="utf-8") as file:
+        file.write(f"{before}{begin}\n{text}\n{end}{rest.split(end, 1)[1]}")
+
+
 def load(when):
     """Times are worth something only when little else ran; counts do not depend on it."""
     return f"Load of the machine {when} the measurement: {os.getloadavg()[0]:.1f} with {os.cpu_count()} processors."
@@ -179,16 +190,9 @@ def load(when):
 def main():
     if len(sys.argv) != 3:
         sys.exit("usage: report.py DIRECTORY DOCUMENT")
-    with open(sys.argv[2], encoding="utf-8") as file:
-        document = file.read()
-    if BEGIN not in document or END not in document:
-        sys.exit(f"{sys.argv[2]} lacks the markers {BEGIN} and {END}")
     text = load("before") + "\n\n" + figures(sys.argv[1]) + "\n" + load("after")
     print(text)
-    before, rest = document.split(BEGIN, 1)
-    after = rest.split(END, 1)[1]
-    with open(sys.argv[2], "w", encoding="utf-8") as file:
-        file.write(f"{before}{BEGIN}\n{text}\n{END}{after}")
+    replace_between(sys.argv[2], BEGIN, END, text)
 
 
 if __name__ == "__main__":

@@ -13,7 +13,7 @@ import subprocess
 import sys
 import tempfile
 
-from report import instructions, table
+from report import instructions, replace_between, table
 
 BEGIN, END = "<!-- scale: scripts/benchmark -->", "<!-- end of scale -->"
 CAMERAS = [1, 2, 4, 8, 16]
@@ -115,13 +115,6 @@ def rows(items, numbers, lines):
                "flat" if counts[-1] < counts[0] * FLAT else f"{growth(numbers, counts):.2f}")
 
 
-def write(document, text):
-    with open(document, encoding="utf-8") as file:
-        before, rest = file.read().split(BEGIN, 1)
-    with open(document, "w", encoding="utf-8") as file:
-        file.write(f"{before}{BEGIN}\n{text}\n{END}{rest.split(END, 1)[1]}")
-
-
 def main():
     if len(sys.argv) != 4:
         sys.exit(__doc__)
@@ -132,7 +125,8 @@ def main():
         found += rows(items, numbers, lines)
         steep += [f"{name} against {items}" for name, counts in lines.items() if not is_linear(numbers, counts)]
         print(*found[-len(lines):], sep="\n", flush=True)
-    write(document, "\n".join(table(["of", "cost of", "numbers", "thousands of instructions", "last items to those before"], found)))
+    head = ["of", "cost of", "numbers", "thousands of instructions", "last items to those before"]
+    replace_between(document, BEGIN, END, "\n".join(table(head, found)))
     if steep:
         sys.exit("faster than linear: " + ", ".join(steep))
 

@@ -15,7 +15,7 @@ import sys
 import tempfile
 import time
 
-from report import instructions, output_of, table
+from report import instructions, output_of, replace_between, table
 
 BEGIN, END = "<!-- start: scripts/benchmark -->", "<!-- end of start -->"
 SECONDS = 20  # of frames before memory is read
@@ -106,12 +106,9 @@ def figures(build):
 def main():
     if len(sys.argv) != 3:
         sys.exit(__doc__)
-    with open(sys.argv[2], encoding="utf-8") as file:
-        before, rest = file.read().split(BEGIN, 1)
     text = "\n".join(table(["start and size", "figure"], figures(os.path.abspath(sys.argv[1]))))
     print(text)
-    with open(sys.argv[2], "w", encoding="utf-8") as file:
-        file.write(f"{before}{BEGIN}\n{text}\n{END}{rest.split(END, 1)[1]}")
+    replace_between(sys.argv[2], BEGIN, END, text)
 
 
 if __name__ == "__main__":
