@@ -18,7 +18,8 @@ PublishedCamera::PublishedCamera(int number, const VOD::CameraRequest& request, 
       countsOnly_(selection.countsOnly),
       frames_(frames),
       since_(wallTimeNow().microseconds),
-      selection_(selection) {
+      selection_(selection),
+      overflow_(number) {
   camera_.emplace(number, request, [this](std::unique_ptr<VOD::DetectionData> frame) { add(std::move(frame)); });
   takeOver(camera_->status());
 }
@@ -80,16 +81,17 @@ std::optional<NumberedFrame> PublishedCamera::takeLastCounts() {
 void PublishedCamera::noteOverflow(std::uint64_t sequence) {
   const Lock lock(mutex_);
   ++overflowed_;
-  addRange(overflow_, {number_, "", sequence, sequence});
+  overflow_.add(sequence);
 }
 
 std::vector<FrameRange> PublishedCamera::takeOverflow() {
   const Lock lock(mutex_);
-  return std::exchange(overflow_, {});
+  return overflow_.take();
 }
 
 void PublishedCamera::noteKept(std::uint64_t sequence) {
   const Lock lock(mutex_);
+  overflow_.noteKept(sequence);
   kept_ = std::max(kept_, sequence);  // counts that the main thread took may overtake those in the queue
 }
 

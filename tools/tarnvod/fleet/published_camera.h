@@ -11,6 +11,7 @@
 #include "fleet/messages.h"
 #include "fleet/second_counter.h"
 #include "fleet/selection.h"
+#include "fleet/unkept_frames.h"
 
 #include <tarnvod/camera.h>
 
@@ -58,7 +59,7 @@ class PublishedCamera {
   /** A frame could not be kept. */
   void noteOverflow(std::uint64_t sequence);
 
-  /** The frames that could not be kept since the last call; without a start. */
+  /** The frames that could not be kept, once those before them are kept; each once, without a start. */
   std::vector<FrameRange> takeOverflow();
 
  private:
@@ -85,7 +86,7 @@ class PublishedCamera {
   SecondCounter counter_ TARNVOD_GUARDED_BY(mutex_);
   std::uint64_t sequence_ TARNVOD_GUARDED_BY(mutex_) = 0;
   std::uint64_t overflowed_ TARNVOD_GUARDED_BY(mutex_) = 0;
-  std::vector<FrameRange> overflow_ TARNVOD_GUARDED_BY(mutex_);
+  UnkeptFrames overflow_ TARNVOD_GUARDED_BY(mutex_);
 
   std::optional<VOD::Camera> camera_;  // last, so that it ends first
 };
