@@ -95,6 +95,14 @@ def is_linear(numbers, counts):
     return counts[-1] < counts[0] * FLAT or growth(numbers, counts) <= TOLERANCE
 
 
+def name_picture(path, title):
+    """gnuplot's own names have no spaces."""
+    with open(path, encoding="utf-8") as file:
+        picture = file.read()
+    with open(path, "w", encoding="utf-8") as file:
+        file.write(picture.replace("<title>Gnuplot</title>", f"<title>{title}</title>"))
+
+
 def draw(path, items, numbers, lines):
     """With gnuplot, both axes logarithmic: what is linear rises by one decade in each decade."""
     data = "".join(f"${chr(ord('A') + place)} << END\n" + "".join(f"{n} {c}\n" for n, c in zip(numbers, counts)) + "END\n"
@@ -105,7 +113,9 @@ def draw(path, items, numbers, lines):
             f"set format y '10^{{%L}}'\nset grid\nset key left top\nset xlabel '{items.replace('-', ' ')}'\nset ylabel 'instructions'\n")
     low = min(min(counts) for counts in lines.values())
     high = max(max(counts) for counts in lines.values())
-    subprocess.run(["gnuplot"], input=f"{head}set xrange [{numbers[0]}:{numbers[-1]}]\nset yrange [{low / 3}:{high * 30}]\n{data}plot {plots}\n", text=True, check=True)
+    ranges = f"set xrange [{numbers[0]}:{numbers[-1]}]\nset yrange [{low / 3}:{high * 30}]\n"
+    subprocess.run(["gnuplot"], input=f"{head}{ranges}{data}plot {plots}\n", text=True, check=True)
+    name_picture(path, f"Instructions against {items.replace('-', ' ')}")
 
 
 def rows(items, numbers, lines):
