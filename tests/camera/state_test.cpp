@@ -219,14 +219,14 @@ TEST_F(AnUnansweringService, IsAskedForItsChannelsOnce) {
   EXPECT_THAT(vod::host::journal(), testing::Contains("get_nbr_channels()").Times(1));
 }
 
-TEST_F(AnUnansweringService, IsToldFromADisabledOne) {
+TEST_F(AnUnansweringService, IsDistinguishedFromADisabledOne) {
   takeServiceDown();
   vod::host::setEnabled(false);
   const TestCamera camera(1, people(), camera_);
   EXPECT_EQ(camera.status().reason, "the service is disabled on this device");
 }
 
-TEST_F(AnUnansweringService, IsToldFromACameraThatDoesNotExist) {
+TEST_F(AnUnansweringService, IsDistinguishedFromACameraThatDoesNotExist) {
   const TestCamera camera(9, people(), camera_);
   EXPECT_EQ(camera.status().state, CameraState::Waiting);
   EXPECT_EQ(camera.status().reason, "the service has no such camera, only 2");

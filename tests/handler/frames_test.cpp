@@ -239,7 +239,7 @@ TEST_F(ASubscribedCamera, ComparesClassIdsAsSignedNumbers) {
   EXPECT_THAT(classesAfter(1, sceneOf({0xFFFFFFFE, 2})), ElementsAre(ElementsAre("ghost")));
 }
 
-TEST_F(ASubscribedCamera, TellsAnAttributeWithoutAValueFromOneOfValueZero) {
+TEST_F(ASubscribedCamera, DistinguishesAnAttributeWithoutAValueFromOneOfValueZero) {
   ::VOD::DetectorInformation information;
   ASSERT_TRUE(information.ParseFromString(detectorBytes()));
   information.mutable_attribute_types(0)->mutable_attribute_classes(0)->set_id(0);

@@ -124,11 +124,11 @@ class World {
   void sendSceneThatActs(const Choose& choose);
   void sendSceneThatThrows(const Choose& choose);
   void sendSceneThatTakesLong(const Choose& choose);
-  void sendSceneBesideSlowCall(const Choose& choose);
+  void sendSceneDuringSlowCall(const Choose& choose);
 
   Action anyHandlerCall(const Choose& choose);
-  void sendSceneBesideSlowSetup(const Choose& choose, int camera);
-  void sendSceneBesideSlowTeardown(const Choose& choose, int camera);
+  void sendSceneDuringSlowSetup(const Choose& choose, int camera);
+  void sendSceneDuringSlowTeardown(const Choose& choose, int camera);
   void expect(const std::optional<ExpectedFrame>& frame);
   /** Notes a disagreement for the next check: it may come up in a callback, which must not be left by it. */
   void agree(bool agreed, const std::string& onWhat);

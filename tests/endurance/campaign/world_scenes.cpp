@@ -134,18 +134,18 @@ Fault World::hanging(Function function) const {
   return fault;
 }
 
-void World::sendSceneBesideSlowCall(const Choose& choose) {
+void World::sendSceneDuringSlowCall(const Choose& choose) {
   liftFaults();  // so that the slow call is the one that is meant
   const int camera = anyChannel(choose);
   const bool canBeTornDown = model_.active().count(camera) != 0 && model_.pending().count(camera) == 0;
   if (canBeTornDown && choose(2) == 0) {
-    sendSceneBesideSlowTeardown(choose, camera);
+    sendSceneDuringSlowTeardown(choose, camera);
   } else {
-    sendSceneBesideSlowSetup(choose, camera);
+    sendSceneDuringSlowSetup(choose, camera);
   }
 }
 
-void World::sendSceneBesideSlowSetup(const Choose& choose, int camera) {
+void World::sendSceneDuringSlowSetup(const Choose& choose, int camera) {
   const bool isUpdate = model_.active().count(camera) != 0;
   const Function slow = isUpdate ? Function::GetInformation : Function::Create;
   const host::Gate gate;
@@ -173,7 +173,7 @@ void World::sendSceneBesideSlowSetup(const Choose& choose, int camera) {
   }
 }
 
-void World::sendSceneBesideSlowTeardown(const Choose& choose, int camera) {
+void World::sendSceneDuringSlowTeardown(const Choose& choose, int camera) {
   const host::Gate gate;
   happen(hanging(Function::Unsubscribe));
   host::plan(host::Fault(Function::Unsubscribe).waitsAt(gate));

@@ -74,7 +74,7 @@ void World::begin(const Choose& choose, const Fault& fault) {
       }
       break;
     case Kind::Hang:
-      sendSceneBesideSlowCall(choose);
+      sendSceneDuringSlowCall(choose);
       break;
     case Kind::Burst:
       for (int i = 0; i < fault.count; ++i) {

@@ -53,7 +53,7 @@ const std::vector<World::StepKind>& World::stepKinds() {
       {1, "send a scene whose callback throws", false, [](World& w, const Choose& c) { w.sendSceneThatThrows(c); }},
       {2, "send a scene whose callback takes long", false,
        [](World& w, const Choose& c) { w.sendSceneThatTakesLong(c); }},
-      {2, "send a scene during a slow call", true, [](World& w, const Choose& c) { w.sendSceneBesideSlowCall(c); }},
+      {2, "send a scene during a slow call", true, [](World& w, const Choose& c) { w.sendSceneDuringSlowCall(c); }},
       {3, "ask", false, [](World& w, const Choose& c) { w.ask(c); }},
       {2, "change a detector", true, [](World& w, const Choose& c) { w.changeDetector(c); }},
       {5, "plan a fault", true, [](World& w, const Choose& c) { w.refuseACall(c); }},

@@ -14,7 +14,7 @@ namespace {
 
 using AnOutage = test::TwoCameras;
 
-TEST_F(AnOutage, IsToldByWatchAndSoIsItsEnd) {
+TEST_F(AnOutage, IsReportedByWatchAndSoIsItsEnd) {
   test::Process watch(test::commandWithServiceSwitch(), {"watch", "--camera", "1"}, playing());
   watch.waitForOutput("human 7");
 

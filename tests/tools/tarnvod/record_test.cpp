@@ -41,9 +41,9 @@ TEST_F(Record, StopsAfterItsTime) {
   EXPECT_EQ(test::run({"inspect", folder / "out"}).exitCode, 0);
 }
 
-class RecordToldToEnd : public test::TwoCameras, public testing::WithParamInterface<int> {};
+class RecordAskedToEnd : public test::TwoCameras, public testing::WithParamInterface<int> {};
 
-TEST_P(RecordToldToEnd, LeavesAReadableRecording) {
+TEST_P(RecordAskedToEnd, LeavesAReadableRecording) {
   test::Process record(test::command(), {"record", "--camera", "1", "--output", folder / "out"}, playing());
   test::waitForFirstScene(folder / "out");
 
@@ -54,7 +54,7 @@ TEST_P(RecordToldToEnd, LeavesAReadableRecording) {
   EXPECT_EQ(inspected.exitCode, 0) << inspected.errors;
 }
 
-INSTANTIATE_TEST_SUITE_P(BySignal, RecordToldToEnd, testing::Values(SIGINT, SIGTERM, SIGKILL));
+INSTANTIATE_TEST_SUITE_P(BySignal, RecordAskedToEnd, testing::Values(SIGINT, SIGTERM, SIGKILL));
 
 TEST_F(Record, ShowsItsProgressOnATerminal) {
   // A shell gives the terminal to both outputs.

@@ -40,7 +40,7 @@ TEST_F(ViewOfARecording, ShowsItsOwnBackground) {
   EXPECT_EQ(viewer.get("/background-1").body, "\xFF\xD8\xFFstreet");
 }
 
-TEST_F(ViewOfARecording, TellsWhatInspectTellsAndTheTimeOfEachFrame) {
+TEST_F(ViewOfARecording, GivesWhatInspectPrintsAndTheTimeOfEachFrame) {
   json overview = json::parse(test::Viewer({"--recording", recording}, {}).get("/recording.json").body);
 
   ASSERT_THAT(overview["frameSeconds"], SizeIs(test::framesInRecording));
@@ -133,7 +133,7 @@ TEST_F(ViewOfARecording, OfEndlessEmptyFramesShowsTheFirstAndKeepsItsMemory) {
   EXPECT_LT(viewer.peakMemoryKilobytes(), test::viewerMemoryKilobytes);
 }
 
-TEST_F(ViewOfARecording, PassesOverGarbageAndTellsOfIt) {
+TEST_F(ViewOfARecording, PassesOverGarbageAndReportsIt) {
   const std::string whole = test::contentsOf(recording / "scenes.pb");
   test::writeTo(recording / "scenes.pb", "\x03\xFF\xFF\xFF" + whole);
   std::filesystem::remove(recording / "scenes.idx");
@@ -177,7 +177,7 @@ TEST_F(ViewOfARecording, WhichIsLongEndsAtTheFirstSignalWhileItIsRead) {
   EXPECT_EQ(outcome.errors, "tarnvod: stopped by a signal before the result was complete\n");
 }
 
-TEST_F(ViewOfARecording, EndsWhenTold) {
+TEST_F(ViewOfARecording, EndsWhenAsked) {
   test::Viewer viewer({"--recording", recording}, {});
 
   viewer.process.signal(SIGTERM);

@@ -169,7 +169,7 @@ TEST_F(View, RefusesWhatThePageOfAnotherSiteAsksFor) {
   EXPECT_EQ(viewer.get("/", {{"Sec-Fetch-Site", "cross-site"}}).status, 200) << "that is a link to the page";
 }
 
-TEST_F(View, TellsThePageCamerasBoxesAndShape) {
+TEST_F(View, GivesThePageCamerasBoxesAndShape) {
   const test::Viewer viewer({"--camera", "2", "1", "--box", "size", "--range", "0,0,1920,1080"}, playing());
 
   const json setup = json::parse(viewer.get("/setup.json").body);
@@ -219,7 +219,7 @@ TEST_F(View, GivesTheFramesOfTheLastMinutesAgain) {
   EXPECT_EQ(viewer.get("/past.json").status, 400);
 }
 
-TEST_F(View, TellsHowACameraIs) {
+TEST_F(View, ReportsHowACameraIs) {
   const test::Viewer viewer({"--camera", "1"}, playing());
 
   json state;
@@ -254,7 +254,7 @@ TEST_F(View, OfOneClassSendsNoOther) {
   EXPECT_THAT(classes, testing::ElementsAre("car"));
 }
 
-TEST_F(View, TellsAnOutageAndItsEnd) {
+TEST_F(View, ReportsAnOutageAndItsEnd) {
   test::Viewer viewer({"--camera", "1"}, playing());
   viewer.receive([](const test::Event& event) { return event.name == "frame"; });
 
@@ -313,9 +313,9 @@ TEST_F(View, TakesEightBrowsersAndNewOnesWhenTheyAreGone) {
   }
 }
 
-class ViewToldToEnd : public test::TwoCameras, public testing::WithParamInterface<int> {};
+class ViewAskedToEnd : public test::TwoCameras, public testing::WithParamInterface<int> {};
 
-TEST_P(ViewToldToEnd, EndsInOrderWhateverBrowsersDo) {
+TEST_P(ViewAskedToEnd, EndsInOrderWhateverBrowsersDo) {
   test::Viewer viewer({"--camera", "1"}, playing("100"));
   const test::Connection silent = viewer.silentBrowser();
   viewer.receive([](const test::Event& event) { return event.name == "frame"; });
@@ -327,7 +327,7 @@ TEST_P(ViewToldToEnd, EndsInOrderWhateverBrowsersDo) {
   EXPECT_THAT(outcome.errors, IsEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(BySignal, ViewToldToEnd, testing::Values(SIGINT, SIGTERM, SIGHUP));
+INSTANTIATE_TEST_SUITE_P(BySignal, ViewAskedToEnd, testing::Values(SIGINT, SIGTERM, SIGHUP));
 
 TEST_F(View, AtAPortThatIsTakenFails) {
   const test::Viewer viewer({"--camera", "1"}, playing());

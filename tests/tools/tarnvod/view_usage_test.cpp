@@ -51,7 +51,7 @@ INSTANTIATE_TEST_SUITE_P(
                     ViewMisuse{"WithAStrangeShape", {"--camera", "1", "--aspect", "4:0"}, "4:0"}),
     [](const auto& misuse) { return misuse.param.name; });
 
-TEST(ThatHelp, TellsWhatViewTakes) {
+TEST(ThatHelp, ListsWhatViewTakes) {
   const test::Outcome outcome = test::run({"view", "--help"});
 
   EXPECT_EQ(outcome.exitCode, 0);

@@ -203,9 +203,9 @@ INSTANTIATE_TEST_SUITE_P(InEachSubcommand, AHostPlatformWithAWrongValue,
                                          std::vector<std::string>{"watch", "1"},
                                          std::vector<std::string>{"record", "--camera", "1"}));
 
-class WatchToldToEnd : public test::TwoCameras, public testing::WithParamInterface<int> {};
+class WatchAskedToEnd : public test::TwoCameras, public testing::WithParamInterface<int> {};
 
-TEST_P(WatchToldToEnd, TearsDownAndSumsUp) {
+TEST_P(WatchAskedToEnd, TearsDownAndSumsUp) {
   test::Process watch(test::command(), {"watch", "--camera", "1"}, playing());
   watch.waitForOutput("camera 1  ");
 
@@ -217,7 +217,7 @@ TEST_P(WatchToldToEnd, TearsDownAndSumsUp) {
   EXPECT_THAT(outcome.errors, HasSubstr(" interruptions\n"));
 }
 
-INSTANTIATE_TEST_SUITE_P(BySignal, WatchToldToEnd, testing::Values(SIGINT, SIGTERM, SIGHUP));
+INSTANTIATE_TEST_SUITE_P(BySignal, WatchAskedToEnd, testing::Values(SIGINT, SIGTERM, SIGHUP));
 
 TEST_F(Watch, EndsQuietlyWhenItsReaderGoesAway) {
   test::Process watch(test::command(), {"watch", "--camera", "1", "--json"}, playing());
