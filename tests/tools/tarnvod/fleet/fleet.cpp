@@ -19,9 +19,13 @@ namespace {
 constexpr std::chrono::seconds patience{60};
 constexpr const char* broker = "/usr/sbin/mosquitto";
 
+/** A listener is silent while a test does other work, and its broker may be paused meanwhile. */
+constexpr int longKeepAlive = 300;
+
 tarn::command::BrokerOptions optionsOf(int port) {
   tarn::command::BrokerOptions options;
   options.port = port;
+  options.keepAlive = longKeepAlive;
   return options;
 }
 
