@@ -4,8 +4,8 @@
 
 usage: browsers.py BUILD DOCUMENT
 
-The figures go between the markers of DOCUMENT; fails when eight cost more than twice as much as one. The browsers are connections that read the events. Both numbers are measured in turn within one run, so that other load on the machine
-changes both; the ratio is what counts.
+The figures go between the markers of DOCUMENT; fails when eight cost more than twice as much as one. The browsers are connections that
+read the events. Both numbers are measured in turn within one run, so that other load on the machine changes both; the ratio is what counts.
 """
 import glob
 import os
@@ -14,11 +14,10 @@ import socket
 import subprocess
 import sys
 
-from report import replace_between, table
+from report import STREET, replace_between, table
 
 BEGIN, END = "<!-- browsers: scripts/benchmark -->", "<!-- end of browsers -->"
 MOST, ROUNDS, FRAMES = 8, 3, 300
-STREET = os.path.join(os.path.dirname(os.path.dirname(os.path.abspath(__file__))), "recordings", "street")
 
 
 def processor_time(process):

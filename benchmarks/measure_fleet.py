@@ -8,7 +8,6 @@ receives the collector's report that the frame is committed, by one clock. The m
 no broker, which plays an hour's frames faster than real time.
 """
 import collections
-import contextlib
 import csv
 import json
 import os
@@ -16,47 +15,19 @@ import pathlib
 import pwd
 import re
 import shutil
-import socket
 import subprocess
 import sys
 import tempfile
 import time
 import urllib.request
 
+from processes import Processes, free_port, is_listening, memory_of, wait_until
+from report import replace_between
+
 BEGIN, END = "<!-- figures: scripts/measure-fleet -->", "<!-- end of figures -->"
 CAMERAS = 20
 SECONDS = 60
 HOUR = 720_000  # frames
-PATH = os.environ["PATH"] + ":/usr/sbin"
-
-
-def free_port():
-    with socket.create_server(("127.0.0.1", 0)) as listener:
-        return listener.getsockname()[1]
-
-
-def wait_until(condition, what, seconds=60):
-    deadline = time.monotonic() + seconds
-    while not condition():
-        if time.monotonic() > deadline:
-            raise SystemExit(f"timed out waiting for {what}")
-        time.sleep(0.1)
-
-
-class Processes(contextlib.ExitStack):
-    """What was started; ended in the reverse order."""
-
-    def start(self, arguments, output=subprocess.DEVNULL, errors=subprocess.DEVNULL, environment=None, **more):
-        process = subprocess.Popen([str(each) for each in arguments], stdout=output, stderr=errors,
-                                   env={**os.environ, "PATH": PATH, **(environment or {})}, **more)
-        self.callback(self.end, process)
-        return process
-
-    @staticmethod
-    def end(process):
-        if process.poll() is None:
-            process.terminate()
-        process.wait()
 
 
 def seconds_of_processor(process):
@@ -124,7 +95,7 @@ def measure_delay(command, recording, make_database):
         port = free_port()
         (folder / "broker.conf").write_text(f"listener {port} 127.0.0.1\nallow_anonymous true\nuser root\nmax_queued_messages 0\n")
         processes.start(["mosquitto", "-c", folder / "broker.conf"])
-        wait_until(lambda: socket.socket().connect_ex(("127.0.0.1", port)) == 0, "the broker")
+        wait_until(lambda: is_listening(port), "the broker")
         url, rows = make_database(processes, folder)
         with open(folder / "reports", "w", encoding="utf-8") as reports, open(folder / "messages", "w", encoding="utf-8") as messages:
             processes.start(["mosquitto_sub", "-p", port, "-q", "1", "-t", "tarnvod/+/+/stored", "-F", "%U %p"], output=reports)
@@ -163,14 +134,11 @@ def measure_memory(command, recording):
                 return 0
             return sum(int(value) for value in re.findall(r"^tarnvod_publish_frames_numbered_total\{.*\} (\d+)$", text, re.MULTILINE))
 
-        def memory():
-            return int(re.search(r"RssAnon:\s+(\d+)", pathlib.Path(f"/proc/{publisher.pid}/status").read_text()).group(1))
-
         wait_until(lambda: numbered() >= HOUR / 10, "frames", 1200)
-        before = memory()
+        before = memory_of(publisher, "RssAnon")
         wait_until(lambda: numbered() >= HOUR, "frames", 3600)
         written = int(re.search(r"wchar: (\d+)", pathlib.Path(f"/proc/{publisher.pid}/io").read_text()).group(1))
-        return before, memory(), written / numbered()
+        return before, memory_of(publisher, "RssAnon"), written / numbered()
 
 
 def row(name, figure):
@@ -199,10 +167,9 @@ def main():
     rows.append(row(f"memory that a publisher without a broker has allocated, after {HOUR // 10:,} frames and after {HOUR:,}, "
                     f"an hour's", f"{before / 1000:.1f} MB and {after / 1000:.1f} MB"))
     rows.append(row("bytes written to the spool for each frame", f"{written:,.0f}"))
-    print("\n".join(rows))
-    text = document.read_text(encoding="utf-8")
-    head, rest = text.split(BEGIN)
-    document.write_text(head + BEGIN + "\n" + "\n".join(rows) + "\n" + END + rest.split(END, 1)[1], encoding="utf-8")
+    text = "\n".join(rows)
+    print(text)
+    replace_between(document, BEGIN, END, text)
 
 
 if __name__ == "__main__":

@@ -24,6 +24,7 @@ CAMERA_SAMPLES = ["0", "3", "12", "street"]
 CAMERA_PIPELINES = {"frame": "`Handler`, the only thread", "frame-with-retries": "`Handler` with retries", "camera": "`Camera`"}
 LINE_SAMPLES = ["3", "12", "100", "street"]
 CAMERA_LIMIT = 1.02  # of the instructions of a frame of 12 detections through `Handler` with retries
+STREET = os.path.join(os.path.dirname(os.path.dirname(os.path.abspath(__file__))), "recordings", "street")
 COUNTER = shlex.split(os.environ.get("COUNTER", ""))
 
 

@@ -9,13 +9,12 @@ system calls, not times; memory in kB. A message broker (Mosquitto) is started f
 """
 import os
 import re
-import socket
-import subprocess
 import sys
 import tempfile
 import time
 
-from report import instructions, output_of, replace_between, table
+from processes import Processes, free_port, is_listening, memory_of, wait_until
+from report import STREET, instructions, output_of, replace_between, table
 
 BEGIN, END = "<!-- start: scripts/benchmark -->", "<!-- end of start -->"
 SECONDS = 20  # of frames before memory is read
@@ -36,40 +35,16 @@ def relocations(library):
     return len(types), sum(not kind.endswith("_RELATIVE") for kind in types)
 
 
-def status_of(process, field):
-    with open(f"/proc/{process.pid}/status", encoding="utf-8") as file:
-        return next(int(line.split()[1]) for line in file if line.startswith(field + ":"))
-
-
-def unused_port():
-    with socket.socket() as listening:
-        listening.bind(("127.0.0.1", 0))
-        return listening.getsockname()[1]
-
-
-def wait_for(port):
-    for _ in range(100):
-        with socket.socket() as connection:
-            if connection.connect_ex(("127.0.0.1", port)) == 0:
-                return
-        time.sleep(0.1)
-    sys.exit("the broker does not listen")
-
-
-def publisher_memory(command, street):
+def publisher_memory(command):
     """Resident memory, and what of it is not of files, of eight cameras that are published for some seconds."""
-    port = unused_port()
-    with tempfile.TemporaryDirectory() as folder, \
-            subprocess.Popen(["mosquitto", "-p", str(port)], stderr=subprocess.DEVNULL) as broker:
-        wait_for(port)
-        environment = {**os.environ, "TARNVOD_HOST_RECORDINGS": ":".join([street] * 8)}
-        with subprocess.Popen([command, "publish", "--site", "site", "--device", "device", "--spool", folder, "--port", str(port)],
-                              env=environment, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL) as publisher:
-            time.sleep(SECONDS)
-            memory = status_of(publisher, "VmRSS"), status_of(publisher, "RssAnon")
-            publisher.terminate()
-        broker.terminate()
-    return memory
+    port = free_port()
+    with tempfile.TemporaryDirectory() as folder, Processes() as processes:
+        processes.start(["mosquitto", "-p", port])
+        wait_until(lambda: is_listening(port), "the broker")
+        publisher = processes.start([command, "publish", "--site", "site", "--device", "device", "--spool", folder, "--port", port],
+                                    environment={"TARNVOD_HOST_RECORDINGS": ":".join([STREET] * 8)})
+        time.sleep(SECONDS)
+        return memory_of(publisher, "VmRSS"), memory_of(publisher, "RssAnon")
 
 
 def heap_per_camera(program):
@@ -80,12 +55,11 @@ def heap_per_camera(program):
 
 def figures(build):
     first_frame, command = f"{build}/benchmarks/first_frame", f"{build}/tools/tarnvod/tarnvod"
-    street = os.path.join(os.path.dirname(os.path.dirname(os.path.abspath(__file__))), "recordings", "street")
-    os.environ["TARNVOD_HOST_RECORDINGS"] = street
+    os.environ["TARNVOD_HOST_RECORDINGS"] = STREET
     watch = [command, "watch", "1", "--json", "--frames", "1"]
     memory = dict(line.split() for line in output_of([first_frame, "memory"]).splitlines())
     everything, by_name = relocations(f"{build}/src/libtarnvod.so")
-    resident, anonymous = publisher_memory(command, street)
+    resident, anonymous = publisher_memory(command)
     camera, growth = heap_per_camera(f"{build}/benchmarks/heap_per_camera")
     yield "small application, to its first frame and its end: instructions", f"{instructions([first_frame]):,}"
     yield "system calls", system_calls([first_frame])
