@@ -3,12 +3,11 @@
 
 #include "fleet/spool_notes.h"
 
-#include "base/errors.h"
 #include "base/files.h"
 #include "fleet/spool_entry.h"
 
 #include <fstream>
-#include <system_error>
+#include <utility>
 
 namespace tarn::command {
 
@@ -66,13 +65,7 @@ void SpoolNotes::save() {
   if (isSaved_) {
     return;
   }
-  const std::filesystem::path temporary = file_.string() + ".new";
-  writeFile(temporary, text());
-  std::error_code error;
-  std::filesystem::rename(temporary, file_, error);
-  if (error) {
-    throw Failure(file_.string() + ": " + error.message());
-  }
+  writeFile(file_, text());
   isSaved_ = true;
 }
 
