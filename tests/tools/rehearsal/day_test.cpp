@@ -48,6 +48,13 @@ TEST(EveryDay, ChangesNoClassesWhileACallHangs) {
   }
 }
 
+TEST(EveryDay, EndsWithinThreeMinutesAtTheUsualSpeed) {
+  for (std::uint64_t day = 1; day <= 1000; ++day) {
+    const Schedule schedule = drawDay(1, day, 15s);
+    EXPECT_LE(schedule.length * schedule.rounds / 50, 3min) << toText(schedule);
+  }
+}
+
 TEST(AThousandDays, BringOutagesOfHours) {
   int outages = 0;
   for (std::uint64_t day = 1; day <= 1000; ++day) {

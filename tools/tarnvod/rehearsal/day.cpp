@@ -60,15 +60,16 @@ constexpr std::array functions = {"create",
                                   "delete"};
 constexpr std::array<Time, 5> jumps = {-1h, -5s, 5s, 1h, 24h};
 
-/** Seconds; seldom minutes, and for a service that is down, hours. */
-Time drawDuration(Kind kind, Dice& dice) {
+/** Seconds; seldom minutes, and for a service that is down, hours; but not in each round of a day, which is to end within minutes. */
+Time drawDuration(Kind kind, bool repeats, Dice& dice) {
   if (!dice.oneIn(30)) {
     return dice.between(500ms, 8s);
   }
-  return kind == Kind::Down && dice.oneIn(4) ? dice.between(1h, 2h) : dice.between(30s, 120s);
+  return kind == Kind::Down && dice.oneIn(4) && !repeats ? dice.between(1h, 2h) : dice.between(30s, 120s);
 }
 
-Fault drawFault(Dice& dice, Time latest) {
+Fault drawFault(Dice& dice, bool repeats) {
+  const Time latest = repeats ? 6s : 20s;
   Fault fault;
   fault.kind = dice.choose(kinds);
   const auto& form = formOf(fault.kind);
@@ -81,7 +82,7 @@ Fault drawFault(Dice& dice, Time latest) {
     fault.camera = dice.between(1, 2);
   }
   if (form.hasDuration) {
-    fault.duration = fault.kind == Kind::Hang ? dice.between(500ms, 8s) : drawDuration(fault.kind, dice);
+    fault.duration = fault.kind == Kind::Hang ? dice.between(500ms, 8s) : drawDuration(fault.kind, repeats, dice);
   }
   fault.count = fault.kind == Kind::Burst ? dice.between(10, 2000) : fault.kind == Kind::Lose ? dice.between(1, 3) : 0;
   if (fault.kind == Kind::Jump) {
@@ -126,7 +127,7 @@ Schedule drawDay(std::uint64_t seed, std::uint64_t day, Time patience) {
   const bool isQuiet = dice.oneIn(10);
   const int count = isQuiet ? 0 : repeats ? dice.between(1, 2) : dice.between(1, 6);
   for (int i = 0; i < count; ++i) {
-    const Fault fault = drawFault(dice, repeats ? 6s : 20s);
+    const Fault fault = drawFault(dice, repeats);
     schedule.faults.push_back(fault);
     addDropFor(fault, dice, schedule.faults);
   }
