@@ -1,15 +1,15 @@
 // SPDX-FileCopyrightText: 2026 The tarnvod authors
 // SPDX-License-Identifier: MIT
 
-// The time from the platform's call to the application's callback, with eight cameras at 30 frames a second, each on a thread of its
+// The time from the service's call to the application's callback, with eight cameras at 30 frames a second, each on a thread of its
 // own: alone, and while another thread sets further cameras up, updates them and tears them down. Then how long each of these calls
-// takes, and how long each holder keeps the handler's lock. Prints nanoseconds: count, median, 99th and 99.9th percentile, worst.
+// takes, and how long each holder keeps the handler's lock; each time with the service's own time apart. Prints nanoseconds: count,
+// median, 99th and 99.9th percentile, worst.
 
+#include "intercepted_calls.h"
 #include "pipelines.h"
 #include "sample_scenes.h"
 
-#include <dlfcn.h>
-#include <pthread.h>
 #include <tarnvod/handler.h>
 #include <vod_host.h>
 
@@ -20,73 +20,33 @@
 #include <exception>
 #include <iostream>
 #include <map>
-#include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-using Durations = std::vector<Clock::duration>;
 using namespace tarn::VOD::bench;
 using tarn::VOD::Handler;
 
 constexpr int servedCameras = 8;
 constexpr int framesPerSecond = 30;
 
-/** What the calling thread does at the moment; times under the lock are recorded where this is not null. */
-thread_local Durations* heldBy = nullptr;
-thread_local bool looksForLock = false;
-std::atomic<pthread_mutex_t*> handlerLock{nullptr};
-
-using MutexFunction = int (*)(pthread_mutex_t*);
-
-MutexFunction original(const char* name) {
-  return reinterpret_cast<MutexFunction>(dlsym(RTLD_NEXT, name));
-}
-
-thread_local int depth = 0;  // the lock is recursive
-thread_local Clock::time_point lockedSince;
-
-}  // namespace
-
-// These two intercept the calls of the library and of the host platform. A frame takes only the handler's lock, which is how it is found.
-extern "C" int pthread_mutex_lock(pthread_mutex_t* mutex) noexcept {
-  static const MutexFunction lock = original("pthread_mutex_lock");
-  const int result = lock(mutex);
-  if (looksForLock) {
-    handlerLock = mutex;
-  }
-  if (heldBy != nullptr && mutex == handlerLock.load(std::memory_order_relaxed) && depth++ == 0) {
-    lockedSince = Clock::now();
-  }
-  return result;
-}
-
-extern "C" int pthread_mutex_unlock(pthread_mutex_t* mutex) noexcept {
-  static const MutexFunction unlock = original("pthread_mutex_unlock");
-  if (heldBy != nullptr && mutex == handlerLock.load(std::memory_order_relaxed) && --depth == 0) {
-    heldBy->push_back(Clock::now() - lockedSince);
-  }
-  return unlock(mutex);
-}
-
-namespace {
-
-/** When the platform called for the frame that this thread is delivering, and what was measured for it. */
-thread_local Clock::time_point called;
-thread_local Durations* latencies = nullptr;
-
 struct CameraTimes {
-  Durations latencies;
-  Durations held;
+  Durations service;    ///< until it calls the library
+  Durations latencies;  ///< from there to the application's callback
+  Holds holds;
 };
+
+/** Of the frames that this thread delivers; those of others are not measured. */
+thread_local CameraTimes* measured = nullptr;
+thread_local Clock::time_point delivered;
 
 void setUp(int camera, const std::set<std::string>& classes) {
   const auto arrive = [](std::unique_ptr<tarn::VOD::DetectionData> /*frame*/, int /*number*/) {
-    if (latencies != nullptr) {
-      latencies->push_back(Clock::now() - called);
+    if (measured != nullptr) {
+      measured->latencies.push_back(Clock::now() - libraryCalledAt());
+      measured->service.push_back(libraryCalledAt() - delivered);
     }
   };
   if (!Handler::setup(camera, arrive, classes)) {
@@ -96,38 +56,41 @@ void setUp(int camera, const std::set<std::string>& classes) {
 
 /** Delivers at 30 frames a second; cameras do not start in step. */
 void deliver(int camera, const std::string& bytes, std::chrono::seconds duration, CameraTimes& times) {
-  const vod::host::Registration service =
-      vod::host::registration(vod::host::channel(camera - 1).subscriptions().front());
+  const vod::host::Channel channel = vod::host::channel(camera - 1);
   constexpr auto period = std::chrono::nanoseconds(std::chrono::seconds(1)) / framesPerSecond;
   const auto frames = framesPerSecond * duration.count();
-  times.latencies.reserve(static_cast<std::size_t>(frames));
-  times.held.reserve(static_cast<std::size_t>(frames));
-  latencies = &times.latencies;
-  heldBy = &times.held;
+  for (Durations* const list : {&times.service, &times.latencies, &times.holds.whole, &times.holds.withoutService}) {
+    list->reserve(static_cast<std::size_t>(frames));
+  }
+  measured = &times;
+  recordHolds(&times.holds);
   auto next = Clock::now() + period * camera / servedCameras;
   for (long frame = 0; frame < frames; ++frame, next += period) {
     std::this_thread::sleep_until(next);
-    called = Clock::now();
-    service.detection(reinterpret_cast<const std::uint8_t*>(bytes.data()), static_cast<std::int32_t>(bytes.size()),
-                      service.userData);
+    delivered = Clock::now();
+    channel.deliverScene(bytes);
   }
-  heldBy = nullptr;
-  latencies = nullptr;
+  recordHolds(nullptr);
+  measured = nullptr;
 }
 
 /** What one kind of call takes, and what of it goes by with the lock held. */
 struct CallTimes {
   Durations whole;
-  Durations held;
+  Durations withoutService;
+  Holds holds;
 };
 
 template <typename Call>
 void measure(CallTimes& times, const Call& call) {
-  heldBy = &times.held;
+  recordHolds(&times.holds);
+  const auto serviceBefore = timeInService();
   const auto begin = Clock::now();
   call();
-  times.whole.push_back(Clock::now() - begin);
-  heldBy = nullptr;
+  const Clock::duration whole = Clock::now() - begin;
+  times.whole.push_back(whole);
+  times.withoutService.push_back(whole - (timeInService() - serviceBefore));
+  recordHolds(nullptr);
 }
 
 /** Sets cameras up, updates them and tears them down, a hundred times a second, until it is stopped. */
@@ -158,15 +121,28 @@ void print(const std::string& name, Durations durations) {
             << '\n';
 }
 
-/** All cameras' frames together. */
+void append(Durations& all, const Durations& some) {
+  all.insert(all.end(), some.begin(), some.end());
+}
+
+/** All cameras' frames together. A frame does not call the service while it holds the lock. */
 void printFrames(const std::string& when, const std::array<CameraTimes, servedCameras>& cameras) {
   CameraTimes all;
   for (const CameraTimes& times : cameras) {
-    all.latencies.insert(all.latencies.end(), times.latencies.begin(), times.latencies.end());
-    all.held.insert(all.held.end(), times.held.begin(), times.held.end());
+    append(all.service, times.service);
+    append(all.latencies, times.latencies);
+    append(all.holds.whole, times.holds.whole);
   }
+  print("service-before-frame-" + when, all.service);
   print("frame-" + when, all.latencies);
-  print("held-by-frame-" + when, all.held);
+  print("held-by-frame-" + when, all.holds.whole);
+}
+
+void printCall(const std::string& name, const CallTimes& times) {
+  print(name, times.whole);
+  print(name + "-without-service", times.withoutService);
+  print("held-by-" + name, times.holds.whole);
+  print("held-by-" + name + "-without-service", times.holds.withoutService);
 }
 
 void serveAll(std::chrono::seconds duration, std::array<CameraTimes, servedCameras>& times) {
@@ -181,15 +157,6 @@ void serveAll(std::chrono::seconds duration, std::array<CameraTimes, servedCamer
   }
 }
 
-void findLock(int camera) {
-  const vod::host::Registration service =
-      vod::host::registration(vod::host::channel(camera - 1).subscriptions().front());
-  const std::uint8_t nothing = 0;
-  looksForLock = true;
-  service.detection(&nothing, 0, service.userData);
-  looksForLock = false;
-}
-
 void run(std::chrono::seconds duration) {
   constexpr int cameras = 12;
   for (int channel = 0; channel < cameras; ++channel) {
@@ -199,7 +166,11 @@ void run(std::chrono::seconds duration) {
   for (int camera = 1; camera <= servedCameras; ++camera) {
     setUp(camera, firstClasses(sampleDetector()));
   }
-  findLock(1);
+  findHandlerLock([] {
+    const auto service = vod::host::registration(vod::host::channel(0).subscriptions().front());
+    const std::uint8_t nothing = 0;
+    service.detection(&nothing, 0, service.userData);
+  });
 
   std::array<CameraTimes, servedCameras> alone;
   serveAll(duration, alone);
@@ -214,8 +185,7 @@ void run(std::chrono::seconds duration) {
   changes.join();
   printFrames("amid-changes", amidChanges);
   for (const auto& [name, times] : calls) {
-    print(name, times.whole);
-    print("held-by-" + name, times.held);
+    printCall(name, times);
   }
 }
 
