@@ -152,6 +152,23 @@ a;" "$(line 3 0)"
     expect 2 "usage: $scripts/check [--quick|--nightly]" "$scripts/check" --fast ;;
   CheckReproducible.RefusesUnknownArguments)
     expect 2 "usage: $scripts/check-reproducible [--with-tools]" "$scripts/check-reproducible" --tools ;;
+  WriteFigures.ReplacesWhatIsBetweenTheMarkers)
+    printf '%s\n' before '<!-- figures: scripts/measure -->' old '<!-- end of figures -->' after >document
+    expect 0 '' "$scripts/lib/write-figures" document scripts/measure <<<'| new |'
+    expect 0 "before
+<!-- figures: scripts/measure -->
+
+| new |
+
+<!-- end of figures -->
+after" cat document ;;
+  WriteFigures.RefusesADocumentWithoutMarkers)
+    echo before >document
+    expect 1 'document lacks the markers <!-- figures: scripts/measure --> and <!-- end of figures -->' \
+      "$scripts/lib/write-figures" document scripts/measure <<<'| new |'
+    expect 0 before cat document ;;
+  WriteFigures.RefusesToWriteNone)
+    expect 1 'there are no figures of scripts/measure' "$scripts/lib/write-figures" document scripts/measure <<<'' ;;
   SourceDate.IsTheOneThatIsSet)
     expect 0 1790000000 env SOURCE_DATE_EPOCH=1790000000 "$scripts/lib/source-date" ;;
   SourceDate.IsOtherwiseThatOfTheCommit)
