@@ -18,7 +18,7 @@ from report import instructions, replace_between, table
 BEGIN, END = "<!-- scale: scripts/benchmark -->", "<!-- end of scale -->"
 CAMERAS = [1, 2, 4, 8, 16]
 SIZES = [1, 10, 100, 1000]
-RECORDED_FRAMES = [1000, 10_000, 100_000]
+RECORDED_FRAMES = [1000, 10_000, 100_000, 1_000_000]
 TOLERANCE = 1.3  # of the cost of an item between the last two points, to that between the two before them
 FLAT = 1.05
 
@@ -110,7 +110,8 @@ def draw(path, items, numbers, lines):
     plots = ", ".join(f"${chr(ord('A') + place)} with linespoints pointtype 7 pointsize 0.6 linewidth 2 title '{name}'"
                       for place, name in enumerate(lines))
     head = (f"set terminal svg size 560,360 background 'white' font 'sans-serif,13'\nset output '{path}'\nset logscale xy\n"
-            f"set format y '10^{{%L}}'\nset grid\nset key left top\nset xlabel '{items.replace('-', ' ')}'\nset ylabel 'instructions'\n")
+            f"set format x '%.0f'\nset format y '10^{{%L}}'\nset rmargin 4\nset grid\nset key left top\n"
+            f"set xlabel '{items.replace('-', ' ')}'\nset ylabel 'instructions'\n")
     low = min(min(counts) for counts in lines.values())
     high = max(max(counts) for counts in lines.values())
     ranges = f"set xrange [{numbers[0]}:{numbers[-1]}]\nset yrange [{low / 3}:{high * 30}]\n"
