@@ -37,7 +37,7 @@ class NameTable {
     for (auto& [id, name] : names) {
       ids_.push_back(id);
       names_.push_back(std::move(name));
-      isHashed_ = isHashed_ && insert(id, names_.back());
+      isHashed_ = insert(id, names_.back()) && isHashed_;
     }
   }
 
@@ -48,9 +48,9 @@ class NameTable {
   const std::string* find(const Id& id) const {
     const auto key = static_cast<std::uint64_t>(id);
     const Slot* slot = &slots_[firstSlot(key)];
-    for (const Slot* const end = slot + mostProbes; slot != end && slot->name != nullptr; ++slot) {
-      if (slot->key == key) {
-        return slot->name;
+    for (const Slot* const end = slot + mostProbes; slot != end; ++slot) {
+      if (slot->key == key || slot->name == nullptr) {
+        return slot->name;  // the id would be in the first free slot, if it were in the table
       }
     }
     return isHashed_ ? nullptr : bisect(id);

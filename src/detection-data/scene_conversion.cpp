@@ -76,20 +76,21 @@ std::optional<std::uint32_t> scoreOf(const ::VOD::Attribute& attribute) {
 
 void convertAttributes(const ::VOD::Detection& detection, const SceneNames& names,
                        MissingAttributeType missingAttributeType, std::vector<Attribute>& attributes) {
-  const auto findType = [&](const ::VOD::Attribute& attribute) {
-    return findName(names.attributeTypes, attribute.type());
-  };
-  convertNamed(detection.attributes(), attributes, findType,
-               [&](const ::VOD::Attribute& attribute, const std::string* typeName) {
-                 if (typeName == nullptr) {
-                   missingAttributeType(attribute.type());
-                   return;
-                 }
-                 Attribute& record = attributes.emplace_back(*typeName, std::nullopt, scoreOf(attribute));
-                 if (const std::string* const valueName = findValueName(attribute, names)) {
-                   record.className = *valueName;
-                 }
-               });
+  attributes.reserve(static_cast<std::size_t>(detection.attributes_size()));
+  for (const ::VOD::Attribute& attribute : detection.attributes()) {
+    const std::string* const typeName = findName(names.attributeTypes, attribute.type());
+    if (typeName == nullptr) {
+      missingAttributeType(attribute.type());
+      continue;
+    }
+    Attribute& record = attributes.emplace_back(*typeName, std::nullopt, scoreOf(attribute));
+    if (const std::string* const valueName = findValueName(attribute, names)) {
+      record.className = *valueName;
+    }
+  }
+  if (attributes.size() != attributes.capacity()) {
+    attributes.shrink_to_fit();
+  }
 }
 
 /** The class's name; null when the classification is not delivered. */

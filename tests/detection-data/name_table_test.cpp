@@ -79,5 +79,17 @@ TEST(ATableOfAFewCollidingIds, FindsEachOfThem) {
   }
 }
 
+// A free slot holds the id 0 too.
+TEST(ATableOfAFewCollidingIds, FindsIdZeroWhereItHasAName) {
+  for (std::uint64_t count = 0; count <= 40; ++count) {
+    auto names = namesOf(count, inverseOfMultiplier());
+    EXPECT_EQ(NameTable<std::uint64_t>(std::map(names)).find(0), nullptr) << count;
+    names[0] = "zero";
+    const NameTable<std::uint64_t> table(std::move(names));
+    ASSERT_NE(table.find(0), nullptr) << count;
+    EXPECT_EQ(*table.find(0), "zero");
+  }
+}
+
 }  // namespace
 }  // namespace tarn::VOD
