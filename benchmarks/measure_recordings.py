@@ -6,10 +6,11 @@ these is more than documented.
 usage: measure_recordings.py BUILD
 """
 import os
-import re
 import subprocess
 import sys
 import tempfile
+
+from report import instructions
 
 DETECTIONS = "10"
 FRAMES_PER_HOUR = 36000
@@ -20,12 +21,6 @@ MOST_KILOBYTES = 32 * 1024
 
 def make(build, folder, frames):
     subprocess.run([f"{build}/benchmarks/make_recording", folder, str(frames), DETECTIONS], check=True)
-
-
-def instructions(command):
-    result = subprocess.run(["valgrind", "--tool=callgrind", "--callgrind-out-file=/dev/null"] + command,
-                            capture_output=True, text=True, check=True)
-    return int(re.search(r"Collected : (\d+)", result.stderr)[1])
 
 
 def per_frame(command, few, many):

@@ -47,8 +47,8 @@ def set_up(build, **size):
 def view(build, recording):
     """What the viewer takes until it can be opened, and to end."""
     with tempfile.TemporaryDirectory() as folder:
-        counts = os.path.join(folder, "counts")
-        with subprocess.Popen(["valgrind", "--tool=callgrind", "--callgrind-out-file=/dev/null", f"--log-file={counts}",
+        counts, profile = (os.path.join(folder, name) for name in ("counts", "profile"))
+        with subprocess.Popen(["valgrind", "--tool=callgrind", f"--callgrind-out-file={profile}", f"--log-file={counts}",
                                f"{build}/tools/tarnvod/tarnvod", "view", "--recording", recording, "--port", "0"],
                               stdout=subprocess.PIPE, stderr=subprocess.DEVNULL) as viewer:
             viewer.stdout.readline()
