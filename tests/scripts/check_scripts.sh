@@ -169,6 +169,14 @@ after" cat document ;;
     expect 0 before cat document ;;
   WriteFigures.RefusesToWriteNone)
     expect 1 'there are no figures of scripts/measure' "$scripts/lib/write-figures" document scripts/measure <<<'' ;;
+  RehearsalFigures.HaveARowForEachProgram)
+    printf '{"survived": 999, "days": 1000, "unconfirmed": 2, "recoveries": [{"seconds": 7}, {"seconds": 0.25}, {"seconds": 1}]}' \
+      >examples-a.json
+    printf '{"survived": 4, "days": 4, "unconfirmed": 0, "recoveries": []}' >watch.json
+    expect 0 '| program | days survived | recoveries | half of them within | the longest | findings not confirmed |
+|---|---:|---:|---:|---:|---:|
+| `examples/a` | 999 of 1,000 | 3 | 1.0 s | 7.0 s | 2 |
+| `watch` | 4 of 4 | 0 |  |  | 0 |' "$scripts/lib/rehearsal-figures" . examples/a watch ;;
   SourceDate.IsTheOneThatIsSet)
     expect 0 1790000000 env SOURCE_DATE_EPOCH=1790000000 "$scripts/lib/source-date" ;;
   SourceDate.IsOtherwiseThatOfTheCommit)
