@@ -168,7 +168,7 @@ after" cat document ;;
       "$scripts/lib/write-figures" document scripts/measure <<<'| new |'
     expect 0 before cat document ;;
   WriteFigures.RefusesToWriteNone)
-    expect 1 'there are no figures of scripts/measure' "$scripts/lib/write-figures" document scripts/measure <<<'' ;;
+    expect 1 'the standard input has no figures of scripts/measure' "$scripts/lib/write-figures" document scripts/measure <<<'' ;;
   RehearsalFigures.HaveARowForEachProgram)
     printf '{"survived": 999, "days": 1000, "unconfirmed": 2, "recoveries": [{"seconds": 7}, {"seconds": 0.25}, {"seconds": 1}]}' \
       >examples-a.json
@@ -177,6 +177,12 @@ after" cat document ;;
 |---|---:|---:|---:|---:|---:|
 | `examples/a` | 999 of 1,000 | 3 | 1.0 s | 7.0 s | 2 |
 | `watch` | 4 of 4 | 0 |  |  | 0 |' "$scripts/lib/rehearsal-figures" . examples/a watch ;;
+  RehearsalFigures.SayWhatAReportSays)
+    printf '{"survived": 1, "days": 2, "seconds": 8.6, "faults": {"drop": 2, "down": 1}, "recoveries": [{"seconds": 7}, {"seconds": 0.25}],
+      "failures": [{"sentence": "It crashed.", "days": [2], "replay": "tarnvod rehearse --day 2"}]}' >report.json
+    expect 0 '1 of 2 days survived, 3 faults, in 9 s
+2 recoveries, half of them within 7.0 s, the longest 7.0 s
+It crashed. (1 days; tarnvod rehearse --day 2)' "$scripts/lib/rehearsal-figures" report.json ;;
   SourceDate.IsTheOneThatIsSet)
     expect 0 1790000000 env SOURCE_DATE_EPOCH=1790000000 "$scripts/lib/source-date" ;;
   SourceDate.IsOtherwiseThatOfTheCommit)
