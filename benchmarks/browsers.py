@@ -14,9 +14,8 @@ import socket
 import subprocess
 import sys
 
-from report import STREET, replace_between, table
+from report import STREET, table, write_figures
 
-BEGIN, END = "<!-- browsers: scripts/benchmark -->", "<!-- end of browsers -->"
 MOST, ROUNDS, FRAMES = 8, 3, 300
 
 
@@ -77,7 +76,7 @@ def main():
     rows = [(count, f"{time / ROUNDS / FRAMES / 1000:.0f}", f"{time / totals[1]:.2f}") for count, time in totals.items()]
     text = "\n".join(table(["browsers", "processor time of a frame, µs", "to one"], rows))
     print(text)
-    replace_between(sys.argv[2], BEGIN, END, text)
+    write_figures(sys.argv[2], "scripts/benchmark, browsers", text)
     if totals[MOST] > 2 * totals[1]:
         sys.exit(f"{MOST} browsers cost more than twice as much as one")
 

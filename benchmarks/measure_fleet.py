@@ -22,9 +22,8 @@ import time
 import urllib.request
 
 from processes import Processes, free_port, is_listening, memory_of, wait_until
-from report import replace_between
+from report import write_figures
 
-BEGIN, END = "<!-- figures: scripts/measure-fleet -->", "<!-- end of figures -->"
 CAMERAS = 20
 SECONDS = 60
 HOUR = 720_000  # frames
@@ -169,7 +168,7 @@ def main():
     rows.append(row("bytes written to the spool for each frame", f"{written:,.0f}"))
     text = "\n".join(rows)
     print(text)
-    replace_between(document, BEGIN, END, text)
+    write_figures(document, "scripts/measure-fleet", text)
 
 
 if __name__ == "__main__":

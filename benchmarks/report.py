@@ -19,12 +19,13 @@ import sys
 import tempfile
 
 SAMPLES = ["3", "12", "100", "12-outlines", "12-long-names", "street"]
-BEGIN, END = "<!-- figures: scripts/benchmark -->", "<!-- end of figures -->"
 CAMERA_SAMPLES = ["0", "3", "12", "street"]
 CAMERA_PIPELINES = {"frame": "`Handler`, the only thread", "frame-with-retries": "`Handler` with retries", "camera": "`Camera`"}
 LINE_SAMPLES = ["3", "12", "100", "street"]
 CAMERA_LIMIT = 1.02  # of the instructions of a frame of 12 detections through `Handler` with retries
-STREET = os.path.join(os.path.dirname(os.path.dirname(os.path.abspath(__file__))), "recordings", "street")
+PROJECT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
+STREET = os.path.join(PROJECT, "recordings", "street")
+WRITE_FIGURES = os.path.join(PROJECT, "scripts", "lib", "write-figures")
 COUNTER = shlex.split(os.environ.get("COUNTER", ""))
 
 
@@ -172,15 +173,10 @@ def figures(directory):
     return "\n".join(lines)
 
 
-def replace_between(path, begin, end, text):
+def write_figures(document, name, text):
     """Writes the text between the markers of a document; ends the program where it lacks them."""
-    with open(path, encoding="utf-8") as file:
-        document = file.read()
-    if begin not in document or end not in document:
-        sys.exit(f"{path} lacks the markers {begin} and {end}")
-    before, rest = document.split(begin, 1)
-    with open(path, "w", encoding="utf-8") as file:
-        file.write(f"{before}{begin}\n{text}\n{end}{rest.split(end, 1)[1]}")
+    if subprocess.run([WRITE_FIGURES, document, name], input=text, text=True, check=False).returncode != 0:
+        sys.exit(1)
 
 
 def load(when):
@@ -193,7 +189,7 @@ def main():
         sys.exit("usage: report.py DIRECTORY DOCUMENT")
     text = load("before") + "\n\n" + figures(sys.argv[1]) + "\n" + load("after")
     print(text)
-    replace_between(sys.argv[2], BEGIN, END, text)
+    write_figures(sys.argv[2], "scripts/benchmark", text)
 
 
 if __name__ == "__main__":

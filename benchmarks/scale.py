@@ -13,9 +13,8 @@ import subprocess
 import sys
 import tempfile
 
-from report import instructions, replace_between, table
+from report import instructions, table, write_figures
 
-BEGIN, END = "<!-- scale: scripts/benchmark -->", "<!-- end of scale -->"
 CAMERAS = [1, 2, 4, 8, 16]
 SIZES = [1, 10, 100, 1000]
 RECORDED_FRAMES = [1000, 10_000, 100_000, 1_000_000]
@@ -137,7 +136,7 @@ def main():
         steep += [f"{name} against {items}" for name, counts in lines.items() if not is_linear(numbers, counts)]
         print(*found[-len(lines):], sep="\n", flush=True)
     head = ["of", "cost of", "numbers", "thousands of instructions", "last items to those before"]
-    replace_between(document, BEGIN, END, "\n".join(table(head, found)))
+    write_figures(document, "scripts/benchmark, scale", "\n".join(table(head, found)))
     if steep:
         sys.exit("faster than linear: " + ", ".join(steep))
 

@@ -17,10 +17,9 @@ import subprocess
 import sys
 import tempfile
 
-from report import load, replace_between, table
+from report import PROJECT, load, table, write_figures
 
-BEGIN, END = "<!-- side by side: scripts/benchmark -->", "<!-- end of side by side -->"
-SCHEMA = os.path.join(os.path.dirname(os.path.dirname(os.path.abspath(__file__))), "src", "video-object-detection")
+SCHEMA = os.path.join(PROJECT, "src", "video-object-detection")
 PYTHON = "/usr/bin/python3"  # Debian's, as the module is Debian's
 FRAMES, FEW_FRAMES, DETECTIONS = 144_000, 200, 10
 ROUNDS = 3
@@ -149,7 +148,7 @@ def main():
     text = "\n".join(table(head, rows(measured)))
     note = f"Python's Protocol Buffers: the implementation `{implementation()}`. {load('after')}"
     print(text)
-    replace_between(document, BEGIN, END, f"{text}\n{note}")
+    write_figures(document, "scripts/benchmark, side by side", f"{text}\n{note}")
 
 
 if __name__ == "__main__":

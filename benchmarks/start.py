@@ -14,9 +14,8 @@ import tempfile
 import time
 
 from processes import Processes, free_port, is_listening, memory_of, wait_until
-from report import STREET, instructions, output_of, replace_between, table
+from report import STREET, instructions, output_of, table, write_figures
 
-BEGIN, END = "<!-- start: scripts/benchmark -->", "<!-- end of start -->"
 SECONDS = 20  # of frames before memory is read
 FRAMES = 1_000_000
 
@@ -82,7 +81,7 @@ def main():
         sys.exit(__doc__)
     text = "\n".join(table(["start and size", "figure"], figures(os.path.abspath(sys.argv[1]))))
     print(text)
-    replace_between(sys.argv[2], BEGIN, END, text)
+    write_figures(sys.argv[2], "scripts/benchmark, start", text)
 
 
 if __name__ == "__main__":
