@@ -25,7 +25,8 @@ constexpr int failedStatus = 3;
 
 /** What a process that runs schedules leaves for the one that started it, however it ends. */
 struct Report {
-  std::uint64_t schedules = 0;
+  std::uint64_t systematic = 0;
+  std::uint64_t random = 0;
   ScheduleName current;
   Options options;
   char failure[512] = {};
@@ -120,9 +121,14 @@ void runRandom(const Plan& plan, const Run& runOne) {
   }
 }
 
+void countAsRun(const ScheduleName& name, Report& report) {
+  ++(name.isRandom ? report.random : report.systematic);
+}
+
 Outcome outcomeOf(const Report& report, Ending expected, int status) {
   Outcome outcome;
-  outcome.schedules = report.schedules;
+  outcome.systematic = report.systematic;
+  outcome.random = report.random;
   outcome.failedSchedule = report.current;
   if (report.failure[0] != '\0') {
     outcome.failure = report.failure;
@@ -141,7 +147,7 @@ Outcome runInOneProcess(const World& world, const Schedules& schedules) {
   const int status = runInChild([&] {
     schedules(report->options, [&](const ScheduleName& name) {
       run(world, name, *report);
-      ++report->schedules;
+      countAsRun(name, *report);
       return true;
     });
   });
@@ -159,7 +165,7 @@ Outcome runInManyProcesses(const World& world, const Schedules& schedules) {
       }
       run(world, name, *report);
     });
-    ++report->schedules;
+    countAsRun(name, *report);
     outcome = outcomeOf(*report, world.ending, status);
     return !outcome.failure;
   });

@@ -28,7 +28,8 @@ struct ScheduleName {
 };
 
 struct Outcome {
-  std::uint64_t schedules = 0;
+  std::uint64_t systematic = 0;  ///< how many schedules were run of those with at most the plan's deviations
+  std::uint64_t random = 0;      ///< how many random ones
   /** What went wrong, and in which schedule; nothing when all runs were as they should be. */
   std::optional<std::string> failure;
   ScheduleName failedSchedule;

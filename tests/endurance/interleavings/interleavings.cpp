@@ -76,8 +76,16 @@ Outcome runWorld(const World& world, const Arguments& arguments) {
   return explore(world, arguments.plan);
 }
 
-void print(const World& world, const Outcome& outcome) {
-  std::cout << world.name << ": " << outcome.schedules << " schedules";
+std::string schedulesRun(const Outcome& outcome, const Arguments& arguments) {
+  if (arguments.replay || arguments.replaySeed) {
+    return "one schedule";
+  }
+  return std::to_string(outcome.systematic) + " schedules of --deviations " +
+         std::to_string(arguments.plan.deviations) + ", " + std::to_string(outcome.random) + " random ones";
+}
+
+void print(const World& world, const Outcome& outcome, const Arguments& arguments) {
+  std::cout << world.name << (world.hasCamera ? " (Camera): " : " (Handler): ") << schedulesRun(outcome, arguments);
   if (outcome.failure) {
     std::cout << ", then: " << *outcome.failure << "; run again with --world " << world.name
               << (outcome.failedSchedule.isRandom ? " --replay-seed " : " --replay ") << outcome.failedSchedule.number;
@@ -99,7 +107,7 @@ int main(int argc, char** argv) {
   bool hasFailed = false;
   for (const World& world : chosen) {
     const Outcome outcome = runWorld(world, arguments);
-    print(world, outcome);
+    print(world, outcome, arguments);
     hasFailed = hasFailed || outcome.failure;
     if (hasFailed && arguments.mustFail) {
       break;

@@ -166,9 +166,9 @@ bool soak(const Options& options) {
 
   const FrameCounts counts = sumOf(feeds);
   print(counts, disturbances);
+  const double rate = static_cast<double>(counts.delivered) / seconds.count();
   std::cout << "after a tenth of the run: " << described(before) << "\nat its end: " << described(after) << '\n'
-            << seconds.count() << " s, " << static_cast<double>(counts.delivered) / seconds.count()
-            << " frames delivered per second\n";
+            << seconds.count() << " s, " << static_cast<std::int64_t>(rate) << " frames delivered per second\n";
   ok = expect(counts.wrong == 0, "frames arrived that are not what was sent") && ok;
   ok = expect(counts.unexplained == 0, "frames were dropped for no reason") && ok;
   ok = expect(counts.received == counts.delivered + counts.duringTeardown, "frames are not accounted for") && ok;
