@@ -4,19 +4,8 @@
 #
 # check_scripts.sh SCRIPTS FOLDER OUTCOME: checks one outcome of a script, in FOLDER.
 set -euo pipefail
-scripts=$1
-folder=$2
-
-rm -rf "$folder"
-mkdir -p "$folder"
-cd "$folder"
-
-# expect STATUS OUTPUT COMMAND...: the status and all that the command prints.
-expect() {
-  local status=0 output
-  output=$("${@:3}" 2>&1) || status=$?
-  [[ $status == "$1" && $output == "$2" ]] || { echo "status $status: $output" >&2; exit 1; }
-}
+# shellcheck source=tests/scripts/support.sh
+source "$(dirname "$0")/support.sh" "$@"
 
 # project VERSION CHANGE_LOG_VERSION LIBRARY_VERSION: the files that name a version.
 project() {
@@ -72,7 +61,7 @@ conditions: $4
 exempt lines: $5" "$scripts/lib/find-uncovered" --gcov ./gcov build
 }
 
-case $3 in
+case $outcome in
   FindAvoidedWords.AcceptsPlainWords)
     echo "The library reports a tallest teller." >text
     expect 0 "" "$scripts/lib/find-avoided-words" text ;;
@@ -152,37 +141,6 @@ a;" "$(line 3 0)"
     expect 2 "usage: $scripts/check [--quick|--nightly]" "$scripts/check" --fast ;;
   CheckReproducible.RefusesUnknownArguments)
     expect 2 "usage: $scripts/check-reproducible [--with-tools]" "$scripts/check-reproducible" --tools ;;
-  WriteFigures.ReplacesWhatIsBetweenTheMarkers)
-    printf '%s\n' before '<!-- figures: scripts/measure -->' old '<!-- end of figures -->' after >document
-    expect 0 '' "$scripts/lib/write-figures" document scripts/measure <<<'| new |'
-    expect 0 "before
-<!-- figures: scripts/measure -->
-
-| new |
-
-<!-- end of figures -->
-after" cat document ;;
-  WriteFigures.RefusesADocumentWithoutMarkers)
-    echo before >document
-    expect 1 'document lacks the markers <!-- figures: scripts/measure --> and <!-- end of figures -->' \
-      "$scripts/lib/write-figures" document scripts/measure <<<'| new |'
-    expect 0 before cat document ;;
-  WriteFigures.RefusesToWriteNone)
-    expect 1 'the standard input has no figures of scripts/measure' "$scripts/lib/write-figures" document scripts/measure <<<'' ;;
-  RehearsalFigures.HaveARowForEachProgram)
-    printf '{"survived": 999, "days": 1000, "unconfirmed": 2, "recoveries": [{"seconds": 7}, {"seconds": 0.25}, {"seconds": 1}]}' \
-      >examples-a.json
-    printf '{"survived": 4, "days": 4, "unconfirmed": 0, "recoveries": []}' >watch.json
-    expect 0 '| program | days survived | recoveries | half of them within | the longest | findings not confirmed |
-|---|---:|---:|---:|---:|---:|
-| `examples/a` | 999 of 1,000 | 3 | 1.0 s | 7.0 s | 2 |
-| `watch` | 4 of 4 | 0 |  |  | 0 |' "$scripts/lib/rehearsal-figures" . examples/a watch ;;
-  RehearsalFigures.SayWhatAReportSays)
-    printf '{"survived": 1, "days": 2, "seconds": 8.6, "faults": {"drop": 2, "down": 1}, "recoveries": [{"seconds": 7}, {"seconds": 0.25}],
-      "failures": [{"sentence": "It crashed.", "days": [2], "replay": "tarnvod rehearse --day 2"}]}' >report.json
-    expect 0 '1 of 2 days survived, 3 faults, in 9 s
-2 recoveries, half of them within 7.0 s, the longest 7.0 s
-It crashed. (1 days; tarnvod rehearse --day 2)' "$scripts/lib/rehearsal-figures" report.json ;;
   SourceDate.IsTheOneThatIsSet)
     expect 0 1790000000 env SOURCE_DATE_EPOCH=1790000000 "$scripts/lib/source-date" ;;
   SourceDate.IsOtherwiseThatOfTheCommit)
@@ -192,9 +150,13 @@ It crashed. (1 days; tarnvod rehearse --day 2)' "$scripts/lib/rehearsal-figures"
     git add lib
     env GIT_COMMITTER_DATE="1780000000 +0200" git -c user.name=a -c user.email=a@b commit --quiet --message=one
     expect 0 1780000000 env --unset=SOURCE_DATE_EPOCH lib/source-date ;;
+  Coverage.RefusesUnknownArguments)
+    expect 2 "usage: $scripts/coverage [--write]" "$scripts/coverage" --html ;;
+  Conditions.RefusesUnknownArguments)
+    expect 2 "usage: $scripts/conditions [--write]" "$scripts/conditions" --html ;;
   TestBills.RefusesAFolderWithoutPackages)
     expect 2 "usage: $scripts/test-bills PACKAGES, a folder with packages" "$scripts/test-bills" "$folder" ;;
   Install.RefusesUnknownArguments)
     expect 2 "usage: $scripts/install [PREFIX]" "$scripts/install" --user ;;
-  *) echo "unknown outcome: $3" >&2; exit 2 ;;
+  *) echo "unknown outcome: $outcome" >&2; exit 2 ;;
 esac

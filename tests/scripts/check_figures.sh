@@ -1,0 +1,192 @@
+#!/bin/bash
+# SPDX-FileCopyrightText: 2026 The tarnvod authors
+# SPDX-License-Identifier: MIT
+#
+# check_figures.sh SCRIPTS FOLDER OUTCOME: checks one outcome of the scripts that write figures into documents, in FOLDER.
+set -euo pipefail
+# shellcheck source=tests/scripts/support.sh
+source "$(dirname "$0")/support.sh" "$@"
+
+# project SCRIPT: a copy of the project in which a script builds nothing, with a document for its figures.
+project() {
+  mkdir -p build docs scripts/lib
+  ln -s "$scripts/$1" "scripts/$1"
+  ln -s "$scripts"/lib/{figures.sh,endurance-figures,write-figures} scripts/lib/
+  echo 'build_release() { :; }' >scripts/lib/build.sh
+  echo 'build_packages=(); require_packages() { :; }' >scripts/lib/packages.sh
+  printf '%s\n' "<!-- figures: scripts/$1 -->" old '<!-- end of figures -->' >docs/testing.md
+}
+
+# program PATH LINE...: a shell script.
+program() {
+  mkdir -p "$(dirname "$1")"
+  printf '%s\n' '#!/bin/bash' "${@:2}" >"$1"
+  chmod +x "$1"
+}
+
+readonly unwritten="<!-- figures: scripts/measure -->
+old
+<!-- end of figures -->"
+
+# expect_written SCRIPT FIGURES: what the document has.
+expect_written() {
+  expect 0 "<!-- figures: scripts/$1 -->
+
+$2
+
+<!-- end of figures -->" cat docs/testing.md
+}
+
+# expect_unwritten SCRIPT
+expect_unwritten() {
+  expect 0 "${unwritten/measure/$1}" cat docs/testing.md
+}
+
+readonly campaign=build/release/tests/endurance/campaign/campaign
+readonly campaign_output='seed 7
+2 worlds, 1000 steps, 25 subscriptions lost, 22 of them dropped by the service: 22 recovered, 3 torn down by the application'\
+' before that; 14 frames arrived as they must, and 772 while everything happened at once'
+readonly campaign_figures='| | last run |
+|---|---|
+| seed | 7 |
+| worlds, steps | 2, 1,000 |
+| subscriptions lost | 25, of them 22 dropped by the service |
+| recovered | 22 |
+| torn down by the application before they were recovered | 3 |
+| frames that arrived as the model says | 14 |
+| frames of the concurrent parts, none misattributed | 772 |'
+
+# fuzzer NAME EXECUTIONS LINE...: what builds a fuzzer builds this one, which runs some lines before it searches.
+fuzzer() {
+  mkdir -p "fuzz/corpus/$1"
+  touch "fuzz/corpus/$1/"{one,two}
+  program "built/fuzz_$1" "if [[ \$* == *-runs=0* ]]; then" "  echo '#9	DONE   cov: $((10 * $2)) ft: $((20 * $2)) corp: 2/9b'" else \
+    "${@:3}" "  echo 'stat::number_of_executed_units: $2'" fi
+  program fuzz/build.sh 'mkdir -p "$OUT"' 'for fuzzer; do' '  cp "built/fuzz_$fuzzer" "$OUT/"' \
+    '  echo "max_len = 10" >"$OUT/fuzz_$fuzzer.options"' \
+    '  (cd "fuzz/corpus/$fuzzer" && cmake -E tar cf "$OUT/fuzz_${fuzzer}_seed_corpus.zip" --format=zip -- *)' done
+}
+
+readonly fuzz_head='| fuzzer | seconds | executions | edges reached | distinguished by their counts | committed inputs |
+|---|---:|---:|---:|---:|---:|'
+
+case $outcome in
+  WriteFigures.ReplacesWhatIsBetweenTheMarkers)
+    printf '%s\n' before '<!-- figures: scripts/measure -->' old '<!-- end of figures -->' after >document
+    expect 0 '' "$scripts/lib/write-figures" document scripts/measure <<<'| new |'
+    expect 0 "before
+<!-- figures: scripts/measure -->
+
+| new |
+
+<!-- end of figures -->
+after" cat document ;;
+  WriteFigures.RefusesADocumentWithoutMarkers)
+    echo before >document
+    expect 1 'document lacks the markers <!-- figures: scripts/measure --> and <!-- end of figures -->' \
+      "$scripts/lib/write-figures" document scripts/measure <<<'| new |'
+    expect 0 before cat document ;;
+  WriteFigures.RefusesToWriteNone)
+    expect 1 'the standard input has no figures of scripts/measure' "$scripts/lib/write-figures" document scripts/measure <<<'' ;;
+  RehearsalFigures.HaveARowForEachProgram)
+    printf '{"survived": 999, "days": 1000, "unconfirmed": 2, "recoveries": [{"seconds": 7}, {"seconds": 0.25}, {"seconds": 1}]}' \
+      >examples-a.json
+    printf '{"survived": 4, "days": 4, "unconfirmed": 0, "recoveries": []}' >watch.json
+    expect 0 '| program | days survived | recoveries | half of them within | the longest | findings not confirmed |
+|---|---:|---:|---:|---:|---:|
+| `examples/a` | 999 of 1,000 | 3 | 1.0 s | 7.0 s | 2 |
+| `watch` | 4 of 4 | 0 |  |  | 0 |' "$scripts/lib/rehearsal-figures" . examples/a watch ;;
+  RehearsalFigures.SayWhatAReportSays)
+    printf '{"survived": 1, "days": 2, "seconds": 8.6, "faults": {"drop": 2, "down": 1}, "recoveries": [{"seconds": 7}, {"seconds": 0.25}],
+      "failures": [{"sentence": "It crashed.", "days": [2], "replay": "tarnvod rehearse --day 2"}]}' >report.json
+    expect 0 '1 of 2 days survived, 3 faults, in 9 s
+2 recoveries, half of them within 7.0 s, the longest 7.0 s
+It crashed. (1 days; tarnvod rehearse --day 2)' "$scripts/lib/rehearsal-figures" report.json ;;
+  EnduranceFigures.CountTheWorldsOfEachClass)
+    printf '%s schedules of --deviations 3, %s random ones\n' 'late-drop (Handler): 1000' 7 'exit (Handler): 234' 8 'end (Camera): 5' 9 >report
+    expect 0 '| worlds of | number | schedules with at most 3 deviations | random schedules |
+|---|---:|---:|---:|
+| `Handler` | 2 | 1,234 | 15 |
+| `Camera` | 1 | 5 | 9 |' "$scripts/lib/endurance-figures" interleave report ;;
+  EnduranceFigures.AccountForTheFramesOfASoak)
+    printf '%s\n' '7 frames sent; 1 while nobody was subscribed, 1006 received = 1004 delivered + 2 dropped because their camera was'\
+' being torn down + 0 unexplained' '21 subscriptions dropped, 2 outages, 9 teardowns, 11 updates, 0 lines logged' \
+      'after a tenth of the run: 5416 kB resident, 6 descriptors, 6 threads' 'at its end: 5576 kB resident, 6 descriptors, 6 threads' \
+      '0.61 s, 323825 frames delivered per second' >report
+    expect 0 '| | last run |
+|---|---|
+| received = delivered + dropped while their camera was being torn down | 1,006 = 1,004 + 2 |
+| subscriptions dropped, outages, teardowns, updates | 21, 2, 9, 11 |
+| after a tenth of the run | 5,416 kB resident, 6 descriptors, 6 threads |
+| at its end | 5,576 kB resident, 6 descriptors, 6 threads |
+| frames per second | 323,825 |' "$scripts/lib/endurance-figures" soak report ;;
+  EnduranceFigures.RefuseAReportThatLacksOne)
+    echo "no seed" >report
+    expect 1 'report has nothing like: ^seed (\d+)$' "$scripts/lib/endurance-figures" campaign report
+    expect 1 'report has no worlds that passed' "$scripts/lib/endurance-figures" interleave report ;;
+  Campaign.WritesItsFiguresWhenAsked)
+    project campaign
+    program "$campaign" "[[ \$* == '--minutes 1' ]] || exit 9" "echo '$campaign_output'"
+    expect 0 "$campaign_output
+$campaign_figures" scripts/campaign --write --minutes 1
+    expect_written campaign "$campaign_figures" ;;
+  Campaign.LeavesTheDocumentsOtherwise)
+    project campaign
+    program "$campaign" "echo '$campaign_output'"
+    expect 0 "$campaign_output" scripts/campaign
+    expect_unwritten campaign ;;
+  Campaign.WritesNoFiguresOfAFailure)
+    project campaign
+    program "$campaign" "echo '$campaign_output'" "exit 3"
+    expect 3 "$campaign_output" scripts/campaign --write
+    expect_unwritten campaign ;;
+  Interleave.RunsForTwoMinutesUnlessAskedOtherwise)
+    project interleave
+    program build/release/tests/endurance/interleavings/interleavings 'echo "$*" >>options' \
+      'echo "exit (Handler): 4 schedules of --deviations 2, 5 random ones"'
+    scripts/interleave
+    scripts/interleave --write
+    scripts/interleave --write --random 6
+    scripts/interleave --random 7
+    expect 0 "--random-seconds 120
+--random-seconds 120
+--random 6
+--random 7" cat options ;;
+  Fuzz.WritesTheFiguresOfAllFuzzers)
+    project fuzz
+    fuzzer first 1000
+    fuzzer second 2000
+    scripts/fuzz 30
+    expect_unwritten fuzz
+    scripts/fuzz --write 40 second
+    expect_written fuzz "$fuzz_head
+| \`first\` | 30 | 1,000 | 10,000 | 20,000 | 2 |
+| \`second\` | 40 | 2,000 | 20,000 | 40,000 | 2 |" ;;
+  Fuzz.RefusesToWriteWithoutAReportOfEachFuzzer)
+    project fuzz
+    fuzzer first 1000
+    fuzzer second 2000
+    if scripts/fuzz --write 30 first; then exit 1; fi
+    expect_unwritten fuzz ;;
+  Fuzz.RunsAsManyFuzzersAtTheSameTimeAsAsked)
+    project fuzz
+    mkfifo fifo
+    fuzzer first 1 'read -r word <fifo'
+    fuzzer second 2 'echo word >fifo'
+    scripts/fuzz --jobs 2 30 ;;
+  Fuzz.FailsWithAFuzzer)
+    project fuzz
+    fuzzer first 1000 'echo found' 'exit 77'
+    fuzzer second 2000
+    expect 123 "==> first, 30 s, 2 committed inputs
+found
+==> second, 30 s, 2 committed inputs
+stat::number_of_executed_units: 2000
+all inputs of second reach (cov: edges, ft: edges, distinguished by their counts):
+#9	DONE   cov: 20000 ft: 40000 corp: 2/9b" scripts/fuzz --write 30
+    expect_unwritten fuzz ;;
+  Fuzz.RefusesATimeThatIsNotANumber)
+    expect 2 "usage: fuzz [--write] [--jobs N] [SECONDS [FUZZER...]]" "$scripts/fuzz" scene
+    expect 2 "usage: fuzz [--write] [--jobs N] [SECONDS [FUZZER...]]" "$scripts/fuzz" --jobs ;;
+  *) echo "unknown outcome: $outcome" >&2; exit 2 ;;
+esac
