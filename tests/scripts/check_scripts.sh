@@ -17,14 +17,6 @@ project() {
   : >packaging/CMakeLists.txt
 }
 
-# tests_of LIST: a folder with a test, its CMakeLists.txt, and one above it that adds it.
-tests_of() {
-  mkdir -p tests/part
-  echo "add_subdirectory(part)" >tests/CMakeLists.txt
-  echo "$1" >tests/part/CMakeLists.txt
-  touch tests/part/thing_test.cpp
-}
-
 # counted SOURCE LINES...: a source, and a program in the place of gcov that has these counts for it, one object after the other.
 counted() {
   mkdir -p src build/tarnvod_internals.dir
@@ -82,19 +74,6 @@ find-avoided-words: plainer words are at the head of $scripts/lib/avoided-words.
   FindBrokenLinks.ReportsAMissingHeading)
     printf '# One\n\n[1](#two)\n' >text.md
     expect 1 "text.md: a broken link: #two" "$scripts/lib/find-broken-links" text.md ;;
-  FindUnbuiltTests.AcceptsTestsThatAreNamed)
-    tests_of "tarnvod_test(test_part SOURCES thing_test.cpp)"
-    expect 0 "" "$scripts/lib/find-unbuilt-tests" tests ;;
-  FindUnbuiltTests.ReportsATestThatIsNotNamed)
-    tests_of "tarnvod_test(test_part SOURCES other_thing_test.cpp)"
-    expect 1 "tests/part/thing_test.cpp: no CMakeLists.txt next to it names it" "$scripts/lib/find-unbuilt-tests" tests ;;
-  FindUnbuiltTests.ReportsATestThatIsOnlyInAComment)
-    tests_of "# thing_test.cpp"
-    expect 1 "tests/part/thing_test.cpp: no CMakeLists.txt next to it names it" "$scripts/lib/find-unbuilt-tests" tests ;;
-  FindUnbuiltTests.ReportsAFolderThatIsNotAdded)
-    tests_of "tarnvod_test(test_part SOURCES thing_test.cpp)"
-    echo "add_subdirectory(other-part)" >tests/CMakeLists.txt
-    expect 1 "tests/part: no CMakeLists.txt above it adds it" "$scripts/lib/find-unbuilt-tests" tests ;;
   CheckVersion.AcceptsOneVersion)
     project 1.2.3 1.2.3 '${PROJECT_VERSION}'
     expect 0 "" "$scripts/lib/check-version" ;;
