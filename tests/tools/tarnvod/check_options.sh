@@ -3,7 +3,7 @@
 # SPDX-License-Identifier: MIT
 #
 # check_options.sh COMMAND MANUAL COMPLETION: checks that the manual's synopsis and the completion have exactly the
-# subcommands and options that --help lists.
+# subcommands and options that --help lists, and that the manual describes each option.
 set -euo pipefail
 command=$1 manual=$2 completion=$3
 
@@ -28,18 +28,34 @@ subcommands_of_help() {
   "$command" --help | sed -n '/^Subcommands:/,$p' | awk 'NR > 1 && /^  [a-z]/ { print $1 }'
 }
 
-# options_of_help SUBCOMMAND: those that have a line of their own; others are mentioned in descriptions.
+# options_of_help [SUBCOMMAND]: those that have a line of their own; others are mentioned in descriptions.
 options_of_help() {
-  "$command" "$1" --help | grep -E '^  -' | sed 's/^\(  [^ ]*\) .*/\1/' | options_in
+  "$command" "$@" --help | grep -E '^  -' | sed 's/^\(  [^ ]*\) .*/\1/' | options_in
+}
+
+# manual FIRST LAST: the manual from one heading to another, without its typesetting.
+manual() {
+  sed -n "/^\.SH $1/,/^\.SH $2/p" "$manual" | sed 's/\\-/-/g; s/\\f.//g'
 }
 
 synopsis() {
-  sed -n '/^\.SH SYNOPSIS/,/^\.SH DESCRIPTION/p' "$manual" | sed 's/\\-/-/g; s/\\f.//g'
+  manual SYNOPSIS DESCRIPTION
 }
 
 # synopsis_of SUBCOMMAND: the lines from its first to the next subcommand.
 synopsis_of() {
   synopsis | awk -v name="$1" '/^tarnvod / { inside = $2 == name } inside'
+}
+
+# expect_described OPTION...: that the text of the manual has them. The synopsis says enough about --help and --version.
+expect_described() {
+  local option
+  for option in "$@"; do
+    if [[ ! $option =~ ^--(help|version)$ ]] && ! grep --quiet --line-regexp -- "$option" <<<"$described"; then
+      echo "$manual: does not describe $option"
+      failed=1
+    fi
+  done
 }
 
 complete() { :; } # only registers the function with an interactive shell
@@ -56,12 +72,16 @@ completions() {
 
 subcommands=$(subcommands_of_help)
 [[ -n $subcommands ]] || { echo "--help lists no subcommands"; exit 1; }
-expect "$completion" subcommands "$subcommands --help --version" "$(completions tarnvod '')"
+described=$(manual DESCRIPTION EXAMPLES | options_in)
+expect "$completion" "subcommands and options" "$subcommands $(options_of_help)" "$(completions tarnvod '')"
+expect "$manual" options "$(options_of_help)" "$(synopsis | awk '/^tarnvod [^a-z]/' | options_in)"
 expect "$manual" subcommands "$subcommands" "$(synopsis | awk '/^tarnvod [a-z]/ { print $2 }')"
 for subcommand in $subcommands; do
   options=$(options_of_help "$subcommand")
   [[ -n $options ]] || { echo "'$subcommand --help' lists no options"; exit 1; }
   expect "$completion" "the options of '$subcommand'" "$options" "$(completions tarnvod "$subcommand" --)"
+  # shellcheck disable=SC2086 # words
+  expect_described $options
   expect "$manual" "the options of '$subcommand'" "$options" "$(synopsis_of "$subcommand" | options_in) --help"
 done
 exit $failed
