@@ -133,6 +133,8 @@ a;" "$(line 3 0)"
     expect 2 "usage: $scripts/coverage [--write]" "$scripts/coverage" --html ;;
   Conditions.RefusesUnknownArguments)
     expect 2 "usage: $scripts/conditions [--write]" "$scripts/conditions" --html ;;
+  MeasureRecordings.RefusesUnknownArguments)
+    expect 2 "usage: $scripts/measure-recordings [--write]" "$scripts/measure-recordings" --html ;;
   TestBills.RefusesAFolderWithoutPackages)
     expect 2 "usage: $scripts/test-bills PACKAGES, a folder with packages" "$scripts/test-bills" "$folder" ;;
   Install.RefusesUnknownArguments)
