@@ -124,6 +124,24 @@ It crashed. (1 days; tarnvod rehearse --day 2)' "$scripts/lib/rehearsal-figures"
     echo "no seed" >report
     expect 1 'report has nothing like: ^seed (\d+)$' "$scripts/lib/endurance-figures" campaign report
     expect 1 'report has no worlds that passed' "$scripts/lib/endurance-figures" interleave report ;;
+  FootprintFigures.AccountForEachByteOfTheFile)
+    printf '%s\n' 'libtarnvod.so.0.0, stripped: 10000 bytes; the limit is 140000' Sections: '  .note.gnu.build-id        36' \
+      '  .dynstr             3000' '  .plt                 500' '  .text               4000' '  .tbss                  9' '  .bss                 948' \
+      Needs: '  libc.so.6' Relocations: '  R_ARM_ABS32              116' '  R_ARM_RELATIVE           245' >report
+    expect 0 '| part | bytes |
+|---|---:|
+| code (`.text`, `.plt`) | 4,500 |
+| names of the interface and of what it calls (`.dynstr`, `.dynsym`, `.gnu.hash`, versions) | 3,000 |
+| constants (`.rodata`, `.data.rel.ro`) | 0 |
+| what unwinding needs (`.ARM.exidx`, `.ARM.extab`) | 0 |
+| relocations | 0 |
+| variables in the file (`.data`, `.got`) | 0 |
+| headers, smaller sections, padding | 2,500 |
+| the file | 10,000 |
+
+It has 361 relocations, of which 245 are relative.' "$scripts/lib/footprint-figures" <report ;;
+  FootprintFigures.RefuseAnotherReport)
+    expect 1 'the standard input is not a report of scripts/report-footprint' "$scripts/lib/footprint-figures" <<<'nothing' ;;
   Campaign.WritesItsFiguresWhenAsked)
     project campaign
     program "$campaign" "[[ \$* == '--minutes 1' ]] || exit 9" "echo '$campaign_output'"

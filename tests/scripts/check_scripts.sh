@@ -133,6 +133,8 @@ a;" "$(line 3 0)"
     expect 2 "usage: $scripts/coverage [--write]" "$scripts/coverage" --html ;;
   Conditions.RefusesUnknownArguments)
     expect 2 "usage: $scripts/conditions [--write]" "$scripts/conditions" --html ;;
+  ReportFootprint.RefusesToRunWithoutALibrary)
+    expect 2 "usage: $scripts/report-footprint [--write] LIBRARY" "$scripts/report-footprint" --write ;;
   MeasureRecordings.RefusesUnknownArguments)
     expect 2 "usage: $scripts/measure-recordings [--write]" "$scripts/measure-recordings" --html ;;
   TestBills.RefusesAFolderWithoutPackages)
