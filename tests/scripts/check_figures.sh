@@ -28,6 +28,16 @@ readonly unwritten="<!-- figures: scripts/measure -->
 old
 <!-- end of figures -->"
 
+# figures_of LINE...: documents and scripts that agree on their figures, and a script with more lines.
+figures_of() {
+  mkdir -p docs benchmarks scripts
+  printf '<!-- figures: %s -->\n' scripts/measure 'scripts/weigh, all of them' scripts/count >docs/some.md
+  echo 'report_figures scripts/measure "$figures"' >scripts/measure
+  echo 'scripts/lib/write-figures docs/some.md scripts/count <<<"$figures"' >scripts/count
+  echo 'write_figures(sys.argv[2], "scripts/weigh, all of them", text)' >benchmarks/weigh.py
+  printf '%s\n' "$@" >scripts/more
+}
+
 # expect_written SCRIPT FIGURES: what the document has.
 expect_written() {
   expect 0 "<!-- figures: scripts/$1 -->
@@ -88,6 +98,16 @@ after" cat document ;;
     expect 0 before cat document ;;
   WriteFigures.RefusesToWriteNone)
     expect 1 'the standard input has no figures of scripts/measure' "$scripts/lib/write-figures" document scripts/measure <<<'' ;;
+  FindLostFigures.AcceptsFiguresThatAScriptWrites)
+    figures_of
+    expect 0 '' "$scripts/lib/find-lost-figures" ;;
+  FindLostFigures.ReportsFiguresThatNoScriptWrites)
+    figures_of
+    rm scripts/measure
+    expect 1 'scripts/measure: no script writes these figures' "$scripts/lib/find-lost-figures" ;;
+  FindLostFigures.ReportsFiguresWithoutMarkers)
+    figures_of 'run_for_figures scripts/more program "$@"'
+    expect 1 'scripts/more: no document has the markers of these figures' "$scripts/lib/find-lost-figures" ;;
   RehearsalFigures.HaveARowForEachProgram)
     printf '{"survived": 999, "days": 1000, "unconfirmed": 2, "recoveries": [{"seconds": 7}, {"seconds": 0.25}, {"seconds": 1}]}' \
       >examples-a.json
