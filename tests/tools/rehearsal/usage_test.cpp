@@ -36,13 +36,6 @@ TEST(ARehearsal, ReportsAProgramThatCannotBeStarted) {
   EXPECT_EQ(outcome.errors, "tarnvod: /nowhere/application: No such file or directory\n");
 }
 
-TEST(ARehearsal, ReportsAProgramThatDoesNotCallTheService) {
-  const Outcome outcome = test::run({"rehearse", "--", "true"});
-
-  EXPECT_EQ(outcome.exitCode, 1);
-  EXPECT_THAT(outcome.output, HasSubstr("It does not call the service on a quiet day, without any fault."));
-}
-
 TEST(ARehearsal, RefusesAnExpressionThatIsNone) {
   const Outcome outcome = test::run({"rehearse", "--must-print", "(", "--", "true"});
 
@@ -100,27 +93,11 @@ TEST_F(ADetectorThatChangesItsClasses, FailsOneThatDoesNot) {
                                         "other ids for its classes."));
 }
 
-TEST(WhatMustNotBePrinted, FailsTheDay) {
-  const Outcome outcome = test::run(
-      {"rehearse", "--days", "1", "--must-not-print", "frame", "--", "sh", "-c", "echo a frame; exec " + faultless});
-
-  EXPECT_EQ(outcome.exitCode, 1);
-  EXPECT_THAT(outcome.output, HasSubstr("It printed \"frame\""));
-}
-
 TEST(WhatMustBePrinted, FailsTheDayWhenItIsMissing) {
   const Outcome outcome = test::run({"rehearse", "--days", "1", "--must-print", "a frame", "--", faultless});
 
   EXPECT_EQ(outcome.exitCode, 1);
   EXPECT_THAT(outcome.output, HasSubstr("It did not print what it must print"));
-}
-
-TEST(AnApplicationThatIgnoresSigterm, IsFoundNotToEnd) {
-  const Outcome outcome = test::run({"rehearse", "--days", "1", "--stop-limit", "1", "--", "sh", "-c",
-                                     "trap '' TERM; " + faultless + "; sleep 1000"});
-
-  EXPECT_EQ(outcome.exitCode, 1);
-  EXPECT_THAT(outcome.output, HasSubstr("It does not end after SIGTERM"));
 }
 
 TEST(ACheckThatFails, FailsTheDay) {
