@@ -96,6 +96,7 @@ Environment onTerminal(Environment environment) {
   dup2(input, STDIN_FILENO);
   dup2(output, STDOUT_FILENO);
   dup2(errors, STDERR_FILENO);
+  ::signal(SIGINT, SIG_DFL);  // ignored where a shell without job control runs the tests in the background
   execve(program.c_str(), arguments.data(), environment.data());
   _exit(127);
 }

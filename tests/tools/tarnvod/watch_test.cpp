@@ -219,6 +219,19 @@ TEST_P(WatchAskedToEnd, TearsDownAndSumsUp) {
 
 INSTANTIATE_TEST_SUITE_P(BySignal, WatchAskedToEnd, testing::Values(SIGINT, SIGTERM, SIGHUP));
 
+TEST_F(Watch, GoesOnAfterASignalThatWasIgnoredWhenItBegan) {
+  test::Process watch("/bin/sh", {"-c", R"(trap '' HUP; exec "$@")", "sh", test::command(), "watch", "--camera", "1"},
+                      playing("5"));
+  watch.waitForOutput("camera 1  0:00.000");
+
+  watch.signal(SIGHUP);
+
+  watch.waitForMoreOutput("camera 1  0:01.900");
+  watch.waitForMoreOutput("camera 1  0:00.000");
+  watch.signal(SIGTERM);
+  EXPECT_EQ(watch.wait().exitCode, 0);
+}
+
 TEST_F(Watch, EndsQuietlyWhenItsReaderGoesAway) {
   test::Process watch(test::command(), {"watch", "--camera", "1", "--json"}, playing());
   watch.waitForOutput("\n");
