@@ -128,6 +128,17 @@ TEST_F(ARecording, PlaysFromItsStartForTheFirstSubscriptionAgain) {
   EXPECT_THAT(client.scenes(), ElementsAre(scenes_[0], scenes_[1], scenes_[0], scenes_[1]));
 }
 
+TEST_F(ARecording, BeginsWithItsFirstSceneHoweverOftenItIsPlayedAgain) {
+  channel(0).recording(folder_, {std::nullopt, true});
+  for (int time = 0; time < 500; ++time) {
+    Client client(0);
+    client.subscribe();
+    client.waitForScenes(1);
+    // The one before was deleted while its recording was played.
+    ASSERT_EQ(client.scenes().front(), scenes_.front());
+  }
+}
+
 TEST_F(ARecording, IsOneStreamForAllWhoAreSubscribed) {
   const Gate gate;
   channel(0).recording(folder_, onceAtOnce);

@@ -86,6 +86,16 @@ class ASession : public HostTest {
     return order.timestamps();
   }
 
+  /** Waits for each scene before it gives the channel the next. */
+  static void deliverOneByOne(std::size_t scenes, const Channel& channel) {
+    Client client(channel.number());
+    client.subscribe();
+    for (std::size_t number = 1; number <= scenes; ++number) {
+      channel.pushScene(scene(number));
+      client.waitForScenes(number);
+    }
+  }
+
   const tarn::test::TemporaryFolder temporary_;
   const std::filesystem::path folder_ = temporary_.path() / "session";
 };
@@ -288,6 +298,7 @@ TEST_F(ASession, DoesNotRunAheadOfAChannelByMoreThan64Scenes) {
   gate.waitUntilReached();
   // One scene of camera 1 is in the callback and 64 wait; the next one holds up those of camera 2 behind it.
   second.waitForScenes(65);
+  deliverOneByOne(100, channel(2));  // meanwhile the session would go on, if it could
   EXPECT_EQ(second.scenes().size(), 65U);
   gate.open();
   channel(0).waitForEndOfRecording();
