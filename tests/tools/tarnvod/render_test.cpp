@@ -176,6 +176,18 @@ TEST_F(Render, RefusesFilesThatMayNeverEnd) {
   }
 }
 
+TEST_F(Render, RefusesFilesThatAreMuchTooLargeForWhatTheyShouldBe) {
+  const std::string file = folder / "large";
+  test::writeTo(file, "");
+  std::filesystem::resize_file(file, 65'000'000);
+
+  const test::Outcome outcome = render({recording, "--background", file});
+
+  EXPECT_EQ(outcome.exitCode, 1);
+  EXPECT_EQ(outcome.errors,
+            "tarnvod: " + file + ": 65.0 MB is more than the 64.0 MB allowed; name a PNG or JPEG image\n");
+}
+
 TEST_F(Render, LeavesOutBoxesWhoseNumbersAreNotFinite) {
   auto scene = test::scene(0);
   scene.mutable_detections(0)->set_coord_1(std::numeric_limits<float>::infinity());
