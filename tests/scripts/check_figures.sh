@@ -11,7 +11,7 @@ source "$(dirname "$0")/support.sh" "$@"
 project() {
   mkdir -p build docs scripts/lib
   ln -s "$scripts/$1" "scripts/$1"
-  ln -s "$scripts"/lib/{figures.sh,endurance-figures,write-figures} scripts/lib/
+  ln -s "$scripts"/lib/{figures.sh,endurance-figures,rehearsal-figures,write-figures} scripts/lib/
   echo 'build_release() { :; }' >scripts/lib/build.sh
   echo 'build_packages=(); require_packages() { :; }' >scripts/lib/packages.sh
   printf '%s\n' "<!-- figures: scripts/$1 -->" old '<!-- end of figures -->' >docs/testing.md
@@ -71,10 +71,10 @@ fuzzer() {
   mkdir -p "fuzz/corpus/$1"
   touch "fuzz/corpus/$1/"{one,two}
   program "built/fuzz_$1" "if [[ \$* == *-runs=0* ]]; then" "  echo '#9	DONE   cov: $((10 * $2)) ft: $((20 * $2)) corp: 2/9b'" else \
-    "${@:3}" "  echo 'stat::number_of_executed_units: $2'" fi
+    "${@:3}" "  echo 'stat::number_of_executed_units: $2'" 'fi'
   program fuzz/build.sh 'mkdir -p "$OUT"' 'for fuzzer; do' '  cp "built/fuzz_$fuzzer" "$OUT/"' \
     '  echo "max_len = 10" >"$OUT/fuzz_$fuzzer.options"' \
-    '  (cd "fuzz/corpus/$fuzzer" && cmake -E tar cf "$OUT/fuzz_${fuzzer}_seed_corpus.zip" --format=zip -- *)' done
+    '  (cd "fuzz/corpus/$fuzzer" && cmake -E tar cf "$OUT/fuzz_${fuzzer}_seed_corpus.zip" --format=zip -- *)' 'done'
 }
 
 readonly fuzz_head='| fuzzer | seconds | executions | edges reached | distinguished by their counts | committed inputs |
@@ -190,6 +190,58 @@ $campaign_figures" scripts/campaign --write --minutes 1
 --random-seconds 120
 --random 6
 --random 7" cat options ;;
+  Coverage.WritesItsFiguresWhenAsked)
+    project coverage
+    mkdir build/coverage
+    program bin/cmake
+    program bin/ctest
+    program bin/gcovr 'case $* in' '  *--print-summary*) printf "lines: 99.7% (787 out of 789)\nbranches: 97.9% (571 out of 583)\n" ;;' \
+      '  *--txt*) touch "${*: -1}" ;;' 'esac'
+    PATH=$PWD/bin:$PATH scripts/coverage
+    expect_unwritten coverage
+    PATH=$PWD/bin:$PATH scripts/coverage --write
+    expect_written coverage '| | lines | branches |
+|---|---:|---:|
+| `src/` | 99.7 % (787 of 789) | 97.9 % (571 of 583) |
+| `platform/` | 99.7 % (787 of 789) | 97.9 % (571 of 583) |' ;;
+  Conditions.WritesItsFiguresWhenAsked)
+    project conditions
+    mkdir build/newest
+    cat >scripts/lib/newest-system.sh <<'SYSTEM'
+make_newest_system() { :; }
+copy_to_newest() { :; }
+in_newest() {
+  if [[ $1 == g++ ]]; then
+    echo 16
+  else
+    printf '%s\n' 'lines: 99.6 % (944 of 948)' 'branches: none' 'conditions: 95.4 % (376 of 394)' 'exempt lines: 19'
+  fi
+}
+SYSTEM
+    scripts/conditions
+    expect_unwritten conditions
+    scripts/conditions --write
+    expect_written conditions '| `src/` | covered, with gcc 16 |
+|---|---:|
+| lines | 99.6 % (944 of 948) |
+| branches | none |
+| outcomes of terms | 95.4 % (376 of 394) |
+| exempt lines | 19 |' ;;
+  Rehearse.WritesTheFiguresOfAllPrograms)
+    project rehearse
+    program prefix/bin/tarnvod "echo '{\"survived\": 7, \"days\": 7, \"unconfirmed\": 0, \"seconds\": 1, \"recoveries\": [], \"faults\": {},' \\
+      '\"failures\": []}'"
+    mkdir -p examples/one build/rehearsed
+    for report in examples-one README.md docs-doxygen-front-page.md docs-your-first-application.md docs-rehearsal.md \
+        publish publish-without-broker; do
+      echo '{"survived": 5, "days": 5, "unconfirmed": 0, "recoveries": []}' >"build/rehearsed/$report.json"
+    done
+    scripts/rehearse --installed prefix watch
+    expect_unwritten rehearse
+    scripts/rehearse --write --installed prefix watch
+    grep --quiet --fixed-strings --line-regexp '| `examples/one` | 5 of 5 | 0 |  |  | 0 |' docs/testing.md
+    grep --quiet --fixed-strings --line-regexp '| `watch` | 7 of 7 | 0 |  |  | 0 |' docs/testing.md
+    [[ $(grep --count '^| `' docs/testing.md) == 8 ]] ;;
   Fuzz.WritesTheFiguresOfAllFuzzers)
     project fuzz
     fuzzer first 1000

@@ -8,7 +8,7 @@ set -euo pipefail
 # shellcheck source=tests/scripts/support.sh
 source "$(dirname "$0")/support.sh" "$@"
 
-cat >command <<'COMMAND'
+cat >./command <<'COMMAND'
 #!/bin/bash
 [[ $1 == --help ]] || echo '  -h,--help                   Print this help message and exit'
 case $1 in
