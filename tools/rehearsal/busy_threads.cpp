@@ -52,7 +52,8 @@ bool isAnotherThreadBusy() {
   alignas(dirent64) std::array<char, 4096> buffer;
   for (ssize_t size = 0; (size = ::getdents64(threads.number(), buffer.data(), buffer.size())) > 0;) {
     for (ssize_t place = 0; place < size;) {
-      const auto* const entry = reinterpret_cast<const dirent64*>(buffer.data() + place);
+      const void* const address = buffer.data() + place;  // the system aligns each entry
+      const auto* const entry = static_cast<const dirent64*>(address);
       place += entry->d_reclen;
       const std::string_view name = entry->d_name;
       long thread = 0;

@@ -40,7 +40,7 @@ Json toJson(const CameraAccount& account) {
 
 /** "2026-01-31T12:00:00Z". */
 std::string utcText(std::int64_t microseconds) {
-  const std::time_t seconds = microseconds / 1'000'000;
+  const auto seconds = static_cast<std::time_t>(microseconds / 1'000'000);  // 32 bits on some devices
   std::tm parts{};
   std::array<char, 32> text{};
   gmtime_r(&seconds, &parts);

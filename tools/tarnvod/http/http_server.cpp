@@ -67,13 +67,12 @@ HttpRequest requestOf(MHD_Connection* connection, const char* path, const char* 
 /** The client's address without its port. */
 std::string addressOf(MHD_Connection* connection) {
   const auto* info = MHD_get_connection_info(connection, MHD_CONNECTION_INFO_CLIENT_ADDRESS);
+  const void* const address = info->client_addr;  // aligned for each kind of address
   std::array<char, INET6_ADDRSTRLEN> buffer{};
   if (info->client_addr->sa_family == AF_INET6) {
-    const auto* address = reinterpret_cast<const sockaddr_in6*>(info->client_addr);
-    inet_ntop(AF_INET6, &address->sin6_addr, buffer.data(), buffer.size());
+    inet_ntop(AF_INET6, &static_cast<const sockaddr_in6*>(address)->sin6_addr, buffer.data(), buffer.size());
   } else {
-    const auto* address = reinterpret_cast<const sockaddr_in*>(info->client_addr);
-    inet_ntop(AF_INET, &address->sin_addr, buffer.data(), buffer.size());
+    inet_ntop(AF_INET, &static_cast<const sockaddr_in*>(address)->sin_addr, buffer.data(), buffer.size());
   }
   return buffer.data();
 }

@@ -77,7 +77,7 @@ class Rehearsal {
   }
 
   void rehearseDays() {
-    days_.resize(settings_.schedule ? 1 : settings_.days);
+    days_.resize(settings_.schedule ? 1 : static_cast<std::size_t>(settings_.days));
     std::vector<std::thread> threads;
     for (int job = 0; job < settings_.jobs; ++job) {
       threads.emplace_back([this] { rehearseUntilNoneIsLeft(); });
