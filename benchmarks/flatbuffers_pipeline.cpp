@@ -46,10 +46,9 @@ Data convertDetection(const flat::Detection& detection, const std::string& class
   std::vector<Attribute> attributes;
   attributes.reserve(detection.attributes()->size());
   for (const flat::Attribute* const item : *detection.attributes()) {
-    if (const std::string* const typeName = names.attributeTypes->find(item->type())) {
-      attributes.emplace_back(*typeName,
-                              copyName(names.attributeClasses->find(AttributeClassId{item->type(), item->class_()})),
-                              item->score());
+    const AttributeNames::Found found = names.attributes->find(AttributeClassId{item->type(), item->class_()});
+    if (found.type != nullptr) {
+      attributes.emplace_back(*found.type, copyName(found.value), item->score());
     }
   }
   std::vector<Classification> classifications;

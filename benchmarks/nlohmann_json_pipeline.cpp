@@ -17,12 +17,10 @@ Data convertDetection(const json& detection, const std::string& className, const
   const json& attributeItems = detection.at("attributes");
   attributes.reserve(attributeItems.size());
   for (const json& item : attributeItems) {
-    const auto type = item.at("type").get<std::uint32_t>();
-    if (const std::string* const typeName = names.attributeTypes->find(type)) {
-      attributes.emplace_back(
-          *typeName,
-          copyName(names.attributeClasses->find(AttributeClassId{type, item.at("class").get<std::uint32_t>()})),
-          item.at("score").get<std::uint32_t>());
+    const AttributeClassId value{item.at("type").get<std::uint32_t>(), item.at("class").get<std::uint32_t>()};
+    const AttributeNames::Found found = names.attributes->find(value);
+    if (found.type != nullptr) {
+      attributes.emplace_back(*found.type, copyName(found.value), item.at("score").get<std::uint32_t>());
     }
   }
   std::vector<Classification> classifications;

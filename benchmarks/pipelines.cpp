@@ -155,19 +155,18 @@ std::vector<Sample> samples() {
 SceneNames namesOf(const ::VOD::DetectorInformation& detector) {
   std::map<std::int32_t, std::string> classes;
   std::map<std::uint32_t, std::string> types;
-  std::map<AttributeClassId, std::string> values;
+  std::map<AttributeClassId, AttributeValueName> values;
   for (const auto& objectClass : detector.object_classes()) {
     classes[static_cast<std::int32_t>(objectClass.id())] = objectClass.name();
   }
   for (const auto& type : detector.attribute_types()) {
     types[type.id()] = type.name();
     for (const auto& value : type.attribute_classes()) {
-      values[{type.id(), value.id()}] = value.name();
+      values[{type.id(), value.id()}].name = value.name();
     }
   }
   return {std::make_shared<const ClassNames>(std::move(classes)),
-          std::make_shared<const AttributeTypeNames>(std::move(types)),
-          std::make_shared<const AttributeClassNames>(std::move(values))};
+          std::make_shared<const AttributeNames>(std::move(types), std::move(values))};
 }
 
 Cycle<DetectionData> recordsOf(const Sample& sample) {

@@ -17,11 +17,10 @@ std::vector<Attribute> convertAttributes(const Value& items, const SceneNames& n
   std::vector<Attribute> attributes;
   attributes.reserve(items.Size());
   for (const Value& item : items.GetArray()) {
-    const unsigned type = item["type"].GetUint();
-    if (const std::string* const typeName = names.attributeTypes->find(type)) {
-      attributes.emplace_back(*typeName,
-                              copyName(names.attributeClasses->find(AttributeClassId{type, item["class"].GetUint()})),
-                              item["score"].GetUint());
+    const AttributeClassId value{item["type"].GetUint(), item["class"].GetUint()};
+    const AttributeNames::Found found = names.attributes->find(value);
+    if (found.type != nullptr) {
+      attributes.emplace_back(*found.type, copyName(found.value), item["score"].GetUint());
     }
   }
   return attributes;

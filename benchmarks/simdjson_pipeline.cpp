@@ -25,9 +25,9 @@ std::vector<Attribute> convertAttributes(object& detection, const SceneNames& na
   std::vector<Attribute> attributes;
   for (object item : detection.find_field("attributes").get_array()) {
     const std::uint32_t type = number(item, "type");
-    const AttributeClassId value{type, number(item, "class")};
-    if (const std::string* const typeName = names.attributeTypes->find(type)) {
-      attributes.emplace_back(*typeName, copyName(names.attributeClasses->find(value)), number(item, "score"));
+    const AttributeNames::Found found = names.attributes->find(AttributeClassId{type, number(item, "class")});
+    if (found.type != nullptr) {
+      attributes.emplace_back(*found.type, copyName(found.value), number(item, "score"));
     }
   }
   return attributes;

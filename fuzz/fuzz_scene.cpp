@@ -43,22 +43,19 @@ test::ReferenceNames namesFrom(Input& input) {
   return names;
 }
 
-/** A null table is an empty one, so both stand for no names. */
+/** A null table is an empty one, so both stand for no names. Values may have a name whose types have none. */
 VOD::SceneNames tablesOf(const test::ReferenceNames& names, bool nullIfEmpty) {
   VOD::SceneNames tables;
   if (!names.classes.empty() || !nullIfEmpty) {
     tables.classes = std::make_shared<const VOD::ClassNames>(std::map<std::int32_t, std::string>(names.classes));
   }
-  if (!names.attributeTypes.empty() || !nullIfEmpty) {
-    tables.attributeTypes =
-        std::make_shared<const VOD::AttributeTypeNames>(std::map<std::uint32_t, std::string>(names.attributeTypes));
-  }
-  std::map<VOD::AttributeClassId, std::string> values;
+  std::map<VOD::AttributeClassId, VOD::AttributeValueName> values;
   for (const auto& [id, name] : names.attributeValues) {
-    values[{id.first, id.second}] = name;
+    values[{id.first, id.second}].name = name;
   }
-  if (!values.empty() || !nullIfEmpty) {
-    tables.attributeClasses = std::make_shared<const VOD::AttributeClassNames>(std::move(values));
+  if (!names.attributeTypes.empty() || !values.empty() || !nullIfEmpty) {
+    tables.attributes = std::make_shared<const VOD::AttributeNames>(
+        std::map<std::uint32_t, std::string>(names.attributeTypes), std::move(values));
   }
   return tables;
 }

@@ -16,18 +16,18 @@ namespace tarn::VOD {
 
 /**
  * Names by id, in ascending order of the ids: made once, then only read. `Id` converts to `std::uint64_t`, no two to the
- * same.
+ * same. `Name` is what an id stands for, a string or more.
  *
  * As a frame makes hundreds of look-ups, these go by hash: open addressing, load factor at most 1/2. No look-up visits
  * more than `mostProbes` slots, whatever ids the service chooses: a table in which an id would be further from its place
  * is searched by bisection.
  */
-template <typename Id>
+template <typename Id, typename Name = std::string>
 class NameTable {
  public:
-  NameTable() : NameTable(std::map<Id, std::string>()) {}
+  NameTable() : NameTable(std::map<Id, Name>()) {}
 
-  explicit NameTable(std::map<Id, std::string>&& names) {
+  explicit NameTable(std::map<Id, Name>&& names) {
     while (names.size() * 2 > std::uint64_t{1} << (64U - shift_)) {
       --shift_;
     }
@@ -45,7 +45,7 @@ class NameTable {
   NameTable& operator=(const NameTable&) = delete;
 
   /** The name of an id, or null; valid while the table lives. */
-  const std::string* find(const Id& id) const {
+  const Name* find(const Id& id) const {
     const auto key = static_cast<std::uint64_t>(id);
     const Slot* slot = &slots_[firstSlot(key)];
     for (const Slot* const end = slot + mostProbes; slot != end; ++slot) {
@@ -56,20 +56,26 @@ class NameTable {
     return isHashed_ ? nullptr : bisect(id);
   }
 
-  std::size_t size() const { return ids_.size(); }
-  const Id& id(std::size_t index) const { return ids_[index]; }
-  const std::string& name(std::size_t index) const { return names_[index]; }
+  std::size_t size() const {
+    return ids_.size();
+  }
+  const Id& id(std::size_t index) const {
+    return ids_[index];
+  }
+  const Name& name(std::size_t index) const {
+    return names_[index];
+  }
 
  private:
   struct Slot {
     std::uint64_t key = 0;
-    const std::string* name = nullptr;
+    const Name* name = nullptr;
   };
 
   static constexpr std::size_t mostProbes = 16;
 
   /** False when there is no free slot near the id's place. */
-  bool insert(const Id& id, const std::string& name) {
+  bool insert(const Id& id, const Name& name) {
     const auto key = static_cast<std::uint64_t>(id);
     const auto first = slots_.begin() + static_cast<std::ptrdiff_t>(firstSlot(key));
     const auto last = first + mostProbes;
@@ -81,7 +87,7 @@ class NameTable {
     return true;
   }
 
-  const std::string* bisect(const Id& id) const {
+  const Name* bisect(const Id& id) const {
     const auto found = std::lower_bound(ids_.begin(), ids_.end(), id);
     return found != ids_.end() && !(id < *found) ? &names_[static_cast<std::size_t>(found - ids_.begin())] : nullptr;
   }
@@ -92,7 +98,7 @@ class NameTable {
   }
 
   std::vector<Id> ids_;
-  std::vector<std::string> names_;
+  std::vector<Name> names_;
   std::vector<Slot> slots_;  ///< those after the last place take what finds no room before them
   unsigned shift_ = 63;
   bool isHashed_ = true;

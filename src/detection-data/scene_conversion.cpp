@@ -15,10 +15,9 @@
 namespace tarn::VOD {
 namespace {
 
-/** The name of an id in a table that may not be there; null when it has none. */
-template <typename Table, typename Id>
-const std::string* findName(const std::shared_ptr<const Table>& table, const Id& id) {
-  return table ? table->find(id) : nullptr;
+/** The name of a class in a table that may not be there; null when it has none. */
+const std::string* findClass(const SceneNames& names, std::uint32_t id) {
+  return names.classes ? names.classes->find(static_cast<std::int32_t>(id)) : nullptr;
 }
 
 /**
@@ -63,10 +62,13 @@ std::vector<VodEvent> convertEvents(const ::VOD::Scene& scene) {
   return events;
 }
 
-const std::string* findValueName(const ::VOD::Attribute& attribute, const SceneNames& names) {
+AttributeNames::Found findNames(const ::VOD::Attribute& attribute, const AttributeNames* names) {
+  if (names == nullptr) {
+    return {};
+  }
   return attribute.has_class_case() == ::VOD::Attribute::kClass
-             ? findName(names.attributeClasses, AttributeClassId{attribute.type(), attribute.class_()})
-             : nullptr;
+             ? names->find(AttributeClassId{attribute.type(), attribute.class_()})
+             : names->find(attribute.type());
 }
 
 std::optional<std::uint32_t> scoreOf(const ::VOD::Attribute& attribute) {
@@ -74,18 +76,18 @@ std::optional<std::uint32_t> scoreOf(const ::VOD::Attribute& attribute) {
                                                                 : std::nullopt;
 }
 
-void convertAttributes(const ::VOD::Detection& detection, const SceneNames& names,
+void convertAttributes(const ::VOD::Detection& detection, const AttributeNames* names,
                        MissingAttributeType missingAttributeType, std::vector<Attribute>& attributes) {
   attributes.reserve(static_cast<std::size_t>(detection.attributes_size()));
   for (const ::VOD::Attribute& attribute : detection.attributes()) {
-    const std::string* const typeName = findName(names.attributeTypes, attribute.type());
-    if (typeName == nullptr) {
+    const AttributeNames::Found found = findNames(attribute, names);
+    if (found.type == nullptr) {
       missingAttributeType(attribute.type());
       continue;
     }
-    Attribute& record = attributes.emplace_back(*typeName, std::nullopt, scoreOf(attribute));
-    if (const std::string* const valueName = findValueName(attribute, names)) {
-      record.className = *valueName;
+    Attribute& record = attributes.emplace_back(*found.type, std::nullopt, scoreOf(attribute));
+    if (found.value != nullptr) {
+      record.className = *found.value;
     }
   }
   if (attributes.size() != attributes.capacity()) {
@@ -95,17 +97,15 @@ void convertAttributes(const ::VOD::Detection& detection, const SceneNames& name
 
 /** The class's name; null when the classification is not delivered. */
 const std::string* findClassName(const ::VOD::Classification& classification, const SceneNames& names) {
-  const bool isComplete = classification.has_class_case() != ::VOD::Classification::HAS_CLASS_NOT_SET &&
-                          classification.has_score_case() != ::VOD::Classification::HAS_SCORE_NOT_SET;
-  return isComplete ? findName(names.classes, static_cast<std::int32_t>(classification.class_())) : nullptr;
+  const bool isComplete = classification.has_class_case() == ::VOD::Classification::kClass &&
+                          classification.has_score_case() == ::VOD::Classification::kScore;
+  return isComplete ? findClass(names, classification.class_()) : nullptr;
 }
 
 void convertClassifications(const ::VOD::Detection& detection, const SceneNames& names,
                             std::vector<Classification>& classifications) {
-  const auto findClass = [&](const ::VOD::Classification& classification) {
-    return findClassName(classification, names);
-  };
-  convertNamed(detection.classifications(), classifications, findClass,
+  const auto find = [&](const ::VOD::Classification& classification) { return findClassName(classification, names); };
+  convertNamed(detection.classifications(), classifications, find,
                [&](const ::VOD::Classification& classification, const std::string* className) {
                  if (className != nullptr) {
                    classifications.emplace_back(std::nullopt, classification.score()).className = *className;
@@ -127,10 +127,8 @@ DetectionStatus convertStatus(::VOD::Detection_DetectionStatus status) {
 std::vector<Data> convertDetections(const ::VOD::Scene& scene, const SceneNames& names,
                                     MissingAttributeType missingAttributeType) {
   std::vector<Data> detections;
-  const auto findClass = [&](const ::VOD::Detection& detection) {
-    return findName(names.classes, static_cast<std::int32_t>(detection.class_id()));
-  };
-  convertNamed(scene.detections(), detections, findClass,
+  const auto find = [&](const ::VOD::Detection& detection) { return findClass(names, detection.class_id()); };
+  convertNamed(scene.detections(), detections, find,
                [&](const ::VOD::Detection& detection, const std::string* className) {
                  if (className == nullptr) {
                    return;
@@ -139,7 +137,7 @@ std::vector<Data> convertDetections(const ::VOD::Scene& scene, const SceneNames&
                                                         detection.coord_4(), detection.object_id(), *className,
                                                         detection.score(), convertStatus(detection.status()),
                                                         std::vector<Attribute>(), std::vector<Classification>());
-                 convertAttributes(detection, names, missingAttributeType, record.attributes);
+                 convertAttributes(detection, names.attributes.get(), missingAttributeType, record.attributes);
                  convertClassifications(detection, names, record.classifications);
                });
   return detections;

@@ -7,7 +7,10 @@
 #include "detection-data/name_table.h"
 
 #include <cstdint>
+#include <map>
 #include <memory>
+#include <string>
+#include <utility>
 
 namespace tarn::VOD {
 
@@ -25,8 +28,53 @@ struct AttributeClassId {
 
 /** The requested classes only, so that a look-up is the filter too. */
 using ClassNames = NameTable<std::int32_t>;
-using AttributeTypeNames = NameTable<std::uint32_t>;
-using AttributeClassNames = NameTable<AttributeClassId>;
+
+/** What a value is called, and its type, which is null when it has no name. */
+struct AttributeValueName {
+  std::string name;
+  const std::string* type = nullptr;
+};
+
+/** The names that a detector gives its attributes. Those of the values refer to those of the types. */
+class AttributeNames {
+ public:
+  using Types = NameTable<std::uint32_t>;
+  using Values = NameTable<AttributeClassId, AttributeValueName>;
+
+  /** What an attribute is called; null stands for what has no name. */
+  struct Found {
+    const std::string* type = nullptr;
+    const std::string* value = nullptr;
+  };
+
+  /** Of the values' names, those of their types are filled in here. */
+  AttributeNames(std::map<std::uint32_t, std::string>&& types, std::map<AttributeClassId, AttributeValueName>&& values)
+      : types_(std::move(types)), values_(std::move(withTypes(values))) {}
+
+  /** The names of an attribute without a value. */
+  Found find(std::uint32_t type) const { return {types_.find(type), nullptr}; }
+
+  /** The names of an attribute with a value; only one whose value has no name takes a second look-up. */
+  Found find(const AttributeClassId& id) const {
+    const AttributeValueName* const value = values_.find(id);
+    return value != nullptr ? Found{value->type, &value->name} : find(id.type);
+  }
+
+  const Types& types() const { return types_; }
+  const Values& values() const { return values_; }
+
+ private:
+  std::map<AttributeClassId, AttributeValueName>& withTypes(
+      std::map<AttributeClassId, AttributeValueName>& values) const {
+    for (auto& [id, value] : values) {
+      value.type = types_.find(id.type);
+    }
+    return values;
+  }
+
+  Types types_;
+  Values values_;
+};
 
 /**
  * What the ids in one camera's scenes mean. The tables never change once they are made: whoever holds them may read
@@ -34,8 +82,7 @@ using AttributeClassNames = NameTable<AttributeClassId>;
  */
 struct SceneNames {
   std::shared_ptr<const ClassNames> classes;
-  std::shared_ptr<const AttributeTypeNames> attributeTypes;
-  std::shared_ptr<const AttributeClassNames> attributeClasses;
+  std::shared_ptr<const AttributeNames> attributes;
 };
 
 }  // namespace tarn::VOD

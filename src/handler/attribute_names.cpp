@@ -11,70 +11,67 @@
 namespace tarn::VOD {
 namespace {
 
-template <typename Table>
-using Tables = std::map<int, std::shared_ptr<const Table>>;
-
-template <typename Table>
-void forget(Tables<Table>& tables, int camera) {
-  if (const auto entry = tables.find(camera); entry != tables.end()) {
-    entry->second = nullptr;
+void forget(int camera) {
+  if (const auto entry = registry->attributes.find(camera); entry != registry->attributes.end()) {
+    entry->second.names = nullptr;
   }
 }
 
 /** A camera without any name gets no entry of its own; one that has an entry keeps it. */
-template <typename Table, typename Id>
-void replace(Tables<Table>& tables, int camera, std::map<Id, std::string> names) {
-  if (!names.empty()) {
-    auto table = std::make_shared<const Table>(std::move(names));
-    tables[camera] = std::move(table);
+void replace(int camera, std::map<std::uint32_t, std::string> types,
+             std::map<AttributeClassId, AttributeValueName> values) {
+  if (types.empty()) {
+    return;
   }
+  const bool hasValues = !values.empty();
+  auto names = std::make_shared<const AttributeNames>(std::move(types), std::move(values));
+  CameraAttributes& attributes = registry->attributes[camera];
+  attributes.names = std::move(names);
+  attributes.hadValues = attributes.hadValues || hasValues;
 }
 
-template <typename Table>
-const Table& tableOf(const Tables<Table>& tables, int camera, const Table& empty) {
-  const auto entry = tables.find(camera);
-  return entry != tables.end() && entry->second ? *entry->second : empty;
+/** Each type with its values: both tables are in ascending order of the types, and each value belongs to one of them. */
+std::map<std::string, std::set<std::string>> valuesByType(const AttributeNames& names) {
+  const auto& types = names.types();
+  const auto& values = names.values();
+  std::map<std::string, std::set<std::string>> attributes;
+  std::size_t value = 0;
+  for (std::size_t type = 0; type < types.size(); ++type) {
+    std::set<std::string> valueNames;
+    for (; value < values.size() && values.id(value).type == types.id(type); ++value) {
+      valueNames.insert(values.name(value).name);
+    }
+    attributes[types.name(type)] = std::move(valueNames);
+  }
+  return attributes;
 }
 
 }  // namespace
 
 void refreshAttributeNames(const HandlerLock& /*lock*/, int camera) {
-  forget(registry->attributeTypeNames, camera);
-  forget(registry->attributeClassNames, camera);
+  forget(camera);
 
   std::map<std::uint32_t, std::string> typeNames;
-  std::map<AttributeClassId, std::string> classNames;
+  std::map<AttributeClassId, AttributeValueName> valueNames;
   const ::VOD::DetectorInformation information = readDetectorInformationForCamera(camera);
   for (const ::VOD::AttributeType& type : information.attribute_types()) {
     typeNames[type.id()] = type.name();
     for (const ::VOD::AttributeClass& value : type.attribute_classes()) {
-      classNames[{type.id(), value.id()}] = value.name();
+      valueNames[{type.id(), value.id()}].name = value.name();
     }
   }
-  replace(registry->attributeTypeNames, camera, std::move(typeNames));
-  replace(registry->attributeClassNames, camera, std::move(classNames));
+  replace(camera, std::move(typeNames), std::move(valueNames));
 }
 
 std::map<std::string, std::set<std::string>> supportedAttributes(const HandlerLock& lock, int camera) {
-  // A detector without attributes leaves no entry, and so is asked again each time.
-  if (registry->attributeTypeNames.count(camera) == 0 || registry->attributeClassNames.count(camera) == 0) {
+  const auto& known = registry->attributes;
+  auto entry = known.find(camera);
+  if (entry == known.end() || !entry->second.hadValues) {  // a detector without values is asked each time
     refreshAttributeNames(lock, camera);
+    entry = known.find(camera);
   }
-  const AttributeTypeNames noTypes;
-  const AttributeClassNames noValues;
-  const AttributeTypeNames& types = tableOf(registry->attributeTypeNames, camera, noTypes);
-  const AttributeClassNames& values = tableOf(registry->attributeClassNames, camera, noValues);
-  std::map<std::string, std::set<std::string>> attributes;
-  std::size_t value = 0;  // both tables are in ascending order of the types, and
-                          // each value belongs to one of them
-  for (std::size_t type = 0; type < types.size(); ++type) {
-    std::set<std::string> names;
-    for (; value < values.size() && values.id(value).type == types.id(type); ++value) {
-      names.insert(values.name(value));
-    }
-    attributes[types.name(type)] = std::move(names);
-  }
-  return attributes;
+  const bool hasNames = entry != known.end() && entry->second.names;
+  return hasNames ? valuesByType(*entry->second.names) : std::map<std::string, std::set<std::string>>();
 }
 
 }  // namespace tarn::VOD

@@ -21,10 +21,9 @@ struct Receiver {
   SceneNames names;
 };
 
-template <typename Table>
-Table findTable(const std::map<int, Table>& tables, int camera) {
-  const auto entry = tables.find(camera);
-  return entry != tables.end() ? entry->second : nullptr;
+std::shared_ptr<const AttributeNames> attributeNamesOf(int camera) {
+  const auto entry = registry->attributes.find(camera);
+  return entry != registry->attributes.end() ? entry->second.names : nullptr;
 }
 
 Receiver copyReceiver(const void* userData) {
@@ -37,10 +36,7 @@ Receiver copyReceiver(const void* userData) {
     return {};
   }
   const auto& [camera, subscription] = *active;
-  return {camera,
-          subscription.request.callback,
-          {subscription.classNames, findTable(registry->attributeTypeNames, camera),
-           findTable(registry->attributeClassNames, camera)}};
+  return {camera, subscription.request.callback, {subscription.classNames, attributeNamesOf(camera)}};
   // uncovered: conditions of the compiler's own, about which members to destroy when a later one throws
 }
 

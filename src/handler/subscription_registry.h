@@ -36,6 +36,12 @@ struct ChannelSubscription {
   std::shared_ptr<const ClassNames> classNames;
 };
 
+/** What is known of the attributes of a camera's detector. */
+struct CameraAttributes {
+  std::shared_ptr<const AttributeNames> names;  // replaced, never changed; null when there are none
+  bool hadValues = false;                       // now or before
+};
+
 using SubscriptionMap = std::map<int, ChannelSubscription>;
 
 /**
@@ -62,10 +68,7 @@ struct SubscriptionRegistry {
   SetUpUnderWay* innermostSetUp = nullptr;
   FailureLog failureLog;
 
-  /** The names that each camera's detector gave its attributes. A table is replaced, never changed; null is an empty
-   * one. */
-  std::map<int, std::shared_ptr<const AttributeTypeNames>> attributeTypeNames;
-  std::map<int, std::shared_ptr<const AttributeClassNames>> attributeClassNames;
+  std::map<int, CameraAttributes> attributes;
 
   /** Cameras whose platform subscription is live. */
   SubscriptionMap active;

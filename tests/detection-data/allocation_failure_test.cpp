@@ -20,10 +20,9 @@ constexpr auto longName = "a name that a string does not hold without memory";
 SceneNames namesOfOne() {
   SceneNames names;
   names.classes = std::make_shared<const ClassNames>(std::map<std::int32_t, std::string>{{1, longName}});
-  names.attributeTypes =
-      std::make_shared<const AttributeTypeNames>(std::map<std::uint32_t, std::string>{{1, longName}});
-  names.attributeClasses =
-      std::make_shared<const AttributeClassNames>(std::map<AttributeClassId, std::string>{{{1, 1}, longName}});
+  names.attributes = std::make_shared<const AttributeNames>(
+      std::map<std::uint32_t, std::string>{{1, longName}},
+      std::map<AttributeClassId, AttributeValueName>{{{1, 1}, {longName, nullptr}}});
   return names;
 }
 

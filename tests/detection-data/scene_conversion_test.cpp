@@ -21,7 +21,12 @@ constexpr std::uint32_t unknown = 2;
 
 std::vector<std::uint32_t> missingTypes;
 
-/** Scenes of which the library knows one class and one attribute type. */
+std::shared_ptr<const AttributeNames> attributeNames(std::map<std::uint32_t, std::string> types,
+                                                     std::map<AttributeClassId, AttributeValueName> values = {}) {
+  return std::make_shared<const AttributeNames>(std::move(types), std::move(values));
+}
+
+/** Scenes of which the library knows one class and one attribute type without values. */
 class AScene : public testing::Test {
  protected:
   AScene() { missingTypes.clear(); }
@@ -29,14 +34,20 @@ class AScene : public testing::Test {
   std::unique_ptr<DetectionData> converted() const {
     SceneNames names;
     names.classes = std::make_shared<const ClassNames>(std::map<std::int32_t, std::string>{{known, "human"}});
-    names.attributeTypes =
-        std::make_shared<const AttributeTypeNames>(std::map<std::uint32_t, std::string>{{known, "colour"}});
+    names.attributes = attributes_;
     return convertScene(scene_, names, [](std::uint32_t type) { missingTypes.push_back(type); });
   }
 
   ::VOD::Detection& addDetection(std::uint32_t classId) { return test::addDetection(scene_, classId); }
 
+  void addAttribute(std::uint32_t type, std::uint32_t value) {
+    ::VOD::Attribute& attribute = *scene_.mutable_detections(0)->add_attributes();
+    attribute.set_type(type);
+    attribute.set_class_(value);
+  }
+
   ::VOD::Scene scene_;
+  std::shared_ptr<const AttributeNames> attributes_ = attributeNames({{known, "colour"}});
 };
 
 TEST_F(AScene, OfWhichOneDetectionIsDeliveredLeavesNoRoomForTheOthers) {
@@ -119,12 +130,50 @@ TEST_F(AScene, ReportsEachAttributeOfAnUnknownTypeOnce) {
   EXPECT_EQ(missingTypes, std::vector<std::uint32_t>(many, unknown));
 }
 
+TEST_F(AScene, GivesAnAttributeTheNamesOfItsTypeAndOfItsValue) {
+  attributes_ =
+      attributeNames({{known, "colour"}, {3, "hat"}}, {{{known, 5}, {"red"}}, {{known, 0}, {""}}, {{3, 5}, {"none"}}});
+  addDetection(known);
+  addAttribute(known, 5);
+  addAttribute(3, 5);
+  addAttribute(known, 0);
+  EXPECT_EQ(converted()->detections[0].attributes,
+            (std::vector<Attribute>{
+                {"colour", "red", std::nullopt}, {"hat", "none", std::nullopt}, {"colour", "", std::nullopt}}));
+}
+
+TEST_F(AScene, KeepsTheTypeOfAnAttributeWhoseValueHasNoName) {
+  attributes_ = attributeNames({{known, "colour"}, {3, "hat"}}, {{{known, 5}, {"red"}}});
+  addDetection(known);
+  addAttribute(known, 6);
+  addAttribute(3, 5);
+  EXPECT_EQ(converted()->detections[0].attributes,
+            (std::vector<Attribute>{{"colour", std::nullopt, std::nullopt}, {"hat", std::nullopt, std::nullopt}}));
+  EXPECT_TRUE(missingTypes.empty());
+}
+
+TEST_F(AScene, ReportsAnAttributeOfAnUnknownTypeAlsoWhenItsValueHasAName) {
+  attributes_ = attributeNames({{known, "colour"}}, {{{unknown, 5}, {"red"}}});
+  addDetection(known);
+  addAttribute(unknown, 5);
+  EXPECT_TRUE(converted()->detections[0].attributes.empty());
+  EXPECT_EQ(missingTypes, std::vector<std::uint32_t>{unknown});
+}
+
+TEST_F(AScene, ReportsEachAttributeWhenThereAreNoNames) {
+  attributes_ = nullptr;
+  addDetection(known);
+  addAttribute(known, 5);
+  scene_.mutable_detections(0)->add_attributes()->set_type(known);
+  EXPECT_TRUE(converted()->detections[0].attributes.empty());
+  EXPECT_EQ(missingTypes, (std::vector<std::uint32_t>{known, known}));
+}
+
 /** Ids of 0 are not written, so these are the smallest messages that become records with a name. */
 TEST(AFrameOfTheSmallestMessages, HoldsANameForEveryTwoBytes) {
   SceneNames names;
   names.classes = std::make_shared<const ClassNames>(std::map<std::int32_t, std::string>{{0, "human"}});
-  names.attributeTypes =
-      std::make_shared<const AttributeTypeNames>(std::map<std::uint32_t, std::string>{{0, "colour"}});
+  names.attributes = attributeNames({{0, "colour"}});
   constexpr std::size_t many = 100;
   ::VOD::Scene scene;
   for (std::size_t i = 0; i < many; ++i) {

@@ -254,6 +254,23 @@ TEST_F(ASubscribedCamera, DistinguishesAnAttributeWithoutAValueFromOneOfValueZer
                                                                   VOD::Attribute("colour", "red", std::nullopt)));
 }
 
+TEST_F(ASubscribedCamera, NamesTheValuesOfTwoTypesThatShareAnIdWithTheLastTypesName) {
+  ::VOD::DetectorInformation information;
+  ASSERT_TRUE(information.ParseFromString(detectorBytes()));
+  ::VOD::AttributeType& type = *information.add_attribute_types();
+  type.set_id(10);
+  type.set_name("paint");
+  vod::host::channel(1).detectorInformation(information.SerializeAsString());
+  setUp(2);
+  ::VOD::Scene scene;
+  ::VOD::Detection& detection = addDetection(scene, 1);
+  addAttribute(detection, 10, 1);
+  addAttribute(detection, 10);
+  vod::host::channel(1).deliverScene(scene.SerializeAsString());
+  EXPECT_THAT(inbox_.last().detections[0].attributes, ElementsAre(VOD::Attribute("paint", "red", std::nullopt),
+                                                                  VOD::Attribute("paint", std::nullopt, std::nullopt)));
+}
+
 TEST_F(ASubscribedCamera, NamesAttributesByItsOwnDetector) {
   ::VOD::DetectorInformation other;
   ASSERT_TRUE(other.ParseFromString(detectorBytes()));

@@ -207,7 +207,9 @@ TEST_F(TheAttributesOfCameraOne, AreThoseOfItsLastSubscription) {
   Handler::teardown(1);
   EXPECT_EQ(Handler::getSupportedAttributes().count("colour"), 1U) << "teardown forgets nothing";
   setUp(1, {});
+  const auto calls = vod::host::journal();
   EXPECT_THAT(Handler::getSupportedAttributes(), ElementsAre(Pair("beard", IsEmpty())));
+  EXPECT_EQ(vod::host::journal(), calls) << "a detector that had values is not asked again";
 }
 
 TEST_F(TheAttributesOfCameraOne, AreGoneWhenReadingThemAgainFails) {

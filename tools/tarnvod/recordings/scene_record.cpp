@@ -34,8 +34,7 @@ class NamesOfAll {
 
   VOD::SceneNames tables() {
     return {std::make_shared<VOD::ClassNames>(std::move(classes_)),
-            std::make_shared<VOD::AttributeTypeNames>(std::move(types_)),
-            std::make_shared<VOD::AttributeClassNames>(std::move(values_))};
+            std::make_shared<VOD::AttributeNames>(std::move(types_), std::move(values_))};
   }
 
  private:
@@ -43,14 +42,13 @@ class NamesOfAll {
 
   void add(const ::VOD::Attribute& attribute) {
     types_.emplace(attribute.type(), names_.attributeName(attribute.type()));
-    values_.emplace(VOD::AttributeClassId{attribute.type(), attribute.class_()},
-                    names_.attributeValue(attribute.type(), attribute.class_()));
+    values_[{attribute.type(), attribute.class_()}].name = names_.attributeValue(attribute.type(), attribute.class_());
   }
 
   const SceneNames& names_;
   std::map<std::int32_t, std::string> classes_;
   std::map<std::uint32_t, std::string> types_;
-  std::map<VOD::AttributeClassId, std::string> values_;
+  std::map<VOD::AttributeClassId, VOD::AttributeValueName> values_;
 };
 
 void ignore(std::uint32_t /*attributeType*/) {}

@@ -3,5 +3,5 @@
 
 # The callable of the record is called in its place instead of a copy.
 s/^  DetectionCallback callback;/  const DetectionCallback* callback = nullptr;/
-s/^          subscription\.request\.callback,/          \&subscription.request.callback,/
+s/^  return \{camera, subscription\.request\.callback,/  return {camera, \&subscription.request.callback,/
 s/^  receiver\.callback\(/  (*receiver.callback)(/
