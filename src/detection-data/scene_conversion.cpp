@@ -15,6 +15,23 @@
 namespace tarn::VOD {
 namespace {
 
+/** An empty list with room for this many records, and no more. */
+template <typename Record>
+std::vector<Record> emptyListFor(std::size_t records) {
+  std::vector<Record> list;
+  list.reserve(records);
+  return list;
+}
+
+/** Makes a record at the end of a list that has room for it. */
+template <typename Record, typename... Members>
+Record& append(std::vector<Record>& list, Members&&... members) {
+  if (list.size() == list.capacity()) {
+    __builtin_unreachable();  // so that the compiler leaves out what would move the list
+  }
+  return list.emplace_back(std::forward<Members>(members)...);
+}
+
 /** The name of a class in a table that may not be there; null when it has none. */
 const std::string* findClass(const SceneNames& names, std::uint32_t id) {
   return names.classes ? names.classes->find(static_cast<std::int32_t>(id)) : nullptr;
@@ -22,7 +39,7 @@ const std::string* findClass(const SceneNames& names, std::uint32_t id) {
 
 /**
  * Looks each message's name up and then calls `convert(message, name)` for each message, null for one without a name. In
- * between it makes room in `records` for those with a name, and no more: an application may queue what it gets.
+ * between `records` becomes a list with room for those with a name, and no more: an application may queue what it gets.
  */
 template <typename Record, typename Message, typename Find, typename Convert>
 void convertNamed(const google::protobuf::RepeatedPtrField<Message>& messages, std::vector<Record>& records,
@@ -39,7 +56,7 @@ void convertNamed(const google::protobuf::RepeatedPtrField<Message>& messages, s
       remembered[i] = name;
     }
   }
-  records.reserve(named);
+  records = emptyListFor<Record>(named);
   for (std::size_t i = 0; i < count; ++i) {
     convert(*message[i], i < mostRemembered ? remembered[i] : find(*message[i]));
   }
@@ -51,12 +68,12 @@ bool isKnown(::VOD::EventAction action) {
 
 std::vector<VodEvent> convertEvents(const ::VOD::Scene& scene) {
   const auto isKept = [](const ::VOD::Event& event) { return isKnown(event.action()); };
-  std::vector<VodEvent> events;
-  events.reserve(static_cast<std::size_t>(std::count_if(scene.events().begin(), scene.events().end(), isKept)));
+  const auto kept = std::count_if(scene.events().begin(), scene.events().end(), isKept);
+  auto events = emptyListFor<VodEvent>(static_cast<std::size_t>(kept));
   for (const ::VOD::Event& event : scene.events()) {
     if (isKept(event)) {
-      events.emplace_back(static_cast<EventAction>(event.action()), event.object_id(),
-                          std::vector<int>(event.object_ids().begin(), event.object_ids().end()));
+      append(events, static_cast<EventAction>(event.action()), event.object_id(),
+             std::vector<int>(event.object_ids().begin(), event.object_ids().end()));
     }
   }
   return events;
@@ -78,14 +95,14 @@ std::optional<std::uint32_t> scoreOf(const ::VOD::Attribute& attribute) {
 
 void convertAttributes(const ::VOD::Detection& detection, const AttributeNames* names,
                        MissingAttributeType missingAttributeType, std::vector<Attribute>& attributes) {
-  attributes.reserve(static_cast<std::size_t>(detection.attributes_size()));
+  attributes = emptyListFor<Attribute>(static_cast<std::size_t>(detection.attributes_size()));
   for (const ::VOD::Attribute& attribute : detection.attributes()) {
     const AttributeNames::Found found = findNames(attribute, names);
     if (found.type == nullptr) {
       missingAttributeType(attribute.type());
       continue;
     }
-    Attribute& record = attributes.emplace_back(*found.type, std::nullopt, scoreOf(attribute));
+    Attribute& record = append(attributes, *found.type, std::nullopt, scoreOf(attribute));
     if (found.value != nullptr) {
       record.className = *found.value;
     }
@@ -108,7 +125,7 @@ void convertClassifications(const ::VOD::Detection& detection, const SceneNames&
   convertNamed(detection.classifications(), classifications, find,
                [&](const ::VOD::Classification& classification, const std::string* className) {
                  if (className != nullptr) {
-                   classifications.emplace_back(std::nullopt, classification.score()).className = *className;
+                   append(classifications, std::nullopt, classification.score()).className = *className;
                  }
                });
 }
@@ -133,10 +150,10 @@ std::vector<Data> convertDetections(const ::VOD::Scene& scene, const SceneNames&
                  if (className == nullptr) {
                    return;
                  }
-                 Data& record = detections.emplace_back(detection.coord_1(), detection.coord_2(), detection.coord_3(),
-                                                        detection.coord_4(), detection.object_id(), *className,
-                                                        detection.score(), convertStatus(detection.status()),
-                                                        std::vector<Attribute>(), std::vector<Classification>());
+                 Data& record =
+                     append(detections, detection.coord_1(), detection.coord_2(), detection.coord_3(),
+                            detection.coord_4(), detection.object_id(), *className, detection.score(),
+                            convertStatus(detection.status()), std::vector<Attribute>(), std::vector<Classification>());
                  convertAttributes(detection, names.attributes.get(), missingAttributeType, record.attributes);
                  convertClassifications(detection, names, record.classifications);
                });
