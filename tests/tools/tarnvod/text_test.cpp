@@ -66,6 +66,14 @@ TEST_F(Text, OfATimeIsInMinutesAndSeconds) {
   EXPECT_EQ(clockText(7'267'050'000), "2:01:07.050");
 }
 
+TEST_F(Text, OfASizeIsInTheLargestUnitThatItReaches) {
+  EXPECT_EQ(byteSize(999), "999 B");
+  EXPECT_EQ(byteSize(1'000), "1.0 kB");
+  EXPECT_EQ(byteSize(1'000'000), "1.0 MB");
+  EXPECT_EQ(byteSize(999'900'000), "999.9 MB");
+  EXPECT_EQ(byteSize(1'000'000'000), "1.0 GB");
+}
+
 TEST_F(Text, IsFoldedAtSpaces) {
   EXPECT_EQ(folded("one two three", 80, 2), "one two three");
   EXPECT_EQ(folded("one two three", 7, 2), "one two\n  three");
