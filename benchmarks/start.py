@@ -34,14 +34,19 @@ def relocations(library):
     return len(types), sum(not kind.endswith("_RELATIVE") for kind in types)
 
 
+def start_publisher(processes, command, spool, environment=None):
+    """Of eight cameras, with a broker of its own; the command is a list, as it may run under an emulator."""
+    port = free_port()
+    processes.start(["mosquitto", "-p", port])
+    wait_until(lambda: is_listening(port), "the broker")
+    return processes.start([*command, "publish", "--site", "site", "--device", "device", "--spool", spool, "--port", port],
+                           environment={"TARNVOD_HOST_RECORDINGS": ":".join([STREET] * 8), **(environment or {})})
+
+
 def publisher_memory(command):
     """Resident memory, and what of it is not of files, of eight cameras that are published for some seconds."""
-    port = free_port()
     with tempfile.TemporaryDirectory() as folder, Processes() as processes:
-        processes.start(["mosquitto", "-p", port])
-        wait_until(lambda: is_listening(port), "the broker")
-        publisher = processes.start([command, "publish", "--site", "site", "--device", "device", "--spool", folder, "--port", port],
-                                    environment={"TARNVOD_HOST_RECORDINGS": ":".join([STREET] * 8)})
+        publisher = start_publisher(processes, [command], folder)
         time.sleep(SECONDS)
         return memory_of(publisher, "VmRSS"), memory_of(publisher, "RssAnon")
 
