@@ -257,7 +257,8 @@ SYSTEM
     project fuzz
     fuzzer first 1000
     fuzzer second 2000
-    if scripts/fuzz --write 30 first; then exit 1; fi
+    if scripts/fuzz --write 30 first 2>errors; then exit 1; fi
+    grep -qx "$PWD/build/fuzz/reports/second does not exist; run the fuzzer second as well" errors
     expect_unwritten fuzz ;;
   Fuzz.RunsAsManyFuzzersAtTheSameTimeAsAsked)
     project fuzz
