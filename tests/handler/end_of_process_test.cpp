@@ -15,7 +15,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <future>
+#include <memory>
 #include <thread>
+#include <utility>
 
 extern "C" void __cxa_finalize(void* library);  // of the C++ runtime
 
@@ -181,6 +183,22 @@ TEST_F(TheEndOfTheProcess, DoesNotWaitForASetUpThatIsStuckInTheServiceAndLaterCa
         EXPECT_FALSE(Handler::setup(2, nullptr, {}));
         EXPECT_TRUE(Handler::getSupportedClasses().empty());
         std::_Exit(HasFailure() ? 1 : 0);
+      },
+      ExitedWithCode(0), "^$");
+}
+
+TEST_F(TheEndOfTheProcess, KeepsTheOtherCamerasForASetUpThatIsStuckInTheService) {
+  EXPECT_EXIT(
+      {
+        auto owned = std::make_shared<int>(7);
+        const std::weak_ptr<int> ofAnotherCamera = owned;
+        Handler::setup(2, [owned = std::move(owned)](auto&&, int) {}, {"human"});
+        const Gate never;
+        vod::host::plan(Fault(Function::Subscribe).waitsAt(never));
+        onAThreadOfItsOwn([this] { setUp(1); });
+        never.waitUntilReached();
+        destroyStaticObjects();
+        std::_Exit(ofAnotherCamera.expired() ? 1 : 0);
       },
       ExitedWithCode(0), "^$");
 }
