@@ -26,7 +26,9 @@ TEST(TheUserDataOfASubscription, IsItsOwnAlsoForTheSameCamera) {
 
 TEST(TheUserDataOfASubscription, IsNotReusedBeforeManyLaterSubscriptionsHaveEnded) {
   const auto pool = std::make_shared<UserDataPool>();
-  const UserData* const ended = pool->make(1).get();
+  auto subscription = pool->make(1);
+  const UserData* const ended = subscription.get();
+  subscription.reset();
   for (std::size_t later = 0; later < UserDataPool::rest; ++later) {
     ASSERT_NE(pool->make(2).get(), ended) << later;
     ASSERT_EQ(ended->camera, 1) << "still valid, and still the camera's";
