@@ -165,5 +165,19 @@ TEST_F(ADropDuringASetUp, IsNoticedInEachOfTwoSetUpsThatRunInsideOneAnother) {
   EXPECT_THAT(vod::host::channel(1).subscriptions(), SizeIs(1));
 }
 
+TEST_F(ADropDuringASetUp, IsNoticedWhileAnotherSetUpRunsInsideIt) {
+  Fault outer(Function::Subscribe);
+  vod::host::plan(outer.runs([this] {
+    Fault inner(Function::Subscribe);
+    vod::host::plan(dropSubscriber(inner, 2));
+    EXPECT_TRUE(setUp(2));
+  }));
+  EXPECT_FALSE(setUp(1));
+  EXPECT_THAT(vod::host::channel(0).subscriptions(), IsEmpty());
+  EXPECT_THAT(vod::host::channel(1).subscriptions(), SizeIs(1));
+  retryOnce();
+  EXPECT_THAT(vod::host::channel(0).subscriptions(), SizeIs(1));
+}
+
 }  // namespace
 }  // namespace tarn::test
