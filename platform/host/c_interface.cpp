@@ -306,7 +306,7 @@ bool video_object_detection_subscriber_service_is_enabled(void) {
 namespace {
 
 /** Refers to each function in the list, so that the library does not link while one of them is not defined above. */
-#define ADDRESS(enumerator, function) &function,
+#define ADDRESS(enumerator, function) &(function),
 [[gnu::used]] constexpr auto definitions = std::make_tuple(VOD_HOST_FUNCTIONS(ADDRESS) nullptr);
 #undef ADDRESS
 

@@ -88,6 +88,7 @@ int RecordingWriter::File::cutBack() const {
   return descriptor < 0 || ::ftruncate(descriptor, size) == 0 ? 0 : errno;
 }
 
+// NOLINTNEXTLINE(readability-make-member-function-const): what it writes to is not the same afterwards
 void RecordingWriter::File::close() {
   if (descriptor >= 0) {
     ::close(descriptor);

@@ -150,9 +150,10 @@ std::string encoded(const IndexEntry& entry) {
   return {bytes.data(), bytes.size()};
 }
 
-SceneIndex::SceneIndex(const std::filesystem::path& folder) : name_(folder / indexFileName) {
-  // Without O_NONBLOCK, a pipe in the place of the file would wait for a writer.
-  file_ = ::open(name_.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+SceneIndex::SceneIndex(const std::filesystem::path& folder)
+    : name_(folder / indexFileName),
+      // Without O_NONBLOCK, a pipe in the place of the file would wait for a writer.
+      file_(::open(name_.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
   if (file_ >= 0) {
     open();
   } else if (errno != ENOENT) {

@@ -46,6 +46,7 @@ std::vector<std::filesystem::path> partsOf(const std::filesystem::path& folder) 
   }
   std::sort(segments.begin(), segments.end());
   std::vector<std::filesystem::path> parts;
+  parts.reserve(segments.size());
   for (auto& segment : segments) {
     parts.push_back(std::move(segment.second));
   }

@@ -86,7 +86,7 @@ class Line {
     const bool isInRange = milliseconds >= static_cast<double>(least.count()) &&  // false if it is not a number
                            milliseconds <= static_cast<double>(most.count());
     if (isAtEnd() || error != std::errc() || unit == 0 || !isInRange) {
-      fail("a time from " + toText(least) + " to " + toText(most) + ", such as \"1.5s\", \"200ms\", \"2m\" or \"1h\"");
+      fail("a time from " + toText(least) + " to " + toText(most) + R"(, such as "1.5s", "200ms", "2m" or "1h")");
     }
     goOn();
     return Time(static_cast<Time::rep>(milliseconds));
@@ -94,16 +94,16 @@ class Line {
 
   std::string function() {
     if (!isFunction(word_)) {
-      fail("a function of the platform, such as \"subscribe\" or \"get_information\"");
+      fail(R"(a function of the platform, such as "subscribe" or "get_information")");
     }
-    const std::string name(word_);
+    std::string name(word_);
     goOn();
     return name;
   }
 
   Kind kind() {
-    const auto found = std::find_if(std::begin(everyKind), std::end(everyKind),
-                                    [this](Kind kind) { return formOf(kind).word == word_; });
+    const auto* const found = std::find_if(std::begin(everyKind), std::end(everyKind),
+                                           [this](Kind kind) { return formOf(kind).word == word_; });
     if (found == std::end(everyKind)) {
       std::string words;
       for (const Kind kind : everyKind) {

@@ -45,6 +45,7 @@ template <typename Record, typename Message, typename Find, typename Convert>
 void convertNamed(const google::protobuf::RepeatedPtrField<Message>& messages, std::vector<Record>& records,
                   const Find& find, const Convert& convert) {
   constexpr std::size_t mostRemembered = 16;  // names that are not remembered are looked up again
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): read only where it was written before
   std::array<const std::string*, mostRemembered> remembered;
   const auto count = static_cast<std::size_t>(messages.size());
   const Message* const* const message = messages.data();  // the compiler would load it and the count again each time

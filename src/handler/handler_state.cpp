@@ -20,8 +20,10 @@ static_assert(std::is_trivially_destructible_v<HandlerMutex> && std::is_triviall
 HandlerMutex handlerMutex;
 LifecycleMutex lifecycleMutex;
 
+// NOLINTBEGIN(cert-err58-cpp): a process without memory for these does not begin
 DestroyedOnRequest<SubscriptionRegistry> registry;
 DestroyedOnRequest<RetryThread> retryThread;
+// NOLINTEND(cert-err58-cpp)
 
 bool RetryThread::isRunning() const {
   return thread && process == getpid();

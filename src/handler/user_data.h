@@ -52,7 +52,7 @@ class UserDataPool : public std::enable_shared_from_this<UserDataPool> {
     const ScopedLock lock(mutex_);
     UserData* const data = resting_ > rest ? takeOldest() : &objects_.emplace_front();
     data->camera = camera;
-    return Pointer(data, Return(shared_from_this()));
+    return {data, Return(shared_from_this())};
   }
 
  private:

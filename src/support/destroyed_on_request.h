@@ -15,8 +15,10 @@ class DestroyedOnRequest {
   DestroyedOnRequest(const DestroyedOnRequest&) = delete;
   DestroyedOnRequest& operator=(const DestroyedOnRequest&) = delete;
 
+  // NOLINTBEGIN(cppcoreguidelines-pro-type-union-access): only a union leaves the end of its member to others
   T* operator->() { return &value_; }
   void destroy() { value_.~T(); }
+  // NOLINTEND(cppcoreguidelines-pro-type-union-access)
 
  private:
   union {

@@ -56,7 +56,7 @@ class TARNVOD_ANNOTATION(scoped_lockable) WaitingLock {
  public:
   explicit WaitingLock(AnnotatedMutex<std::mutex>& mutex) TARNVOD_ANNOTATION(acquire_capability(mutex))
       : lock_(mutex.unannotated()) {}
-  ~WaitingLock() TARNVOD_ANNOTATION(release_capability()) {}
+  ~WaitingLock() TARNVOD_ANNOTATION(release_capability()) = default;
 
   void lock() TARNVOD_ANNOTATION(acquire_capability()) { lock_.lock(); }
   void unlock() TARNVOD_ANNOTATION(release_capability()) { lock_.unlock(); }

@@ -36,7 +36,7 @@ class Rehearsal {
 
   void run();
   void runRound(Clock::time_point begin);
-  void waitUntil(Clock::time_point time);
+  static void waitUntil(Clock::time_point time);
 
   void take(const schedule::Step& step);
   void begin(const schedule::Fault& fault, std::size_t number);
@@ -44,8 +44,8 @@ class Rehearsal {
   void beginCallFault(const schedule::Fault& fault, std::size_t number);
   void endCallFault(std::size_t number);
   void change(const schedule::Fault& fault, int by);
-  void loseClass(int channel, int place, bool isLost);
-  void restartDetector(int channel);
+  void loseClass(int number, int place, bool isLost);
+  void restartDetector(int number);
   void goDown(int by);
 
   void sendScenes(const std::optional<int>& onlyTo, int count);

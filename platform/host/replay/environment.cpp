@@ -90,7 +90,7 @@ std::optional<LogDestination> readLogDestination() {
   }
   const std::string_view text = value;
   if (text != "stderr" && text != "syslog") {
-    refuse("TARNVOD_HOST_LOG", value, "\"stderr\" or \"syslog\"");
+    refuse("TARNVOD_HOST_LOG", value, R"("stderr" or "syslog")");
   }
   return text == "stderr" ? LogDestination::SystemLogAndStandardError : LogDestination::SystemLog;
 }

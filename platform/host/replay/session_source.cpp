@@ -19,7 +19,8 @@ namespace {
 
 /** A damaged index, and one put together from several boots, does not name its boot. */
 bool mayBeOne(const BootId& left, const BootId& right) {
-  return left == right || left == BootId() || right == BootId();
+  constexpr BootId none{};
+  return left == right || left == none || right == none;
 }
 
 /** 0 when the second is before the first. */
@@ -33,7 +34,7 @@ SessionSource::SessionSource(const std::vector<std::string>& folders) {
   for (const std::string& folder : folders) {
     cameras_.emplace_back().folder = folder;
   }
-  startAgain();
+  SessionSource::startAgain();
 }
 
 void SessionSource::startAgain() {

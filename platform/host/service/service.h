@@ -93,7 +93,7 @@ class Service {
   // ---- For the execution of schedules ----
 
   /** The number of scenes and teardowns of the channel that wait for their delivery. */
-  std::size_t waitingTasks(int channel);
+  std::size_t waitingTasks(int number);
   /** Fails every call that needs a channel, as an invalid environment variable does; reports why. */
   void refuseConfiguration(const std::string& error);
 
@@ -113,13 +113,13 @@ class Service {
   int startReplay(const Lock& lock, ChannelState& channel) TARNVOD_REQUIRES(mutex_);
   /** Ends the replay of a stream unless one of its channels has subscriptions. */
   void stopUnusedReplay(const Lock& lock, const std::shared_ptr<Stream>& stream) TARNVOD_REQUIRES(mutex_);
-  void deliverReplayed(const Stream* stream, int replay, const Playback::Item& item);
+  void deliverReplayed(const Stream* id, int replay, const Playback::Item& item);
   /** Waits for the callbacks of a session's scenes. */
-  void finishReplay(const Stream* stream);
+  void finishReplay(const Stream* id);
   /** Null when the stream is gone since a reset. */
   Stream* findStream(const Lock& lock, const Stream* stream) TARNVOD_REQUIRES(mutex_);
   /** Null when the channel has not played a recording. */
-  std::shared_ptr<Replayer> replayerOf(int channel);
+  std::shared_ptr<Replayer> replayerOf(int number);
   void drop(const Lock& lock, ChannelState& channel) TARNVOD_REQUIRES(mutex_);
   std::shared_ptr<DeliveryThread> threadOf(const Lock& lock, ChannelState& channel) TARNVOD_REQUIRES(mutex_);
 
