@@ -11,7 +11,7 @@
 namespace tarn::VOD {
 namespace {
 
-void forget(int camera) {
+void forget(int camera) TARNVOD_REQUIRES(handlerMutex) {
   if (const auto entry = registry->attributes.find(camera); entry != registry->attributes.end()) {
     entry->second.names = nullptr;
   }
@@ -19,7 +19,7 @@ void forget(int camera) {
 
 /** A camera without any name gets no entry of its own; one that has an entry keeps it. */
 void replace(int camera, std::map<std::uint32_t, std::string> types,
-             std::map<AttributeClassId, AttributeValueName> values) {
+             std::map<AttributeClassId, AttributeValueName> values) TARNVOD_REQUIRES(handlerMutex) {
   if (types.empty()) {
     return;
   }

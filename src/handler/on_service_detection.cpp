@@ -21,7 +21,7 @@ struct Receiver {
   SceneNames names;
 };
 
-std::shared_ptr<const AttributeNames> attributeNamesOf(int camera) {
+std::shared_ptr<const AttributeNames> attributeNamesOf(int camera) TARNVOD_REQUIRES(handlerMutex) {
   const auto entry = registry->attributes.find(camera);
   return entry != registry->attributes.end() ? entry->second.names : nullptr;
 }
