@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "client.h"
+#include "support/scene_builder.h"
 
 namespace vod::host {
 namespace {
@@ -36,6 +37,18 @@ TEST_F(ARegionOfInterest, DropsDetectionsWithTheirCentreOutside) {
   Client client(0);
   client.useChannelConfiguration().subscribe();
   channel(0).pushScene(sceneWith({outside, inside, outside}, 9));
+  drain();
+  EXPECT_THAT(client.scenes(), ElementsAre(sceneWith({inside}, 9)));
+}
+
+TEST_F(ARegionOfInterest, DropsDetectionsOfWhichOnlyACornerIsInside) {
+  VOD::Scene scene;
+  ASSERT_TRUE(scene.ParseFromString(sceneWith({inside}, 9)));
+  tarn::test::setBox(*scene.add_detections(), 0.4F, 0.1F, 0.9F, 0.2F);
+  tarn::test::setBox(*scene.add_detections(), 0.1F, 0.4F, 0.2F, 0.9F);
+  Client client(0);
+  client.useChannelConfiguration().subscribe();
+  channel(0).pushScene(scene.SerializeAsString());
   drain();
   EXPECT_THAT(client.scenes(), ElementsAre(sceneWith({inside}, 9)));
 }
