@@ -37,7 +37,9 @@ class NameTable {
     for (auto& [id, name] : names) {
       ids_.push_back(id);
       names_.push_back(std::move(name));
-      isHashed_ = insert(id, names_.back()) && isHashed_;
+      if (!insert(id, names_.back())) {
+        isHashed_ = false;
+      }
     }
   }
 

@@ -169,6 +169,12 @@ TEST_F(AScene, ReportsEachAttributeWhenThereAreNoNames) {
   EXPECT_EQ(missingTypes, (std::vector<std::uint32_t>{known, known}));
 }
 
+TEST(ASceneWithoutNamesOfClasses, HasNoDetections) {
+  ::VOD::Scene scene;
+  test::addDetection(scene, known);
+  EXPECT_TRUE(convertScene(scene, SceneNames(), [](std::uint32_t) {})->detections.empty());
+}
+
 /** Ids of 0 are not written, so these are the smallest messages that become records with a name. */
 TEST(AFrameOfTheSmallestMessages, HoldsANameForEveryTwoBytes) {
   SceneNames names;

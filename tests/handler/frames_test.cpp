@@ -149,6 +149,20 @@ TEST_F(ASubscribedCamera, DropsAnAttributeWithoutATypeNameAndLogsIt) {
   EXPECT_EQ(log_.count(line), 4U) << "in every frame";
 }
 
+TEST_F(ASubscribedCamera, DropsAndLogsEachAttributeIfItsDetectorNeverNamedOne) {
+  ::VOD::DetectorInformation detector;
+  ASSERT_TRUE(detector.ParseFromString(detectorBytes()));
+  detector.clear_attribute_types();
+  vod::host::channel(8).detectorInformation(detector.SerializeAsString());
+  setUp(9);
+  ::VOD::Scene scene;
+  addAttribute(addDetection(scene, 1), 10);
+  vod::host::channel(8).deliverScene(scene.SerializeAsString());
+  ASSERT_EQ(inbox_.last().detections.size(), 1U);
+  EXPECT_THAT(inbox_.last().detections[0].attributes, IsEmpty());
+  EXPECT_THAT(log_.lines(), ElementsAre(LogLine{LOG_ERR, "Missing vod attribute string for attribute type id 10\n"}));
+}
+
 TEST_F(ASubscribedCamera, LogsNothingOfTheAttributesOfAClassThatWasNotRequested) {
   ::VOD::Scene scene;
   ::VOD::Detection& detection = addDetection(scene, 7);

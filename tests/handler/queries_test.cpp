@@ -146,6 +146,18 @@ TEST_F(AFreshProcess, AsksADetectorWhoseAttributesHaveNoValuesEachTime) {
   expectWell(askADetectorWithoutValues);
 }
 
+void askADetectorWithoutAttributes() {
+  vod::host::channel(0).detectorInformation(::VOD::DetectorInformation().SerializeAsString());
+  EXPECT_THAT(Handler::getSupportedAttributes(), IsEmpty());
+  EXPECT_THAT(Handler::getSupportedAttributes(), IsEmpty());
+  EXPECT_EQ(vod::host::journal().size(), 6U) << "asked again each time";
+  std::exit(testing::Test::HasFailure() ? 1 : 0);  // as above
+}
+
+TEST_F(AFreshProcess, AsksADetectorWithoutAttributesEachTime) {
+  expectWell(askADetectorWithoutAttributes);
+}
+
 void askWhileTheServiceIsDown() {
   vod::host::takeServiceDown();
   try {
