@@ -92,12 +92,14 @@ class NewSubscriber {
   int channel() const { return channelOf(userData_->camera); }
 
   void configure(const VodChannelConfiguration& region) const {
+    // A message that makes a member of its oneof and finds no memory has one that is not there, and destroys it.
+    auto roi = std::make_unique<::VOD::BoundingBox>();
+    roi->set_coord_1(region.coord1);
+    roi->set_coord_2(region.coord2);
+    roi->set_coord_3(region.coord3);
+    roi->set_coord_4(region.coord4);
     ::VOD::ChannelConfiguration configuration;
-    ::VOD::BoundingBox& roi = *configuration.mutable_roi();
-    roi.set_coord_1(region.coord1);
-    roi.set_coord_2(region.coord2);
-    roi.set_coord_3(region.coord3);
-    roi.set_coord_4(region.coord4);
+    configuration.set_allocated_roi(roi.release());
     const std::string bytes = configuration.SerializeAsString();
     require(video_object_detection_set_channel_configuration(
                 static_cast<ParameterType<SetChannelConfiguration, 0>>(channel()),
